@@ -1,0 +1,48 @@
+#include "app/Application.h"
+
+#include "app/SubscriptionHelperAppDelegate.h"
+#include "platform/Log.h"
+
+#include <cstdlib>
+#include <string>
+
+#include <QApplication>
+#include <QMessageLogContext>
+
+namespace {
+
+/// Stands in for Qt's own messages while it connects to the display: it ends a process without one
+/// by an abort, after several lines.
+void reportMissingDisplay(QtMsgType type, const QMessageLogContext& /*context*/,
+                          const QString& /*message*/) {
+    if (type == QtFatalMsg) {
+        platform::log("No window can be shown: there is no display to connect to");
+        std::_Exit(EXIT_FAILURE);
+    }
+}
+
+} // namespace
+
+int subscriptionHelperApplicationMain(int argumentCount, char** arguments) {
+    const auto handler = qInstallMessageHandler(reportMissingDisplay);
+    QApplication application(argumentCount, arguments);
+    qInstallMessageHandler(handler);
+    // The delegate alone decides when the application ends.
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    app::SubscriptionHelperAppDelegate delegate;
+    // Within the event loop, since ending the application has no effect before it runs.
+    QMetaObject::invokeMethod(
+        &delegate,
+        [&delegate] {
+            delegate.awakeFromNib();
+            delegate.applicationDidFinishLaunching();
+        },
+        Qt::QueuedConnection);
+    const int status = QApplication::exec();
+    if (delegate.isRemoving()) {
+        // The worker still uses what would be destroyed now, and nobody waits for it.
+        std::_Exit(status);
+    }
+    return status;
+}

@@ -1,0 +1,68 @@
+#include "app/ProgressSheet.h"
+
+#include <QEvent>
+#include <QPalette>
+
+namespace app {
+namespace {
+
+constexpr int kBackdropOpacity = 90; // of 255: the window stays recognisable, the sheet stands out
+
+QWidget* makeBackdrop(QWidget* window) {
+    auto* backdrop = new QWidget(window);
+    QPalette shade;
+    shade.setColor(QPalette::Window, QColor(0, 0, 0, kBackdropOpacity));
+    backdrop->setPalette(shade);
+    backdrop->setAutoFillBackground(true);
+    return backdrop;
+}
+
+} // namespace
+
+ProgressSheet::ProgressSheet(QWidget* parent) : QFrame(parent) {
+    setVisible(false);
+    setAutoFillBackground(true);
+    parent->installEventFilter(this);
+}
+
+void ProgressSheet::beginSheet(QWidget& content) {
+    // Disabled as well as covered: keyboard and assistive technology do not come through the
+    // backdrop.
+    content_ = &content;
+    content.setEnabled(false);
+    if (!isSessionRunning()) {
+        backdrop_ = makeBackdrop(parentWidget());
+    }
+    place();
+    backdrop_->show();
+    backdrop_->raise();
+    show();
+    raise();
+}
+
+void ProgressSheet::endSheet(int returnCode) {
+    returnCode_ = returnCode;
+    delete backdrop_;
+    if (content_) {
+        content_->setEnabled(true);
+    }
+}
+
+bool ProgressSheet::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == parentWidget() && event->type() == QEvent::Resize) {
+        place();
+    }
+    return QFrame::eventFilter(watched, event);
+}
+
+void ProgressSheet::place() {
+    const QWidget* window = parentWidget();
+    const int width = window->width() * 4 / 5;
+    const int height = hasHeightForWidth() ? heightForWidth(width) : sizeHint().height();
+    setGeometry((window->width() - width) / 2, 0, width, height);
+    if (backdrop_) {
+        backdrop_->setGeometry(window->rect());
+    }
+}
+
+} // namespace app

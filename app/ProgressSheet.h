@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QFrame>
+#include <QPointer>
+
+namespace app {
+
+/// A panel that hangs under the title of its parent window. While its session runs it is modal for
+/// the window: a backdrop lies over the rest of the window and takes all input.
+class ProgressSheet final : public QFrame {
+    Q_OBJECT
+
+  public:
+    /// @param parent the window; its other direct children are what the backdrop covers.
+    explicit ProgressSheet(QWidget* parent);
+
+    /// Shows the sheet and begins its modal session: `content`, the window's content, takes no input
+    /// until endSheet().
+    void beginSheet(QWidget& content);
+    /// Ends the modal session. The sheet stays on the screen.
+    void endSheet(int returnCode);
+
+    /// Whether the modal session runs.
+    [[nodiscard]] bool isSessionRunning() const { return !backdrop_.isNull(); }
+    /// What the last session was ended with; 0 before that.
+    [[nodiscard]] int returnCode() const { return returnCode_; }
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    void place();
+
+    QPointer<QWidget> content_;
+    QPointer<QWidget> backdrop_;
+    int returnCode_ = 0;
+};
+
+} // namespace app

@@ -1,0 +1,34 @@
+#include "app/RunThrottle.h"
+
+#include "platform/Log.h"
+
+namespace app {
+namespace {
+
+constexpr std::string_view kLastRun = "lastRunUserDefaultKey";
+
+} // namespace
+
+platform::Moment presentMoment() {
+    return std::chrono::floor<platform::Moment::duration>(std::chrono::system_clock::now());
+}
+
+bool isRecentRun(const std::optional<platform::Moment>& lastRun, const Clock& clock) {
+    return lastRun && *lastRun - clock() > -kRunInterval &&
+           *lastRun - clock() <= platform::Moment::duration::zero();
+}
+
+bool passRunThrottle(const platform::UserDefaults& defaults, const Clock& clock) {
+    // From reading the moment to storing it, so that no second start can read it in between.
+    const platform::FileLock lock = defaults.lock();
+    if (lock.state() == platform::FileLock::State::Taken ||
+        isRecentRun(defaults.date(kLastRun), clock)) {
+        return false;
+    }
+    if (!defaults.setDate(kLastRun, clock())) {
+        platform::log("The time of this run cannot be stored");
+    }
+    return true;
+}
+
+} // namespace app

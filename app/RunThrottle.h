@@ -1,0 +1,32 @@
+#pragma once
+
+#include "platform/UserDefaults.h"
+
+#include <chrono>
+#include <functional>
+#include <optional>
+
+namespace app {
+
+/// Gives the present moment.
+using Clock = std::function<platform::Moment()>;
+
+/// The system's clock.
+[[nodiscard]] platform::Moment presentMoment();
+
+/// The helper works at most once in this time.
+inline constexpr std::chrono::hours kRunInterval{4};
+
+/// Whether `lastRun` is so recent that the helper does not work again: less than kRunInterval ago,
+/// and not in the future (as after a clock was set back). Exactly kRunInterval ago is not recent;
+/// the present moment is. Reads the clock anew for each of the two bounds.
+[[nodiscard]] bool isRecentRun(const std::optional<platform::Moment>& lastRun, const Clock& clock);
+
+/// Decides whether this start goes on, and if so stores the present moment as that of the last run
+/// under "lastRunUserDefaultKey", on the disk, before it returns. Of any number of simultaneous
+/// starts exactly one goes on; none ever waits for another. A moment that cannot be stored is
+/// logged, and the run goes on.
+[[nodiscard]] bool passRunThrottle(const platform::UserDefaults& defaults,
+                                   const Clock& clock = presentMoment);
+
+} // namespace app

@@ -1,0 +1,56 @@
+#include "app/Spinner.h"
+
+#include <chrono>
+
+#include <QPainter>
+
+namespace app {
+namespace {
+
+constexpr int kSpokes = 12;
+constexpr std::chrono::milliseconds kStep{83}; // one turn a second
+
+} // namespace
+
+Spinner::Spinner(QWidget* parent) : QWidget(parent) {
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    connect(&timer_, &QTimer::timeout, this, &Spinner::advance);
+}
+
+void Spinner::startAnimation() {
+    timer_.start(kStep);
+    update();
+}
+
+QSize Spinner::sizeHint() const {
+    // As large as two lines of text, so that it grows with the user's font.
+    const int side = fontMetrics().height() * 2;
+    return {side, side};
+}
+
+void Spinner::advance() {
+    ++steps_;
+    update();
+}
+
+void Spinner::paintEvent(QPaintEvent* /*event*/) {
+    if (!timer_.isActive()) {
+        return;
+    }
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.translate(QRectF(rect()).center());
+    const qreal unit = qMin(width(), height()) / 32.0;
+    painter.scale(unit, unit);
+    painter.rotate(steps_ % kSpokes * 360.0 / kSpokes);
+    QColor colour = palette().color(QPalette::WindowText);
+    for (int spoke = 0; spoke < kSpokes; ++spoke) {
+        painter.rotate(360.0 / kSpokes);
+        colour.setAlphaF(static_cast<float>(0.1 + 0.9 * spoke / (kSpokes - 1)));
+        painter.setBrush(colour);
+        painter.drawRoundedRect(QRectF(-1.5, -15.0, 3.0, 8.5), 1.5, 1.5);
+    }
+}
+
+} // namespace app

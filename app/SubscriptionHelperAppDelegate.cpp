@@ -1,0 +1,149 @@
+#include "app/SubscriptionHelperAppDelegate.h"
+
+#include "app/ProgressSheet.h"
+#include "app/Spinner.h"
+#include "app/Texts.h"
+#include "housekeeping/HelperUtilities.h"
+#include "platform/Bundle.h"
+#include "platform/UserDefaults.h"
+#include "store/FastSpringUtilities.h"
+#include "ui_MainWindow.h"
+
+#include <QApplication>
+#include <QIcon>
+#include <QKeyEvent>
+#include <QScreen>
+#include <QShortcut>
+
+namespace app {
+namespace {
+
+constexpr int kIconSide = 64;
+constexpr double kHeadingScale = 1.5;
+
+/// A missing or empty reference counts as none.
+AtomicText::Value userSubscriptionReference() {
+    auto reference = platform::UserDefaults(HELPER_PRODUCT_DOMAIN).text("subscriptionReference");
+    return reference && !reference->empty() ? reference : std::nullopt;
+}
+
+QIcon applicationIcon() {
+    const auto bundle = platform::Bundle::mainBundle();
+    const auto path = bundle ? bundle->pathForResource("AppIcon.png") : std::nullopt;
+    return path ? QIcon(QString::fromStdString(path->native())) : QIcon();
+}
+
+/// The texts of the window description are the keys of the localized texts.
+template <class Widget>
+void localizeTexts(const QWidget& window) {
+    for (auto* widget : window.findChildren<Widget*>()) {
+        if (!widget->text().isEmpty()) {
+            widget->setText(localized(widget->text().toStdString()));
+        }
+    }
+}
+
+void setHeading(QLabel& label) {
+    QFont font = label.font();
+    font.setPointSizeF(font.pointSizeF() * kHeadingScale);
+    font.setBold(true);
+    label.setFont(font);
+}
+
+} // namespace
+
+SubscriptionHelperAppDelegate::SubscriptionHelperAppDelegate()
+    : window_(std::make_unique<QDialog>(nullptr, Qt::Window)),
+      ui_(std::make_unique<Ui::MainWindow>()) {
+    loadWindow();
+}
+
+SubscriptionHelperAppDelegate::~SubscriptionHelperAppDelegate() = default;
+
+void SubscriptionHelperAppDelegate::loadWindow() {
+    ui_->setupUi(window_.get());
+    mainLabel_ = ui_->mainLabel;
+    mainButton_ = ui_->mainButton;
+    cancelButton_ = ui_->cancelButton;
+    progressSheet_ = ui_->progressSheet;
+    spinner_ = ui_->spinner;
+    progressLabel_ = ui_->progressLabel;
+
+    localizeTexts<QLabel>(*window_);
+    localizeTexts<QPushButton>(*window_);
+    cancelButton_->setShortcut(Qt::Key_Escape); // after its text, which resets the shortcut
+    setHeading(*ui_->headingLabel);
+    const QIcon icon = applicationIcon();
+    window_->setWindowIcon(icon);
+    ui_->iconLabel->setPixmap(icon.pixmap({kIconSide, kIconSide}, window_->devicePixelRatioF()));
+
+    connect(mainButton_, &QPushButton::clicked, this, &SubscriptionHelperAppDelegate::mainButton);
+    connect(cancelButton_, &QPushButton::clicked, this,
+            &SubscriptionHelperAppDelegate::cancelButton);
+    connect(ui_->removeButton, &QPushButton::clicked, this, [this] {
+        // One press is one removal.
+        ui_->removeButton->setEnabled(false);
+        cancelButton_->setEnabled(false);
+        startCancellation();
+    });
+    const auto* quit = new QShortcut(QKeySequence::Quit, window_.get());
+    connect(quit, &QShortcut::activated, this, &SubscriptionHelperAppDelegate::exitApp);
+    window_->installEventFilter(this);
+}
+
+void SubscriptionHelperAppDelegate::awakeFromNib() noexcept {
+    const std::string store = housekeeping::HelperUtilities::storeID();
+    const auto reference = userSubscriptionReference();
+    if (!reference) {
+        exitApp();
+        return;
+    }
+    const auto subscription = store::FastSpringUtilities::subscriptionForStore(store, reference);
+    if (!subscription) {
+        exitApp();
+        return;
+    }
+    setSubscriptionReference(reference);
+    setCustomerURL(subscription->customerURL);
+    presentWindow();
+}
+
+void SubscriptionHelperAppDelegate::presentWindow() {
+    window_->setWindowTitle(QString::fromStdString(productName()));
+    window_->adjustSize();
+    const QRect screen = window_->screen()->availableGeometry();
+    window_->move(screen.center() - window_->rect().center());
+    window_->show();
+    window_->raise();
+    window_->activateWindow();
+    mainButton_->setFocus();
+}
+
+void SubscriptionHelperAppDelegate::mainButton() { exitApp(); }
+
+void SubscriptionHelperAppDelegate::cancelButton() { exitApp(); }
+
+void SubscriptionHelperAppDelegate::exitApp() {
+    // Not quit(), which asks the windows first: one with a modal sheet would refuse.
+    QApplication::exit(0);
+}
+
+bool SubscriptionHelperAppDelegate::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Close) {
+        if (progressSheet_->isSessionRunning()) {
+            event->ignore();
+        } else {
+            exitApp();
+        }
+        return true;
+    }
+    // The second button has Escape as its shortcut. While it is disabled the key must do nothing,
+    // rather than what a dialog does with it.
+    if (event->type() == QEvent::KeyPress &&
+        static_cast<QKeyEvent*>(event)->matches(QKeySequence::Cancel)) {
+        return true;
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+} // namespace app

@@ -1,0 +1,25 @@
+#include "app/Texts.h"
+
+#include "platform/Bundle.h"
+#include "platform/Text.h"
+
+namespace app {
+namespace {
+
+std::string entry(std::string_view key) {
+    const auto bundle = platform::Bundle::mainBundle();
+    return bundle ? bundle->localizedString(key) : std::string(key);
+}
+
+} // namespace
+
+QString localized(std::string_view key) {
+    const std::string text = entry(key);
+    return QString::fromStdString(text.find("%@") == std::string::npos
+                                      ? text
+                                      : platform::formatText(text, {productName(), productName()}));
+}
+
+std::string productName() { return entry("Product Name"); }
+
+} // namespace app

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include <QString>
+
+namespace app {
+
+/// A text for people: the entry of the main bundle's default localized strings table under `key`,
+/// the English text itself, with each "%@" in it replaced by the product's display name. An entry
+/// that is missing gives the key. May be called from any thread.
+[[nodiscard]] QString localized(std::string_view key);
+
+/// The product's display name: the entry "Product Name" of the same table.
+[[nodiscard]] std::string productName();
+
+} // namespace app

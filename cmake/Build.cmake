@@ -1,0 +1,42 @@
+# Compiler settings shared by every target.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_LINK_DEPENDS_NO_SHARED ON)
+
+set(HELPER_SANITIZE "" CACHE STRING "Sanitizers to build with, as for -fsanitize=")
+option(HELPER_WERROR "Treat warnings as errors" OFF)
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-style-cast
+    -Woverloaded-virtual -Wconversion -Wsign-conversion)
+if(HELPER_WERROR)
+    add_compile_options(-Werror)
+endif()
+if(HELPER_SANITIZE)
+    add_compile_options(-fsanitize=${HELPER_SANITIZE} -fno-omit-frame-pointer
+        -fno-sanitize-recover=all)
+    add_link_options(-fsanitize=${HELPER_SANITIZE})
+endif()
+# The process entry links the platform library but must not drag in what it does not use.
+if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
+    add_link_options(-Wl,--as-needed)
+endif()
+
+include(CheckPIESupported)
+check_pie_supported()
+
+# helper_library(NAME SOURCES...): a static library of the folder it is declared in, included as
+# "folder/Header.h".
+function(helper_library name)
+    add_library(${name} STATIC ${ARGN})
+    add_library(SubscriptionHelper::${name} ALIAS ${name})
+    target_include_directories(${name} PUBLIC
+        $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
+        $<INSTALL_INTERFACE:include/subscription-helper>)
+    target_compile_features(${name} PUBLIC cxx_std_20)
+    set_target_properties(${name} PROPERTIES OUTPUT_NAME subscription-helper-${name})
+endfunction()

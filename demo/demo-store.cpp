@@ -1,0 +1,98 @@
+// The demo store service: answers the helper's requests on the loopback interface from state that it
+// keeps in memory, and prints one line for each request.
+
+#include "demo/DemoStore.h"
+
+#include <chrono>
+#include <functional>
+#include <iostream>
+#include <map>
+#include <string>
+#include <thread>
+
+#include <CLI/CLI.hpp>
+#include <httplib.h>
+
+namespace {
+
+constexpr int kDefaultPort = 8642;
+
+using Operation = std::function<std::string(const httplib::Request&)>;
+using Operations = std::map<std::string, Operation>;
+
+Operations operationsOf(demo::DemoStore& store, std::chrono::milliseconds delay) {
+    const auto host = [](const httplib::Request& request) {
+        return request.get_header_value("Host");
+    };
+    return {
+        {"getsubscription",
+         [&store, host](const httplib::Request& request) {
+             return store.subscriptionAnswer(request.get_param_value("subscriptionRef"),
+                                             host(request));
+         }},
+        {"deletesubscription",
+         [&store, host, delay](const httplib::Request& request) {
+             std::this_thread::sleep_for(delay);
+             return store.cancelAnswer(request.get_param_value("subscriptionRef"), host(request));
+         }},
+    };
+}
+
+void serve(httplib::Server& server, demo::DemoStore& store, const Operations& operations) {
+    server.Get("/fastspring.php",
+               [&operations](const httplib::Request& request, httplib::Response& response) {
+                   const auto operation = operations.find(request.get_param_value("f"));
+                   if (operation == operations.end()) {
+                       response.status = 404;
+                       return;
+                   }
+                   response.set_content(operation->second(request), "application/xml");
+               });
+    server.Get(R"(/account/([^/]+))",
+               [&store](const httplib::Request& request, httplib::Response& response) {
+                   if (const auto page = store.accountPage(request.matches[1])) {
+                       response.set_content(*page, "text/html; charset=utf-8");
+                   } else {
+                       response.status = 404;
+                   }
+               });
+    server.set_logger([](const httplib::Request& request, const httplib::Response& response) {
+        std::cout << request.method + " " + request.target + " " +
+                         std::to_string(response.status) + "\n"
+                  << std::flush;
+    });
+}
+
+} // namespace
+
+int main(int argumentCount, char** arguments) {
+    int port = kDefaultPort;
+    int delay = 0;
+    CLI::App command("The demo store service, on the loopback interface. Prints its address and one "
+                     "line for each request.\nSubscriptions: DEMO-1001, DEMO-1002, and DEMO-KEEP, "
+                     "which refuses to be canceled.");
+    command.add_option("PORT", port, "The port to listen on; 0 for any")
+        ->check(CLI::Range(0, 65535))
+        ->capture_default_str();
+    command.add_option("--delay", delay, "How many milliseconds a cancellation takes")
+        ->check(CLI::Range(0, 20000))
+        ->capture_default_str();
+    CLI11_PARSE(command, argumentCount, arguments);
+
+    demo::DemoStore store;
+    const Operations operations = operationsOf(store, std::chrono::milliseconds(delay));
+    httplib::Server server;
+    serve(server, store, operations);
+    const std::string host = "127.0.0.1";
+    if (port == 0) {
+        port = server.bind_to_any_port(host);
+    } else if (!server.bind_to_port(host, port)) {
+        port = -1;
+    }
+    if (port < 0) {
+        std::cerr << "demo-store: the port cannot be listened on; is another store running?\n";
+        return EXIT_FAILURE;
+    }
+    std::cout << "Listening on http://" << host << ":" << port << "/fastspring.php" << std::endl;
+    return server.listen_after_bind() ? EXIT_SUCCESS : EXIT_FAILURE;
+}

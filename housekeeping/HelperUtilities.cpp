@@ -1,0 +1,91 @@
+#include "housekeeping/HelperUtilities.h"
+
+#include "platform/Bundle.h"
+#include "platform/ChildProcess.h"
+#include "platform/Log.h"
+#include "platform/TemporaryDirectory.h"
+#include "platform/Text.h"
+#include "platform/Workspace.h"
+
+#include <optional>
+#include <string_view>
+#include <system_error>
+
+namespace housekeeping {
+namespace {
+
+namespace fs = std::filesystem;
+using platform::Bundle;
+
+/// The value of a key in the configuration; the key itself when the table lacks it, which is also
+/// what a program without a bundle gets.
+std::string configured(std::string_view key) {
+    const auto bundle = Bundle::mainBundle();
+    return bundle ? bundle->localizedString(key, "", "Configuration") : std::string(key);
+}
+
+std::optional<fs::path> auxiliaryExecutable(std::string_view name) {
+    const auto bundle = Bundle::mainBundle();
+    return bundle ? bundle->pathForAuxiliaryExecutable(name) : std::nullopt;
+}
+
+bool isPresent(const fs::path& path) {
+    std::error_code error;
+    return fs::exists(fs::symlink_status(path, error));
+}
+
+/// Copies a file, or a directory with everything in it, to a path where nothing may be. Links stay
+/// links. Gives false, with nothing left at the target, when anything of it could not be copied.
+bool copyItem(const fs::path& source, const fs::path& target) {
+    if (isPresent(target)) {
+        return false;
+    }
+    std::error_code error;
+    fs::copy(source, target, fs::copy_options::recursive | fs::copy_options::copy_symlinks, error);
+    if (error) {
+        std::error_code ignored;
+        fs::remove_all(target, ignored);
+    }
+    return !error;
+}
+
+} // namespace
+
+std::string HelperUtilities::storeID() { return configured("storeid"); }
+
+bool HelperUtilities::trash(const fs::path& path) {
+    // A trailing slash does not make the last component empty.
+    const fs::path item = path.has_filename() ? path : path.parent_path();
+    return platform::workspace::recycle(item.parent_path(), item.filename());
+}
+
+void HelperUtilities::clearQuarantineAttribute(const fs::path& path) {
+    const std::string command = platform::formatText(
+        "/usr/bin/xattr -d com.apple.quarantine '%@' &> /dev/null", {path.native()});
+    // Whether it started makes no difference to anyone: the mark is a nicety.
+    static_cast<void>(platform::startChildProcess({"/bin/sh", "-c", command}));
+}
+
+bool HelperUtilities::launchUninstaller() {
+    const std::string name = configured("Application Uninstaller");
+    if (name.empty()) {
+        return true;
+    }
+    std::error_code error;
+    const auto source = auxiliaryExecutable(name);
+    if (!source || !fs::exists(*source, error)) {
+        platform::log("Uninstaller is not found at path: %@",
+                      {source ? platform::TextArgument(source->native()) : std::nullopt});
+        return false;
+    }
+    clearQuarantineAttribute(*source);
+    const auto directory = platform::userTemporaryDirectory();
+    if (!directory) {
+        return false;
+    }
+    const fs::path copy = *directory / name;
+    fs::remove_all(copy, error);
+    return copyItem(*source, copy) && platform::workspace::openFile(copy);
+}
+
+} // namespace housekeeping

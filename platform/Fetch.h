@@ -1,0 +1,30 @@
+#pragma once
+
+#include "platform/File.h"
+#include "platform/URL.h"
+
+#include <chrono>
+#include <cstddef>
+#include <optional>
+
+namespace platform {
+
+/// The bounds of one fetch. A transfer that passes one of them yields no data.
+struct FetchLimits {
+    std::chrono::milliseconds connect = std::chrono::seconds(10); ///< until connected
+    std::chrono::milliseconds whole = std::chrono::seconds(30);   ///< the request from end to end
+    std::size_t body = std::size_t{1} << 20U;     ///< bytes of body, as they arrive decoded
+    std::size_t headers = std::size_t{64} * 1024; ///< bytes of all header lines, of redirects too
+    long redirects = 5;                           ///< how many are followed
+};
+
+/// Fetches the whole resource at `url` with one HTTP GET on the calling thread, which it blocks
+/// until the body has arrived or the transfer has failed. No headers of its own, no cookies, no
+/// stored credentials, no retry; the proxy settings of the environment hold. Redirects are followed
+/// to `http` and `https` only.
+///
+/// @return the body, whatever the HTTP status; an empty one is data of zero bytes. None when the
+/// transfer failed, was cut off, or passed a limit. May be called from any number of threads.
+[[nodiscard]] std::optional<Data> fetch(const URL& url, const FetchLimits& limits = {});
+
+} // namespace platform

@@ -1,0 +1,70 @@
+#include "platform/Log.h"
+
+#include "platform/DateText.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
+#include <exception>
+#include <string>
+
+#include <cerrno>
+#include <syslog.h>
+#include <unistd.h>
+
+namespace platform {
+namespace {
+
+std::string escaped(std::string_view text) {
+    constexpr std::string_view kDigits = "0123456789abcdef";
+    std::string result;
+    for (const char character : text) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (byte < 0x20 || byte == 0x7f) {
+            result.append({'\\', 'x', kDigits[byte >> 4U], kDigits[byte & 0xfU]});
+        } else {
+            result.push_back(character);
+        }
+    }
+    return result;
+}
+
+std::string programName() {
+#ifdef __GLIBC__
+    return program_invocation_short_name;
+#else
+    return getprogname();
+#endif
+}
+
+[[noreturn]] void logAndAbort() {
+    try {
+        if (const auto failure = std::current_exception()) {
+            std::rethrow_exception(failure);
+        }
+        log("Ended without a failure that could be named");
+    } catch (const std::exception& failure) {
+        log("Uncaught failure: %@", {failure.what()});
+    } catch (...) {
+        log("Uncaught failure of an unknown kind");
+    }
+    std::abort();
+}
+
+} // namespace
+
+void log(std::string_view format, std::initializer_list<TextArgument> arguments) {
+    const std::string message = escaped(formatText(format, arguments));
+    const auto now = std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now());
+    const std::string line = formatText("%@ %@[%@] %@\n", {dateText(now), programName(),
+                                                          std::to_string(getpid()), message});
+    // One write, so that the lines of several threads do not mix.
+    if (write(STDERR_FILENO, line.data(), line.size()) < 0) {
+        // Standard error may be closed; the system log still gets the message.
+    }
+    syslog(LOG_USER | LOG_NOTICE, "%s", message.c_str());
+}
+
+void logUncaughtFailures() { std::set_terminate(logAndAbort); }
+
+} // namespace platform

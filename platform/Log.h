@@ -1,0 +1,22 @@
+#pragma once
+
+#include "platform/Text.h"
+
+#include <initializer_list>
+#include <string_view>
+
+namespace platform {
+
+/// Writes one line to standard error and to the system log (syslog, facility user): the moment,
+/// the program's name and process id, and the formatted text. Control characters in the text are
+/// escaped as `\xNN`, so a logged name can never start a line of its own. A failure to write is
+/// ignored. May be called from any thread; lines of several threads do not mix.
+///
+/// @param format the fixed message; each "%@" takes one argument (see formatText()).
+void log(std::string_view format, std::initializer_list<TextArgument> arguments = {});
+
+/// Makes an uncaught failure end the process with one log line that carries the failure's text,
+/// followed by an abort. Call once, at the start of main().
+void logUncaughtFailures();
+
+} // namespace platform

@@ -1,0 +1,77 @@
+#include "platform/URL.h"
+
+#include "platform/Log.h"
+
+#include <algorithm>
+#include <memory>
+
+#include <curl/curl.h>
+
+namespace platform {
+namespace {
+
+constexpr std::size_t kLongestWebAddress = 2048;
+
+bool isHexDigit(char character) {
+    return (character >= '0' && character <= '9') || (character >= 'a' && character <= 'f') ||
+           (character >= 'A' && character <= 'F');
+}
+
+bool isAllowed(char character) {
+    constexpr std::string_view kForbidden = "\"<>\\^`{|}";
+    return character > ' ' && character < '\x7f' &&
+           kForbidden.find(character) == std::string_view::npos;
+}
+
+bool hasOnlyWholeTriples(std::string_view text) {
+    for (auto at = text.find('%'); at != std::string_view::npos; at = text.find('%', at + 1)) {
+        if (at + 2 >= text.size() || !isHexDigit(text[at + 1]) || !isHexDigit(text[at + 2])) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Whether brackets stand in the host only and at most one '#' stands at all.
+bool hasDelimitersInPlace(std::string_view text) {
+    const auto authority = text.find("//");
+    const auto path = text.find_first_of("/?#", std::min(authority, text.size() - 2) + 2);
+    const auto rest = text.substr(std::min(path, text.size()));
+    return authority != std::string_view::npos &&
+           rest.find_first_of("[]") == std::string_view::npos &&
+           std::count(text.begin(), text.end(), '#') <= 1;
+}
+
+/// Whether the text is a URL of the web by its structure. The parser guesses nothing here: a text
+/// without a scheme, a host or a valid port is refused.
+bool isWebURL(const std::string& text) {
+    const std::unique_ptr<CURLU, decltype(&curl_url_cleanup)> handle(curl_url(), curl_url_cleanup);
+    char* scheme = nullptr;
+    if (!handle || curl_url_set(handle.get(), CURLUPART_URL, text.c_str(), 0) != CURLUE_OK ||
+        curl_url_get(handle.get(), CURLUPART_SCHEME, &scheme, 0) != CURLUE_OK) {
+        return false;
+    }
+    const std::unique_ptr<char, decltype(&curl_free)> owned(scheme, curl_free);
+    return std::string_view(scheme) == "http" || std::string_view(scheme) == "https";
+}
+
+} // namespace
+
+std::optional<URL> URL::make(std::string_view text) {
+    std::string copy(text);
+    if (text.size() < 2 || !std::all_of(text.begin(), text.end(), isAllowed) ||
+        !hasOnlyWholeTriples(text) || !hasDelimitersInPlace(text) || !isWebURL(copy)) {
+        return std::nullopt;
+    }
+    return URL(std::move(copy));
+}
+
+std::optional<URL> webAddress(std::string_view text) {
+    auto url = text.size() <= kLongestWebAddress ? URL::make(text) : std::nullopt;
+    if (!url) {
+        log("Not opened, since it is no web address: %@", {text.substr(0, kLongestWebAddress)});
+    }
+    return url;
+}
+
+} // namespace platform

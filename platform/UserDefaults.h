@@ -1,0 +1,44 @@
+#pragma once
+
+#include "platform/DateText.h"
+#include "platform/FileLock.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace platform {
+
+/// The user's defaults of one domain: values by key, kept on the disk and shared by all processes
+/// of the user. Nothing is held in memory: each call reads the disk.
+///
+/// On Linux the domain is the file `$XDG_CONFIG_HOME/<domain>.conf` (`~/.config` by default) with
+/// one `key=value` a line, in UTF-8; the first line of a key counts. Only a regular file of up to
+/// 64 KiB is read; anything else counts as having no values. On macOS it is the native defaults
+/// database.
+class UserDefaults {
+  public:
+    /// @param domain a reverse domain name, usable as a file name.
+    explicit UserDefaults(std::string domain);
+
+    /// The text under `key`, as it stands; none when there is none.
+    [[nodiscard]] std::optional<std::string> text(std::string_view key) const;
+
+    /// The date under `key`; none when there is none or the value is no date. On Linux a date is
+    /// written in ISO 8601, UTC, with microseconds.
+    [[nodiscard]] std::optional<Moment> date(std::string_view key) const;
+
+    /// Stores a date under `key`, on the disk before it returns; all other values and lines are
+    /// kept. Gives false, with the stored values unchanged, when that cannot be done: no or
+    /// unwritable home, a full disk, or a file that cannot be read whole and would lose its other
+    /// values. Hold the lock() meanwhile where several processes may store.
+    [[nodiscard]] bool setDate(std::string_view key, Moment moment) const;
+
+    /// Tries to be the only one that changes this domain. See FileLock.
+    [[nodiscard]] FileLock lock() const;
+
+  private:
+    std::string domain_;
+};
+
+} // namespace platform

@@ -1,0 +1,12 @@
+#include "platform/TemporaryDirectory.h"
+
+#include <QDir>
+
+namespace platform {
+
+std::optional<std::filesystem::path> userTemporaryDirectory() {
+    // The system makes one for each user, closed to all others.
+    return std::filesystem::path(QDir::tempPath().toStdString());
+}
+
+} // namespace platform

@@ -1,0 +1,29 @@
+#include "platform/Workspace.h"
+
+#include "platform/URL.h"
+
+#include <string>
+
+#include <QDesktopServices>
+#include <QFile>
+#include <QUrl>
+
+namespace platform::workspace {
+
+bool recycle(const std::filesystem::path& directory, const std::filesystem::path& name) {
+    if (name.empty() || name == "." || name == ".." || name.has_parent_path()) {
+        return false;
+    }
+    return QFile::moveToTrash(QString::fromStdString((directory / name).native()));
+}
+
+bool openFile(const std::filesystem::path& file) {
+    return QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(file.native())));
+}
+
+bool openURL(std::string_view address) {
+    const auto url = webAddress(address);
+    return url && QDesktopServices::openUrl(QUrl(QString::fromStdString(url->text())));
+}
+
+} // namespace platform::workspace

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "platform/XMLEventParser.h"
+#include "store/FastSpringItem.h"
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace store {
+
+/// What all parsers of store service answers share: the event parser over one answer, the text of
+/// the current leaf element, the two error flags, and the reading of server dates.
+///
+/// A subclass says which elements are containers and where the text of every other element goes.
+/// A parser serves one answer, once, on one thread.
+class FastSpringRootParser : public platform::XMLEventParserDelegate {
+  public:
+    /// @param data the complete answer; it must outlive the parser.
+    explicit FastSpringRootParser(std::string_view data);
+    virtual ~FastSpringRootParser() = default;
+
+    /// Reads a date text of the store service: a timestamp "2026-01-31T08:30:00Z", also with a
+    /// fraction of exactly three digits, or a day "2026-01-31Z", both in GMT by the Gregorian
+    /// calendar. A day gives its first second. Other texts with a "Z" give none.
+    ///
+    /// @throws std::out_of_range when no "Z" is left once the first point and the three characters
+    /// after it are removed: a text without "Z", an empty one, a fraction of one or two digits.
+    [[nodiscard]] static Date fromServerDate(std::string_view text);
+
+    /// Whether the (lowercased) element is an HTML page's root, so that the answer is no store
+    /// answer; remembers it in isHTMLServerError.
+    bool checkForErrors(std::string_view elementName, const platform::XMLAttributes& attributes);
+    /// Whether an HTML page was found. Clears nothing: the rest of such an answer is skipped.
+    [[nodiscard]] bool cleanUpAnyErrors(std::string_view elementName) const;
+
+    /// The events of the parse. Element names are matched in any letter case. The text of an
+    /// element is what stands between its start, or the end of its last child's start, and the next
+    /// end.
+    void didStartElement(std::string_view elementName,
+                         const platform::XMLAttributes& attributes) final;
+    void didEndElement(std::string_view elementName) final;
+    void foundCharacters(std::string_view characters) final;
+    void parseErrorOccurred() final;
+
+    bool isHTMLServerError = false; ///< an element named "html" has started
+    bool isParsingError = false;    ///< the answer is not well-formed to its end
+    std::optional<std::map<std::string, std::string>> elementAttributes;  ///< for callers; not set
+    std::optional<std::vector<std::string>> errors;                       ///< for callers; not set
+    std::optional<std::map<std::string, std::string>> errorAttributes;    ///< for callers; not set
+
+  protected:
+    /// Delivers all events of the answer. What it holds is in the subclass's record afterwards,
+    /// also when it broke off.
+    void parse();
+
+  private:
+    /// Acts on the start of a container and gives true; gives false for any other element.
+    virtual bool startContainer(std::string_view elementName) = 0;
+    /// Stores `text` where the element that ends belongs, or does nothing.
+    virtual void endElement(std::string_view elementName, std::string_view text) = 0;
+
+    platform::XMLEventParser parser_;
+    bool accumulatingParsedCharacterData_ = false;
+    std::string currentParsedCharacterData_;
+};
+
+} // namespace store

@@ -1,0 +1,38 @@
+#include "store/FastSpringUtilities.h"
+
+#include "platform/Fetch.h"
+#include "platform/Text.h"
+#include "store/FastSpringSubscriptionParser.h"
+#include "store/ScriptURL.h"
+
+#include <string_view>
+
+namespace store {
+namespace {
+
+/// The whole answer to a request whose format takes the script URL and the reference.
+std::optional<platform::Data> answerTo(std::string_view format, const std::string& reference) {
+    const auto url = platform::URL::make(platform::formatText(format, {scriptURL(), reference}));
+    return url ? platform::fetch(*url) : std::nullopt;
+}
+
+std::shared_ptr<FastSpringSubscription> requestSubscription(std::string_view format,
+                                                            const std::string& reference) {
+    const auto answer = answerTo(format, reference);
+    return answer ? FastSpringSubscriptionParser(*answer).parseSubscription() : nullptr;
+}
+
+} // namespace
+
+std::shared_ptr<FastSpringSubscription>
+FastSpringUtilities::subscriptionForStore(const Text& /*store*/, const Text& reference) {
+    return reference ? requestSubscription("%@?f=getsubscription&subscriptionRef=%@", *reference)
+                     : nullptr;
+}
+
+bool FastSpringUtilities::cancelSubscriptionForStore(const Text& store, const Text& reference) {
+    return store && reference &&
+           requestSubscription("%@?f=deletesubscription&subscriptionRef=%@", *reference) != nullptr;
+}
+
+} // namespace store

@@ -1,0 +1,7 @@
+#include "store/ScriptURL.h"
+
+namespace store {
+
+std::string_view scriptURL() { return "http://" HELPER_STORE_HOST "/fastspring.php"; }
+
+} // namespace store

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string_view>
+
+namespace store {
+
+/// The URL of the store service's script, the base of every request: plain HTTP, the host that was
+/// set when the library was built (`HELPER_STORE_HOST`), the path "/fastspring.php", no query.
+/// A program that links the static library may define this function itself to talk to another host.
+[[nodiscard]] std::string_view scriptURL();
+
+} // namespace store

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "store/FastSpringSubscription.h"
+
+#include <nlohmann/json.hpp>
+
+namespace tools {
+
+/// A record as a JSON object: its properties by name, in declaration order. An absent value is
+/// null, a date "YYYY-MM-DDTHH:MM:SSZ", a number a decimal integer.
+[[nodiscard]] nlohmann::ordered_json recordJSON(const store::FastSpringSubscription& record);
+
+} // namespace tools
