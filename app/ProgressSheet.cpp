@@ -1,12 +1,14 @@
 #include "app/ProgressSheet.h"
 
 #include <QEvent>
+#include <QLayout>
 #include <QPalette>
 
 namespace app {
 namespace {
 
 constexpr int kBackdropOpacity = 90; // of 255: the window stays recognisable, the sheet stands out
+constexpr int kOverlap = 8;          // pixels below the message
 
 QWidget* makeBackdrop(QWidget* window) {
     auto* backdrop = new QWidget(window);
@@ -56,12 +58,14 @@ bool ProgressSheet::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void ProgressSheet::place() {
-    const QWidget* window = parentWidget();
-    const int width = window->width() * 4 / 5;
-    const int height = hasHeightForWidth() ? heightForWidth(width) : sizeHint().height();
-    setGeometry((window->width() - width) / 2, 0, width, height);
+    // It covers the message, the content's first item, whole, so that no half lines look out from
+    // under it, and leaves the buttons below it visible.
+    const QLayout* layout = content_ ? content_->layout() : nullptr;
+    const QRect message = layout != nullptr ? layout->itemAt(0)->geometry() : parentWidget()->rect();
+    const QRect space(message.left(), 0, message.width(), message.bottom() + kOverlap);
+    setGeometry(space.united({space.topLeft(), minimumSizeHint()}));
     if (backdrop_) {
-        backdrop_->setGeometry(window->rect());
+        backdrop_->setGeometry(parentWidget()->rect());
     }
 }
 

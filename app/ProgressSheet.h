@@ -11,11 +11,11 @@ class ProgressSheet final : public QFrame {
     Q_OBJECT
 
   public:
-    /// @param parent the window; its other direct children are what the backdrop covers.
+    /// @param parent the window that it hangs in and that the backdrop covers; not null.
     explicit ProgressSheet(QWidget* parent);
 
     /// Shows the sheet and begins its modal session: `content`, the window's content, takes no input
-    /// until endSheet().
+    /// until endSheet(). The sheet covers the first item of its layout and leaves the rest visible.
     void beginSheet(QWidget& content);
     /// Ends the modal session. The sheet stays on the screen.
     void endSheet(int returnCode);

@@ -19,6 +19,7 @@ namespace app {
 namespace {
 
 constexpr int kIconSide = 64;
+constexpr QSize kButtonRoom{20, 6}; // around a button's text, beyond what the style gives
 constexpr double kHeadingScale = 1.5;
 
 /// A missing or empty reference counts as none.
@@ -41,6 +42,21 @@ void localizeTexts(const QWidget& window) {
             widget->setText(localized(widget->text().toStdString()));
         }
     }
+}
+
+void giveRoom(QPushButton& button) {
+    button.setMinimumSize(button.sizeHint() + kButtonRoom);
+}
+
+/// Makes the button stand out as the one that is meant by default, in the user's own colours.
+void setPrimary(QPushButton& button) {
+    QPalette palette = button.palette();
+    for (const auto group : {QPalette::Active, QPalette::Inactive}) {
+        palette.setColor(group, QPalette::Button, palette.color(group, QPalette::Highlight));
+        palette.setColor(group, QPalette::ButtonText,
+                         palette.color(group, QPalette::HighlightedText));
+    }
+    button.setPalette(palette);
 }
 
 void setHeading(QLabel& label) {
@@ -73,6 +89,10 @@ void SubscriptionHelperAppDelegate::loadWindow() {
     localizeTexts<QPushButton>(*window_);
     cancelButton_->setShortcut(Qt::Key_Escape); // after its text, which resets the shortcut
     setHeading(*ui_->headingLabel);
+    setPrimary(*mainButton_);
+    for (auto* button : {ui_->removeButton, cancelButton_, mainButton_}) {
+        giveRoom(*button);
+    }
     const QIcon icon = applicationIcon();
     window_->setWindowIcon(icon);
     ui_->iconLabel->setPixmap(icon.pixmap({kIconSide, kIconSide}, window_->devicePixelRatioF()));

@@ -32,13 +32,18 @@ bool hasOnlyWholeTriples(std::string_view text) {
     return true;
 }
 
-/// Whether brackets stand in the host only and at most one '#' stands at all.
+/// Whether a non-empty host follows the scheme, brackets stand in it only, and at most one '#' stands
+/// at all.
 bool hasDelimitersInPlace(std::string_view text) {
-    const auto authority = text.find("//");
-    const auto path = text.find_first_of("/?#", std::min(authority, text.size() - 2) + 2);
-    const auto rest = text.substr(std::min(path, text.size()));
-    return authority != std::string_view::npos &&
-           rest.find_first_of("[]") == std::string_view::npos &&
+    constexpr std::string_view kDelimiter = "://";
+    const auto scheme = text.find(':');
+    if (scheme == std::string_view::npos || !text.substr(scheme).starts_with(kDelimiter)) {
+        return false;
+    }
+    text.remove_prefix(scheme + kDelimiter.size());
+    const auto host = text.substr(0, text.find_first_of("/?#"));
+    return !host.empty() &&
+           text.substr(host.size()).find_first_of("[]") == std::string_view::npos &&
            std::count(text.begin(), text.end(), '#') <= 1;
 }
 
@@ -59,7 +64,7 @@ bool isWebURL(const std::string& text) {
 
 std::optional<URL> URL::make(std::string_view text) {
     std::string copy(text);
-    if (text.size() < 2 || !std::all_of(text.begin(), text.end(), isAllowed) ||
+    if (!std::all_of(text.begin(), text.end(), isAllowed) ||
         !hasOnlyWholeTriples(text) || !hasDelimitersInPlace(text) || !isWebURL(copy)) {
         return std::nullopt;
     }

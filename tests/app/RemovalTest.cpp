@@ -1,0 +1,255 @@
+// The delegate with its real window, on a real display: what the removal does, in which order, and
+// what the sheet shows meanwhile. Run under tests/support/desktop.py.
+
+#include "app/ProgressSheet.h"
+#include "app/Spinner.h"
+#include "app/SubscriptionHelperAppDelegate.h"
+#include "tests/support/LoopbackServer.h"
+#include "tests/support/Seams.h"
+#include "tests/support/TestBundle.h"
+#include "tests/support/TestHome.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iostream>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <QApplication>
+#include <QDialog>
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QPushButton>
+#include <QTest>
+#include <QThread>
+#include <QTimer>
+
+namespace {
+
+namespace fs = std::filesystem;
+using app::ProgressSheet;
+using app::SubscriptionHelperAppDelegate;
+using test::httpReply;
+using test::TestHome;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+const std::string kRecord =
+    "<subscription><customerUrl>http://127.0.0.1:9/<b>account</b></customerUrl></subscription>";
+
+class Removal : public testing::Test {
+  protected:
+    Removal() {
+        fs::remove_all(TestHome::path() / "data");
+        fs::remove_all(TestHome::temporaryDirectory());
+        bundle_.asMainBundle();
+        bundle_.withResource("Configuration.strings",
+                             "storeid = acme; \"Application Uninstaller\" = Uninstall;");
+        bundle_.withScript("Uninstall", "echo ran > '" + note_.native() + "'");
+        fs::remove(note_);
+        setReference("REF-1");
+        test::setStorePort(server_.port());
+    }
+
+    static void setReference(const std::string& reference) {
+        test::writeFile(TestHome::path() / "config" / "com.example.acme-studio.conf",
+                        "subscriptionReference=" + reference + "\n");
+    }
+
+    /// The window once the start-up has presented it.
+    QDialog* startUp() {
+        delegate_.awakeFromNib();
+        for (auto* widget : QApplication::topLevelWidgets()) {
+            if (auto* window = qobject_cast<QDialog*>(widget); window != nullptr) {
+                return QTest::qWaitForWindowActive(window) ? window : nullptr;
+            }
+        }
+        return nullptr;
+    }
+
+    template <class Widget>
+    static Widget& child(QDialog& window, const char* name) {
+        return *window.findChild<Widget*>(QString::fromLatin1(name));
+    }
+
+    void press(QDialog& window) {
+        QTest::mouseClick(&child<QPushButton>(window, "removeButton"), Qt::LeftButton);
+    }
+
+    bool waitUntilRemoved() {
+        return QTest::qWaitFor([this] { return !delegate_.isRemoving(); }, 20000);
+    }
+
+    test::TestHome home_;
+    test::TestBundle bundle_{TestHome::path() / "Applications" / "Subscription Helper.app"};
+    fs::path note_ = TestHome::path() / "note";
+    std::function<test::Reply()> cancelReply_ = [] { return httpReply(kRecord); };
+    test::LoopbackServer server_{[this](const std::string& target) {
+        return target.find("delete") == std::string::npos ? httpReply(kRecord) : cancelReply_();
+    }};
+    SubscriptionHelperAppDelegate delegate_;
+};
+
+TEST_F(Removal, GoesThroughItsStepsAndLeavesTheSheetUp) {
+    QDialog* window = startUp();
+    ASSERT_NE(window, nullptr);
+    EXPECT_EQ(delegate_.subscriptionReference(), "REF-1");
+    auto& label = child<QLabel>(*window, "progressLabel");
+    auto& sheet = child<ProgressSheet>(*window, "progressSheet");
+    auto& spinner = child<app::Spinner>(*window, "spinner");
+    auto& close = child<QPushButton>(*window, "mainButton");
+    EXPECT_FALSE(sheet.isVisible());
+
+    std::string duringCancellation;
+    cancelReply_ = [&] {
+        // The helper's bundle and the uninstaller are untouched while the store is still asked.
+        duringCancellation = fs::exists(bundle_.path()) && !fs::exists(note_) ? "first" : "late";
+        QThread::msleep(300);
+        return httpReply(kRecord);
+    };
+    std::vector<std::string> texts;
+    press(*window);
+    EXPECT_TRUE(sheet.isVisible());
+    EXPECT_TRUE(sheet.isSessionRunning());
+    QTest::mouseClick(&close, Qt::LeftButton); // the backdrop and the disabled content take it
+    QTest::keyClick(window, Qt::Key_Return);
+    QTest::keyClick(window, Qt::Key_Escape);
+    EXPECT_FALSE(window->close());
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] {
+            const std::string text = label.text().toStdString();
+            if (!text.empty() && (texts.empty() || texts.back() != text)) {
+                texts.push_back(text);
+            }
+            return !delegate_.isRemoving();
+        },
+        20000));
+
+    EXPECT_EQ(duringCancellation, "first");
+    EXPECT_EQ(texts.front(), "Canceling your subscription ...");
+    EXPECT_EQ(texts.back(), "Moving this helper to the Trash ...");
+    EXPECT_THAT(server_.targets(),
+                ElementsAre("/fastspring.php?f=getsubscription&subscriptionRef=REF-1",
+                            "/fastspring.php?f=deletesubscription&subscriptionRef=REF-1"));
+    EXPECT_TRUE(test::appears(note_));
+    EXPECT_FALSE(fs::exists(bundle_.path()));
+    EXPECT_TRUE(fs::exists(TestHome::trashedFile("Subscription Helper.app")));
+
+    // Afterwards: on the screen, not modal, turning, and only a button ends the application.
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_TRUE(sheet.isVisible());
+    EXPECT_FALSE(sheet.isSessionRunning());
+    EXPECT_EQ(sheet.returnCode(), 1);
+    const int steps = spinner.steps();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return spinner.steps() > steps + 2; }, 2000));
+    EXPECT_TRUE(close.isEnabled());
+    EXPECT_GT(close.mapTo(window, QPoint()).y(), sheet.geometry().bottom());
+    EXPECT_FALSE(child<QPushButton>(*window, "removeButton").isEnabled());
+    EXPECT_FALSE(child<QPushButton>(*window, "cancelButton").isEnabled());
+}
+
+TEST_F(Removal, HappensOnceHoweverOftenTheControlIsPressed) {
+    QDialog* window = startUp();
+    ASSERT_NE(window, nullptr);
+    for (int time = 0; time < 100; ++time) {
+        press(*window);
+    }
+    ASSERT_TRUE(waitUntilRemoved());
+    EXPECT_EQ(server_.targets().size(), 2U);
+}
+
+TEST_F(Removal, GoesOnAfterARefusalAndOpensNoAddressThatIsNone) {
+    cancelReply_ = [] { return httpReply("<error>refused</error>"); };
+    const std::optional<std::string> rows[] = {std::nullopt, "", "file:///etc/passwd", "-h"};
+    for (const auto& url : rows) {
+        const test::TestBundle bundle(bundle_.path());
+        bundle_.withResource("Configuration.strings", "\"Application Uninstaller\" = missing;");
+        fs::remove_all(TestHome::path() / "data");
+        delegate_.setSubscriptionReference("REF-1");
+        delegate_.setCustomerURL(url);
+        testing::internal::CaptureStderr();
+        delegate_.startCancellation();
+        const bool removed = waitUntilRemoved();
+        const std::string log = testing::internal::GetCapturedStderr();
+        ASSERT_TRUE(removed);
+        EXPECT_EQ(log.find("Not opened") != std::string::npos, url.has_value()) << log;
+        EXPECT_THAT(log, HasSubstr("Uninstaller is not found at path: (null)"));
+        EXPECT_FALSE(fs::exists(bundle_.path()));
+    }
+}
+
+TEST_F(Removal, LogsABundleThatCannotBeTrashed) {
+    test::writeFile(TestHome::path() / "data" / "Trash", "in the way");
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(SubscriptionHelperAppDelegate::trashMe());
+    EXPECT_THAT(testing::internal::GetCapturedStderr(),
+                HasSubstr("Could not trash '" + bundle_.path().native() + "'"));
+    EXPECT_TRUE(fs::exists(bundle_.path()));
+}
+
+TEST_F(Removal, NeverHoldsTheMainThreadUp) {
+    fs::resize_file(bundle_.executable("Uninstall"), 0);
+    {
+        std::ofstream file(bundle_.executable("Uninstall"), std::ios::binary);
+        const std::string megabyte(1U << 20U, 'x');
+        for (int count = 0; count < 256; ++count) {
+            file << megabyte;
+        }
+    }
+    QDialog* window = startUp();
+    ASSERT_NE(window, nullptr);
+    QElapsedTimer sinceTurn;
+    qint64 longest = 0;
+    QTimer turn;
+    QObject::connect(&turn, &QTimer::timeout, [&] {
+        longest = std::max(longest, sinceTurn.nsecsElapsed());
+        sinceTurn.start();
+    });
+    sinceTurn.start();
+    turn.start(0);
+    press(*window);
+    ASSERT_TRUE(waitUntilRemoved());
+    turn.stop();
+    RecordProperty("longestGapMicroseconds", std::to_string(longest / 1000));
+    std::cout << "longest gap between two turns of the event loop: " << longest / 1000 << " us\n";
+    EXPECT_LT(longest, 100'000'000);
+    EXPECT_EQ(fs::file_size(TestHome::temporaryDirectory() / "Uninstall"), 256U << 20U);
+    fs::remove_all(TestHome::path() / "data");
+}
+
+TEST_F(Removal, StartsWithAWindowThatCanBeUsedByKeyboardAlone) {
+    QDialog* window = startUp();
+    ASSERT_NE(window, nullptr);
+    auto& remove = child<QPushButton>(*window, "removeButton");
+    EXPECT_TRUE(child<QPushButton>(*window, "mainButton").isDefault());
+    EXPECT_TRUE(child<QPushButton>(*window, "mainButton").hasFocus());
+    QTest::keyClick(window, Qt::Key_Tab);
+    QTest::keyClick(window, Qt::Key_Tab);
+    EXPECT_TRUE(remove.hasFocus());
+    EXPECT_FALSE(remove.isDefault());
+    const QRect inside = window->rect();
+    for (const auto* widget : window->findChildren<QWidget*>()) {
+        if (widget->isVisible()) {
+            const QRect place(widget->mapTo(window, QPoint()), widget->size());
+            EXPECT_TRUE(inside.contains(place)) << widget->objectName().toStdString();
+        }
+    }
+    for (const auto* label : window->findChildren<QLabel*>()) {
+        EXPECT_LE(label->heightForWidth(label->width()), label->height())
+            << label->objectName().toStdString();
+    }
+}
+
+} // namespace
+
+int main(int argumentCount, char** arguments) {
+    const test::TestHome home;
+    testing::InitGoogleTest(&argumentCount, arguments);
+    QApplication application(argumentCount, arguments);
+    return RUN_ALL_TESTS();
+}

@@ -1,0 +1,67 @@
+#include "app/RunThrottle.h"
+
+#include "tests/support/TestHome.h"
+
+#include <chrono>
+#include <cstdlib>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace app {
+namespace {
+
+using namespace std::chrono_literals;
+using platform::Moment;
+
+const Moment kNow = platform::momentFromText("2026-03-15T08:30:00.000000Z").value();
+
+Moment fixedNow() { return kNow; }
+
+TEST(RunThrottle, CountsARunAsRecentWithinItsBounds) {
+    const std::pair<Moment::duration, bool> rows[] = {
+        {0us, true},          {-1us, true},        {-4h + 1us, true}, {-4h, false},
+        {-4h - 1us, false},   {1us, false},        {24h, false},      {-365 * 24h, false},
+    };
+    for (const auto& [distance, recent] : rows) {
+        EXPECT_EQ(isRecentRun(kNow + distance, fixedNow), recent) << distance.count();
+    }
+    EXPECT_FALSE(isRecentRun(std::nullopt, fixedNow));
+}
+
+TEST(RunThrottle, ReadsTheClockForEachBound) {
+    // The second reading is later: a moment just in the future at the first is past at the second.
+    Moment now = kNow;
+    const auto clock = [&now] { return now += 2us; };
+    EXPECT_TRUE(isRecentRun(kNow + 3us, clock));
+}
+
+TEST(RunThrottle, StoresTheMomentOfARunThatPassesAndOfNoOther) {
+    const test::TestHome home;
+    const platform::UserDefaults defaults("com.example.throttle");
+    const char* const key = "lastRunUserDefaultKey";
+    EXPECT_TRUE(passRunThrottle(defaults, fixedNow));
+    EXPECT_EQ(defaults.date(key), kNow);
+    const auto later = [](Moment::duration by) { return [by] { return kNow + by; }; };
+    EXPECT_FALSE(passRunThrottle(defaults, later(4h - 1us)));
+    EXPECT_EQ(defaults.date(key), kNow);
+    EXPECT_TRUE(passRunThrottle(defaults, later(4h)));
+    EXPECT_EQ(defaults.date(key), kNow + 4h);
+    EXPECT_TRUE(passRunThrottle(defaults, fixedNow)); // the clock was set back
+    EXPECT_EQ(defaults.date(key), kNow);
+
+    const auto held = defaults.lock();
+    EXPECT_FALSE(passRunThrottle(defaults, later(8h)));
+    EXPECT_EQ(defaults.date(key), kNow);
+}
+
+TEST(RunThrottle, GoesOnWhenTheMomentCannotBeStored) {
+    setenv("XDG_CONFIG_HOME", "/dev/null", 1);
+    testing::internal::CaptureStderr();
+    EXPECT_TRUE(passRunThrottle(platform::UserDefaults("com.example.throttle"), fixedNow));
+    EXPECT_THAT(testing::internal::GetCapturedStderr(),
+                testing::HasSubstr("The time of this run cannot be stored"));
+}
+
+} // namespace
+} // namespace app

@@ -1,0 +1,75 @@
+#include "platform/Bundle.h"
+
+#include "tests/support/Seams.h"
+#include "tests/support/TestBundle.h"
+#include "tests/support/TestHome.h"
+
+#include <cstdlib>
+#include <filesystem>
+
+#include <gtest/gtest.h>
+
+namespace platform {
+namespace {
+
+namespace fs = std::filesystem;
+
+class BundleTest : public testing::Test {
+  protected:
+    BundleTest() { setenv("LC_ALL", "C", 1); }
+
+    test::TestHome home_;
+    fs::path folder_ = test::TestHome::path() / "bundles";
+};
+
+TEST_F(BundleTest, IsFoundAroundItsExecutableAndNothingElseIs) {
+    for (const char* name : {"Plain.app", "With blanks 'and quotes'.app", "\xc3\x9c" "ber.app"}) {
+        const test::TestBundle bundle(folder_ / name);
+        bundle.asMainBundle();
+        ASSERT_TRUE(Bundle::mainBundle()) << name;
+        EXPECT_EQ(Bundle::mainBundle()->bundlePath(), folder_ / name);
+    }
+    const test::TestBundle noList(folder_ / "NoList.app");
+    fs::remove(noList.path() / "Contents" / "Info.plist");
+    const test::TestBundle noApp(folder_ / "directory");
+    for (const fs::path& executable :
+         {fs::path(), fs::path("/"), fs::path("/usr/bin/true"), noList.executable("NoList"),
+          noApp.executable("directory"), folder_ / "Plain.app" / "Contents" / "Plain",
+          folder_ / "Plain.app" / "Contents" / "MacOS" / "Plain",
+          fs::path("Plain.app/Contents/Linux/Plain")}) {
+        EXPECT_FALSE(Bundle::around(executable)) << executable;
+    }
+}
+
+TEST_F(BundleTest, NamesAuxiliaryExecutablesInItsOwnDirectoryOnly) {
+    const test::TestBundle files(folder_ / "Aux.app");
+    fs::create_symlink("nowhere", files.executable("dangling"));
+    const auto bundle = Bundle::around(files.executable("Aux"));
+    ASSERT_TRUE(bundle);
+    EXPECT_EQ(bundle->pathForAuxiliaryExecutable("Aux"), files.executable("Aux"));
+    EXPECT_EQ(bundle->pathForAuxiliaryExecutable("dangling"), files.executable("dangling"));
+    for (const char* name : {"", ".", "..", "missing", "../Info.plist", "/bin/sh"}) {
+        EXPECT_FALSE(bundle->pathForAuxiliaryExecutable(name)) << name;
+    }
+}
+
+TEST_F(BundleTest, LooksTextsUpInTheOrderOfLanguages) {
+    const test::TestBundle files(folder_ / "Texts.app");
+    files.withResource("en.lproj/Localizable.strings", "\"Close\" = \"Close it\"; empty = \"\";");
+    files.withResource("de.lproj/Localizable.strings", "\"Close\" = \"Schlie\\U00dfen\";");
+    const auto bundle = Bundle::around(files.executable("Texts"));
+    ASSERT_TRUE(bundle);
+    EXPECT_EQ(bundle->localizedString("Close"), "Close it");
+    EXPECT_EQ(bundle->localizedString("empty"), "");
+    EXPECT_EQ(bundle->localizedString("missing"), "missing");
+    EXPECT_EQ(bundle->localizedString("missing", "default"), "default");
+    EXPECT_EQ(bundle->localizedString("key", "", "NoTable"), "key");
+    setenv("LC_ALL", "de_AT.UTF-8", 1);
+    EXPECT_EQ(bundle->localizedString("Close"), "Schlie\xc3\x9f" "en");
+    // A copy directly among the resources goes before every language, and is read anew.
+    files.withResource("Localizable.strings", "\"Close\" = \"Any\";");
+    EXPECT_EQ(bundle->localizedString("Close"), "Any");
+}
+
+} // namespace
+} // namespace platform

@@ -1,0 +1,112 @@
+#include "platform/Fetch.h"
+
+#include "tests/support/LoopbackServer.h"
+#include "tests/support/TestHome.h"
+
+#include <chrono>
+#include <optional>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace platform {
+namespace {
+
+using namespace std::chrono_literals;
+using test::httpReply;
+using test::LoopbackServer;
+using test::Reply;
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr FetchLimits kShort{400ms, 800ms, 1000, 2000, 5};
+
+std::optional<Data> fetchFrom(const LoopbackServer& server, const FetchLimits& limits = kShort) {
+    return fetch(URL::make(server.url()).value(), limits);
+}
+
+struct Row {
+    const char* what;
+    Reply reply;
+    std::optional<std::string> data;
+};
+
+class Fetch : public testing::Test {
+    test::TestHome home_;
+};
+
+TEST_F(Fetch, GivesTheBodyOrNothingWhateverTheServerDoes) {
+    const std::string head = "HTTP/1.1 200 OK\r\n";
+    const Row rows[] = {
+        {"a body", httpReply("<a/>"), "<a/>"},
+        {"an empty body", httpReply(""), ""},
+        {"no content", {"HTTP/1.1 204 No Content\r\n\r\n"}, ""},
+        {"a missing page", httpReply("<a/>", "404 Not Found"), "<a/>"},
+        {"a server error", httpReply("<a/>", "500 Oops"), "<a/>"},
+        {"a body of the largest size", httpReply(std::string(1000, 'x')), std::string(1000, 'x')},
+        {"a body that ends with the connection", {head + "\r\n<a/>"}, "<a/>"},
+        {"a length too short", {head + "Content-Length: 2\r\n\r\n<a/>"}, "<a"},
+        {"a length too long", {head + "Content-Length: 9\r\n\r\n<a/>"}, std::nullopt},
+        {"an answer cut in its head", {head + "Content-Length: 4\r\n"}, std::nullopt},
+        {"an answer that is a status line", {head}, ""},
+        {"a chunk that is cut", {head + "Transfer-Encoding: chunked\r\n\r\n9\r\n<a/>"}, std::nullopt},
+        {"a body one byte too large", httpReply(std::string(1001, 'x')), std::nullopt},
+        {"10 GiB announced", {head + "Content-Length: 10737418240\r\n\r\n"}, std::nullopt},
+        {"an endless body", {head + "\r\n", Reply::End::Close, true}, std::nullopt},
+        {"endless headers", {head + "X: y\r\n", Reply::End::Close, true}, std::nullopt},
+        {"no HTTP", {"<a/>"}, std::nullopt},
+        {"a reset", {head + "Content-Length: 9\r\n\r\n<a/>", Reply::End::Reset}, std::nullopt},
+        {"silence", {"", Reply::End::Silence}, std::nullopt},
+        {"silence in the body", {head + "Content-Length: 9\r\n\r\n<a/>", Reply::End::Silence},
+         std::nullopt},
+        {"a byte now and then", {httpReply("<a/>").bytes, Reply::End::Close, false, 50},
+         std::nullopt},
+        {"a redirect to a file", httpReply("<a/>", "302 Found", "Location: file:///etc/passwd\r\n"),
+         std::nullopt},
+        {"a redirect to ftp", httpReply("", "302 Found", "Location: ftp://127.0.0.1/\r\n"),
+         std::nullopt},
+        {"a redirect in a circle", httpReply("", "302 Found", "Location: /\r\n"), std::nullopt},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        const LoopbackServer server(row.reply);
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_EQ(fetchFrom(server), row.data);
+        EXPECT_LT(std::chrono::steady_clock::now() - start, kShort.whole + 2s);
+    }
+}
+
+TEST_F(Fetch, FollowsFiveRedirectsAndNoSixth) {
+    const auto redirects = [](int count) {
+        return [count](const std::string& target) {
+            const int step = target == "/" ? 0 : std::stoi(target.substr(1));
+            const auto next = "Location: /" + std::to_string(step + 1) + "\r\n";
+            return step < count ? httpReply("", "301 Moved", next) : httpReply("there");
+        };
+    };
+    EXPECT_EQ(fetchFrom(LoopbackServer(redirects(5))), "there");
+    EXPECT_EQ(fetchFrom(LoopbackServer(redirects(6))), std::nullopt);
+}
+
+TEST_F(Fetch, SendsOnePlainGet) {
+    const LoopbackServer server(httpReply("x"));
+    ASSERT_TRUE(fetch(URL::make(server.url("/s.php?f=x&r=A&B")).value()));
+    ASSERT_EQ(server.heads().size(), 1U);
+    EXPECT_THAT(server.heads()[0], HasSubstr("GET /s.php?f=x&r=A&B HTTP/1.1\r\n"));
+    EXPECT_THAT(server.heads()[0], Not(HasSubstr("Cookie")));
+    EXPECT_THAT(server.heads()[0], Not(HasSubstr("Accept-Encoding")));
+}
+
+TEST_F(Fetch, GivesNothingFromAPortWhereNobodyListens) {
+    std::string url;
+    {
+        const LoopbackServer server(httpReply("x"));
+        url = server.url();
+    }
+    EXPECT_EQ(fetch(URL::make(url).value(), kShort), std::nullopt);
+    EXPECT_EQ(fetch(URL::make("http://no-such-host.invalid/").value(), kShort), std::nullopt);
+}
+
+} // namespace
+} // namespace platform

@@ -1,0 +1,75 @@
+#include "platform/DateText.h"
+#include "platform/Log.h"
+#include "platform/Text.h"
+#include "platform/UserLanguages.h"
+
+#include <algorithm>
+#include <csignal>
+#include <cstdlib>
+#include <string>
+
+#include <unistd.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace platform {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+TEST(FormatText, PutsArgumentsInOrderAndSearchesThemNotAgain) {
+    EXPECT_EQ(formatText("%@?f=x&r=%@", {"a%@b", "c"}), "a%@b?f=x&r=c");
+    EXPECT_EQ(formatText("path: %@ %@", {std::nullopt}), "path: (null) (null)");
+    EXPECT_EQ(formatText("100% of %", {"unused"}), "100% of %");
+}
+
+TEST(Log, WritesOneLineWithControlCharactersEscaped) {
+    testing::internal::CaptureStderr();
+    log("Could not trash '%@'", {"a\nb\x1b[31m\x7f"});
+    const std::string line = testing::internal::GetCapturedStderr();
+    EXPECT_THAT(line, HasSubstr("Could not trash 'a\\x0ab\\x1b[31m\\x7f'\n"));
+    EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1);
+    EXPECT_THAT(line, HasSubstr("[" + std::to_string(getpid()) + "] "));
+}
+
+TEST(LogDeathTest, NamesAnUncaughtFailureBeforeItAborts) {
+    const auto fail = [] {
+        logUncaughtFailures();
+        []() noexcept { static_cast<void>(std::string().at(7)); }();
+    };
+    EXPECT_EXIT(fail(), testing::KilledBySignal(SIGABRT), "Uncaught failure: .*at");
+}
+
+TEST(DateText, RoundsTripsMomentsAndRefusesOtherTexts) {
+    for (const char* text : {"2026-01-31T08:30:00.000001Z", "1969-12-31T23:59:59.999999Z",
+                             "2024-02-29T00:00:00.000000Z", "0001-01-01T00:00:00.000000Z"}) {
+        const auto moment = momentFromText(text);
+        ASSERT_TRUE(moment) << text;
+        EXPECT_EQ(dateText(*moment), text);
+    }
+    for (const char* text :
+         {"", "yesterday", "2026-01-31T08:30:00Z", "2026-01-31 08:30:00.000001Z",
+          "2026-02-29T00:00:00.000000Z", "2026-01-31T24:00:00.000000Z",
+          "2026-01-31T08:30:00.000001Z ", "2026-01-31T08:30:00.-00001Z"}) {
+        EXPECT_FALSE(momentFromText(text)) << text;
+    }
+}
+
+TEST(UserLanguages, FollowTheOrderOfTheVariablesWithParents) {
+    const auto languages = [](const char* all, const char* language) {
+        setenv("LC_ALL", all, 1);
+        setenv("LANGUAGE", language, 1);
+        return userLanguages();
+    };
+    EXPECT_THAT(languages("de_AT.UTF-8@euro", ""), ElementsAre("de_AT", "de"));
+    EXPECT_THAT(languages("en_US.UTF-8", "pt_BR:fr"),
+                ElementsAre("pt_BR", "pt", "fr", "en_US", "en"));
+    EXPECT_THAT(languages("C.UTF-8", "de"), IsEmpty());
+    EXPECT_THAT(languages("../../etc", ""), IsEmpty());
+}
+
+} // namespace
+} // namespace platform

@@ -1,0 +1,104 @@
+#include "platform/XMLEventParser.h"
+
+#include <functional>
+#include <stdexcept>
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace platform {
+namespace {
+
+/// Writes the events down: "<a" a start, "a>" an end, "!" the error, texts joined.
+class Recorder final : public XMLEventParserDelegate {
+  public:
+    void didStartElement(std::string_view name, const XMLAttributes& attributes) override {
+        events += "<" + std::string(name) + (attributes.empty() ? "" : "*");
+        if (failAt == name) {
+            throw std::out_of_range("as told");
+        }
+    }
+    void didEndElement(std::string_view name) override { events += std::string(name) + ">"; }
+    void foundCharacters(std::string_view text) override { events += text; }
+    void parseErrorOccurred() override { events += "!"; }
+
+    std::string events;
+    std::string failAt;
+};
+
+std::string eventsOf(std::string_view document) {
+    Recorder recorder;
+    const bool whole = XMLEventParser(document).parse(recorder);
+    EXPECT_EQ(whole, recorder.events.find('!') == std::string::npos) << document.substr(0, 200);
+    return recorder.events;
+}
+
+std::string nested(int depth) {
+    std::string document;
+    for (int level = 0; level < depth; ++level) {
+        document += "<a>";
+    }
+    for (int level = 0; level < depth; ++level) {
+        document += "</a>";
+    }
+    return document;
+}
+
+TEST(XMLEventParser, DeliversTheEventsOfADocument) {
+    const std::pair<std::string, std::string> rows[] = {
+        {"", "!"},
+        {"no document", "!"},
+        {"<a/>", "<aa>"},
+        {"<a b='c'><x:D>1&amp;2</x:D></a>", "<a*<x:D1&2x:D>a>"},
+        {"<a>1<![CDATA[hidden]]>2</a>", "<a12a>"},
+        {"<a>1<b>2</a>", "<a1<b2!"},
+        {"<a>1", "<a1!"},
+        {"<a/><b/>", "<aa>!"},
+        {"<!DOCTYPE a [<!ENTITY e 'own'>]><a>&e;</a>", "<aowna>"},
+        {"<a>&undefined;</a>", "<a!"},
+        {"<?xml version='1.0' encoding='ISO-8859-1'?><a>\xe9</a>", "<a\xc3\xa9" "a>"},
+        {"<?xml version='1.0' encoding='windows-1252'?><a>\x80</a>", "<a\xe2\x82\xac" "a>"},
+        {"<?xml version='1.0' encoding='no-such'?><a/>", "!"},
+        {"<a>\xff</a>", "<a!"},
+        {std::string("\xff\xfe<\0a\0/\0>\0", 10), "<aa>"},
+    };
+    for (const auto& [document, events] : rows) {
+        EXPECT_EQ(eventsOf(document), events) << document;
+    }
+}
+
+TEST(XMLEventParser, OpensNoExternalEntity) {
+    const std::string external = "<!DOCTYPE a SYSTEM 'file:///etc/hostname' [<!ENTITY e SYSTEM "
+                                 "'file:///etc/passwd'>]><a>&e;</a>";
+    EXPECT_EQ(eventsOf(external), "<aa>");
+}
+
+TEST(XMLEventParser, StopsAtTheDeepestNesting) {
+    EXPECT_EQ(eventsOf(nested(256)).find('!'), std::string::npos);
+    EXPECT_EQ(eventsOf(nested(257)).back(), '!');
+    EXPECT_EQ(eventsOf(nested(200000)).size(), 256 * 2 + 1);
+}
+
+TEST(XMLEventParser, StopsEntitiesThatAmplify) {
+    std::string document = "<!DOCTYPE a [<!ENTITY e0 'laugh'>";
+    for (int level = 1; level < 20; ++level) {
+        const std::string inner = "&e" + std::to_string(level - 1) + ";";
+        document += "<!ENTITY e" + std::to_string(level) + " '" + inner + inner + inner + inner +
+                    inner + inner + inner + inner + inner + inner + "'>";
+    }
+    const std::string events = eventsOf(document + "]><a>&e19;</a>");
+    EXPECT_EQ(events.back(), '!');
+    EXPECT_LT(events.size(), 1U << 20U);
+}
+
+TEST(XMLEventParser, PassesTheDelegatesFailureOnAndStops) {
+    for (const char* document : {"<a><b/><c/></a>", "<a><b>x</b></a>", "<a><b/>", "<b/>"}) {
+        Recorder recorder;
+        recorder.failAt = "b";
+        EXPECT_THROW(XMLEventParser(document).parse(recorder), std::out_of_range) << document;
+        EXPECT_EQ(recorder.events.substr(recorder.events.size() - 2), "<b") << document;
+    }
+}
+
+} // namespace
+} // namespace platform

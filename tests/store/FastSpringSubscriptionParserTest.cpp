@@ -1,0 +1,162 @@
+#include "store/FastSpringSubscriptionParser.h"
+
+#include "platform/DateText.h"
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <tuple>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace store {
+namespace {
+
+using testing::Optional;
+
+const std::string kFull = R"(<?xml version="1.0" encoding="UTF-8"?>
+<Subscription>
+  <reference>ABC123</reference> <status>active</status>
+  <statusChanged>2012-03-15T08:30:00.000Z</statusChanged> <statusReason>none</statusReason>
+  <cancelable>True</cancelable> <test>TRUE</test>
+  <referrer></referrer> <sourceName>news</sourceName> <sourceKey>k</sourceKey>
+  <sourceCampaign>c</sourceCampaign>
+  <customer>
+    <firstName>Ada</firstName> <lastName>L</lastName> <company>E &amp; Co</company>
+    <email>a@example.com</email> <phoneNumber>1</phoneNumber>
+  </customer>
+  <customerUrl> http://example.com/a </customerUrl> <productName>p</productName>
+  <quantity>-1</quantity> <end>2013-03-15Z</end>
+</Subscription>
+)";
+
+std::shared_ptr<FastSpringSubscription> parsed(const std::string& answer) {
+    return FastSpringSubscriptionParser(answer).parseSubscription();
+}
+
+TEST(SubscriptionParser, FillsEveryField) {
+    const auto record = parsed(kFull);
+    ASSERT_TRUE(record);
+    EXPECT_EQ(record->reference, "ABC123");
+    EXPECT_EQ(record->status, "active");
+    EXPECT_EQ(platform::dateText(record->statusChangedDate.value()), "2012-03-15T08:30:00Z");
+    EXPECT_EQ(record->statusReason, "none");
+    EXPECT_TRUE(record->isCancelable);
+    EXPECT_TRUE(record->isTest);
+    EXPECT_EQ(record->referrer, "");
+    EXPECT_EQ(record->sourceName, "news");
+    EXPECT_EQ(record->sourceKey, "k");
+    EXPECT_EQ(record->sourceCampaign, "c");
+    EXPECT_EQ(record->customerFirstName, "Ada");
+    EXPECT_EQ(record->customerLastName, "L");
+    EXPECT_EQ(record->customerCompany, "E & Co");
+    EXPECT_EQ(record->customerEmail, "a@example.com");
+    EXPECT_EQ(record->customerPhoneNumber, "1");
+    EXPECT_EQ(record->customerURL, " http://example.com/a ");
+    EXPECT_EQ(record->productName, "p");
+    EXPECT_THAT(record->quantity, Optional(18446744073709551615U));
+    EXPECT_EQ(platform::dateText(record->endDate.value()), "2013-03-15T00:00:00Z");
+}
+
+/// An answer, and the status of the record it gives: "(none)" for an absent one, "(no record)"
+/// without a record, "(fails)" for a date that cannot be read.
+struct Row {
+    const char* answer;
+    const char* status;
+};
+
+std::string statusOf(const std::string& answer) {
+    try {
+        const auto record = parsed(answer);
+        return record ? record->status.value_or("(none)") : "(no record)";
+    } catch (const std::out_of_range&) {
+        return "(fails)";
+    }
+}
+
+TEST(SubscriptionParser, TakesEachFieldByItsNameAlone) {
+    const Row rows[] = {
+        {"", "(no record)"},
+        {"<a/>", "(no record)"},
+        {"<a><status>x</status></a>", "(no record)"},
+        {"<subscription/>", "(none)"},
+        {"<SUBSCRIPTION><STATUS>x</STATUS></SUBSCRIPTION>", "x"},
+        {"<s:subscription xmlns:s='x'/>", "(no record)"},
+        {"<subscription><status>  Active\n</status></subscription>", "  Active\n"},
+        {"<subscription><status/></subscription>", ""},
+        {"<subscription><status>1</status><status>2</status></subscription>", "2"},
+        {"<subscription><a><b><status>deep</status></b></a></subscription>", "deep"},
+        {"<a><subscription/><status>after</status></a>", "after"},
+        {"<a><status>before</status><subscription/></a>", "(none)"},
+        {"<a><subscription><status>1</status></subscription><subscription/></a>", "(none)"},
+        {"<subscription><status>a&amp;b&lt;&#x41;</status></subscription>", "a&b<A"},
+        {"<subscription><status>a<![CDATA[b]]>c</status></subscription>", "ac"},
+        {"<subscription><status>a<i>inner</i>tail</status></subscription>", "inner"},
+        {"<subscription><status>a<i/>tail</status></subscription>", ""},
+        {"<subscription><i>x</i>between<status/></subscription>", ""},
+        // The record's own start leaves the text that is being gathered alone.
+        {"<status>a<subscription/>b</status>", "a"},
+        {"<subscription><status>x</status><cut", "x"},
+        {"<subscription><status>x", "(none)"},
+        {"<subscription><status>x</status></wrong>", "x"},
+        {"<html><body><p>Error</p></body></html>", "(no record)"},
+        {"<HtMl><subscription><status>x</status></subscription></HtMl>", "(none)"},
+        {"<subscription><status>x</status><html/><status>y</status></subscription>", "x"},
+        {"<subscription><end>2012-03-15</end></subscription>", "(fails)"},
+        {"<subscription><statusChanged/></subscription>", "(fails)"},
+        {"<a><end>never</end></a>", "(fails)"},
+        {"<a><html/><end>never</end></a>", "(no record)"},
+        {"<subscription><status>x</status><end>soonZ</end></subscription>", "x"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(statusOf(row.answer), row.status) << row.answer;
+    }
+}
+
+TEST(SubscriptionParser, ClearsADateThatDoesNotMatch) {
+    const auto record = parsed("<subscription><end>2012-03-15Z</end><end>soonZ</end></subscription>");
+    ASSERT_TRUE(record);
+    EXPECT_FALSE(record->endDate);
+}
+
+TEST(SubscriptionParser, TellsWhatWasWrong) {
+    const std::tuple<const char*, bool, bool> rows[] = {
+        {"<subscription/>", false, false},
+        {"", true, false},
+        {"<subscription><status>", true, false},
+        {"<html/>", false, true},
+        {"<HTML><br>", true, true},
+    };
+    for (const auto& [answer, isParsingError, isHTMLServerError] : rows) {
+        FastSpringSubscriptionParser parser(answer);
+        static_cast<void>(parser.parseSubscription());
+        EXPECT_EQ(parser.isParsingError, isParsingError) << answer;
+        EXPECT_EQ(parser.isHTMLServerError, isHTMLServerError) << answer;
+        EXPECT_EQ(parser.cleanUpAnyErrors("anything"), isHTMLServerError) << answer;
+    }
+}
+
+TEST(SubscriptionParser, GivesWhatArrivedBeforeACutAtAnyByte) {
+    bool sawRecord = false;
+    for (std::size_t length = 0; length <= kFull.size(); ++length) {
+        const auto record = parsed(kFull.substr(0, length));
+        // Once there, it never goes, and a field is whole or absent.
+        EXPECT_TRUE(record || !sawRecord) << length;
+        sawRecord = sawRecord || record;
+        if (record) {
+            EXPECT_THAT(record->customerEmail.value_or("a@example.com"), "a@example.com");
+        }
+    }
+    EXPECT_TRUE(sawRecord);
+}
+
+TEST(SubscriptionParser, LeavesTheRecordToTheCaller) {
+    auto parser = std::make_unique<FastSpringSubscriptionParser>(kFull);
+    const auto record = parser->parseSubscription();
+    parser.reset();
+    EXPECT_EQ(record->reference, "ABC123");
+}
+
+} // namespace
+} // namespace store

@@ -1,0 +1,91 @@
+#include "tests/support/TestHome.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <thread>
+
+#include <unistd.h>
+
+namespace test {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Made once and removed when the process ends.
+class Directory {
+  public:
+    Directory() {
+        std::string name = (fs::temp_directory_path() / "helper-test-XXXXXX").native();
+        if (mkdtemp(name.data()) == nullptr) {
+            throw std::runtime_error("no temporary directory");
+        }
+        path = name;
+        fs::create_directory(path / "tmp");
+    }
+    Directory(const Directory&) = delete;
+    Directory& operator=(const Directory&) = delete;
+    ~Directory() {
+        std::error_code error;
+        fs::remove_all(path, error);
+    }
+
+    fs::path path;
+};
+
+const Directory& directory() {
+    static const Directory directory;
+    return directory;
+}
+
+} // namespace
+
+TestHome::TestHome() {
+    const fs::path& home = directory().path;
+    setenv("HOME", home.c_str(), 1);
+    setenv("XDG_CONFIG_HOME", (home / "config").c_str(), 1);
+    setenv("XDG_DATA_HOME", (home / "data").c_str(), 1);
+    setenv("XDG_CACHE_HOME", (home / "cache").c_str(), 1);
+    setenv("TMPDIR", (home / "tmp").c_str(), 1);
+    for (const char* proxy : {"http_proxy", "HTTP_PROXY", "ALL_PROXY", "all_proxy"}) {
+        unsetenv(proxy);
+    }
+}
+
+const fs::path& TestHome::path() { return directory().path; }
+
+fs::path TestHome::trashedFile(const std::string& name) {
+    return path() / "data" / "Trash" / "files" / name;
+}
+
+std::string TestHome::trashInfo(const std::string& name) {
+    return readFile(path() / "data" / "Trash" / "info" / (name + ".trashinfo"));
+}
+
+fs::path TestHome::temporaryDirectory() {
+    return path() / "tmp" / ("subscription-helper-" + std::to_string(geteuid()));
+}
+
+void writeFile(const fs::path& path, std::string_view content, bool executable) {
+    fs::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary) << content;
+    if (executable) {
+        fs::permissions(path, fs::perms::owner_all);
+    }
+}
+
+std::string readFile(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+bool appears(const fs::path& path) {
+    for (int round = 0; round < 1000 && !fs::exists(path); ++round) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return fs::exists(path);
+}
+
+} // namespace test

@@ -1,0 +1,82 @@
+"""A desktop of one's own: a virtual display with a window manager and a session bus.
+
+As a program, `desktop.py COMMAND [ARGUMENT ...]` runs a command on one and gives its exit status.
+"""
+
+import contextlib
+import os
+import subprocess
+import sys
+import time
+
+SCREEN = "1280x800x24"
+
+
+def end(process, grace=10):
+    """Ends a process that was started here, and waits for it."""
+    if process.poll() is None:
+        process.terminate()
+        try:
+            process.wait(grace)
+        except subprocess.TimeoutExpired:
+            process.kill()
+    process.wait()
+
+
+def wait_for(condition, seconds=15, interval=0.05):
+    """Waits until the condition gives something true, and gives it, or the last value."""
+    deadline = time.monotonic() + seconds
+    value = condition()
+    while not value and time.monotonic() < deadline:
+        time.sleep(interval)
+        value = condition()
+    return value
+
+
+def _start_display():
+    """A virtual display on a free number of the server's own choice."""
+    reader, writer = os.pipe()
+    server = subprocess.Popen(
+        ["Xvfb", "-displayfd", str(writer), "-screen", "0", SCREEN, "-nolisten", "tcp"],
+        pass_fds=[writer], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    os.close(writer)
+    with os.fdopen(reader) as pipe:
+        number = pipe.readline().strip()
+    if not number:
+        raise RuntimeError("Xvfb does not start")
+    return server, ":" + number
+
+
+def _start_bus(environment):
+    bus = subprocess.Popen(["dbus-daemon", "--session", "--nofork", "--print-address=1"],
+                           stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True,
+                           env=environment)
+    return bus, bus.stdout.readline().strip()
+
+
+@contextlib.contextmanager
+def desktop(environment=None):
+    """Yields an environment for programs that are to run on a new desktop."""
+    environment = dict(environment if environment is not None else os.environ)
+    environment.pop("WAYLAND_DISPLAY", None)
+    with contextlib.ExitStack() as stack:
+        server, environment["DISPLAY"] = _start_display()
+        stack.callback(end, server)
+        bus, environment["DBUS_SESSION_BUS_ADDRESS"] = _start_bus(environment)
+        stack.callback(end, bus)
+        manager = subprocess.Popen(["openbox"], env=environment, stdout=subprocess.DEVNULL,
+                                   stderr=subprocess.DEVNULL)
+        stack.callback(end, manager)
+        wait_for(lambda: "_NET_SUPPORTING_WM_CHECK(WINDOW)" in subprocess.run(
+            ["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"], env=environment, text=True,
+            capture_output=True, check=False).stdout)
+        yield environment
+
+
+def screenshot(environment, path):
+    subprocess.run(["import", "-window", "root", path], env=environment, check=True)
+
+
+if __name__ == "__main__":
+    with desktop() as own:
+        sys.exit(subprocess.run(sys.argv[1:], env=own, check=False).returncode)
