@@ -61,7 +61,8 @@ void ProgressSheet::place() {
     // It covers the message, the content's first item, whole, so that no half lines look out from
     // under it, and leaves the buttons below it visible.
     const QLayout* layout = content_ ? content_->layout() : nullptr;
-    const QRect message = layout != nullptr ? layout->itemAt(0)->geometry() : parentWidget()->rect();
+    const QRect message =
+        layout != nullptr ? layout->itemAt(0)->geometry() : parentWidget()->rect();
     const QRect space(message.left(), 0, message.width(), message.bottom() + kOverlap);
     setGeometry(space.united({space.topLeft(), minimumSizeHint()}));
     if (backdrop_) {

@@ -14,8 +14,9 @@ class ProgressSheet final : public QFrame {
     /// @param parent the window that it hangs in and that the backdrop covers; not null.
     explicit ProgressSheet(QWidget* parent);
 
-    /// Shows the sheet and begins its modal session: `content`, the window's content, takes no input
-    /// until endSheet(). The sheet covers the first item of its layout and leaves the rest visible.
+    /// Shows the sheet and begins its modal session: `content`, the window's content, takes no
+    /// input until endSheet(). The sheet covers the first item of its layout and leaves the rest
+    /// visible.
     void beginSheet(QWidget& content);
     /// Ends the modal session. The sheet stays on the screen.
     void endSheet(int returnCode);

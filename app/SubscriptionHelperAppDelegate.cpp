@@ -139,9 +139,13 @@ void SubscriptionHelperAppDelegate::presentWindow() {
     mainButton_->setFocus();
 }
 
-void SubscriptionHelperAppDelegate::mainButton() { exitApp(); }
+void SubscriptionHelperAppDelegate::mainButton() {
+    exitApp();
+}
 
-void SubscriptionHelperAppDelegate::cancelButton() { exitApp(); }
+void SubscriptionHelperAppDelegate::cancelButton() {
+    exitApp();
+}
 
 void SubscriptionHelperAppDelegate::exitApp() {
     // Not quit(), which asks the windows first: one with a modal sheet would refuse.

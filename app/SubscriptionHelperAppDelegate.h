@@ -52,23 +52,24 @@ class SubscriptionHelperAppDelegate final : public QObject {
     /// the window. Each call starts one worker.
     void startCancellation() noexcept;
     /// The removal worker: cancels the subscription at the store service, or opens the customer's
-    /// account page when that fails; starts the uninstaller; moves the helper's bundle to the Trash.
-    /// Each step is announced on the sheet and runs whatever became of the one before. At the end
-    /// waits until the sheet's modal session is ended. Not for the main thread.
+    /// account page when that fails; starts the uninstaller; moves the helper's bundle to the
+    /// Trash. Each step is announced on the sheet and runs whatever became of the one before. At
+    /// the end waits until the sheet's modal session is ended. Not for the main thread.
     void cancelSubscriptionAndLaunchUninstaller() noexcept;
     /// Shows a progress text on the sheet.
     void updateProgress(const QString& text);
     /// Ends the sheet's modal session with return code 1. The sheet stays on the screen and its
     /// spinner turns on.
     void cancelProgress();
-    /// Moves the helper's own bundle to the Trash. Gives false, with one log line, when it could not
-    /// be moved. Any thread.
+    /// Moves the helper's own bundle to the Trash. Gives false, with one log line, when it could
+    /// not be moved. Any thread.
     [[nodiscard]] static bool trashMe();
 
     /// Whether a removal worker runs. Any thread.
     [[nodiscard]] bool isRemoving() const { return workers_ > 0; }
 
-    /// The address of the customer's account page as the store service sent it, or none. Any thread.
+    /// The address of the customer's account page as the store service sent it, or none. Any
+    /// thread.
     [[nodiscard]] AtomicText::Value customerURL() const { return customerURL_.get(); }
     void setCustomerURL(AtomicText::Value url) { customerURL_.set(std::move(url)); }
     /// The user's subscription reference, or none. Any thread.

@@ -52,7 +52,9 @@ void SubscriptionHelperAppDelegate::updateProgress(const QString& text) {
     progressLabel_->setText(text);
 }
 
-void SubscriptionHelperAppDelegate::cancelProgress() { progressSheet_->endSheet(1); }
+void SubscriptionHelperAppDelegate::cancelProgress() {
+    progressSheet_->endSheet(1);
+}
 
 bool SubscriptionHelperAppDelegate::trashMe() {
     const auto bundle = platform::Bundle::mainBundle();

@@ -20,6 +20,8 @@ QString localized(std::string_view key) {
                                       : platform::formatText(text, {productName(), productName()}));
 }
 
-std::string productName() { return entry("Product Name"); }
+std::string productName() {
+    return entry("Product Name");
+}
 
 } // namespace app

@@ -22,7 +22,7 @@ int runApplication(const platform::Bundle& bundle, int argumentCount, char** arg
         return EXIT_FAILURE;
     }
     return reinterpret_cast<decltype(&subscriptionHelperApplicationMain)>(function)(argumentCount,
-                                                                                   arguments);
+                                                                                    arguments);
 }
 
 } // namespace

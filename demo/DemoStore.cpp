@@ -106,9 +106,9 @@ std::optional<std::string> DemoStore::accountPage(const std::string& reference) 
     leaf(printer, "h1", "Your account");
     leaf(printer, "p", subscription.firstName + " " + subscription.lastName);
     leaf(printer, "p", "Subscription " + reference + ": " + subscription.status);
-    leaf(printer, "p", subscription.isCancelable
-                           ? "You can cancel this subscription at any time."
-                           : "To cancel this subscription, write to support@example.com.");
+    leaf(printer, "p",
+         subscription.isCancelable ? "You can cancel this subscription at any time."
+                                   : "To cancel this subscription, write to support@example.com.");
     printer.CloseElement();
     printer.CloseElement();
     return printer.CStr();

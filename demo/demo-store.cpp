@@ -1,5 +1,5 @@
-// The demo store service: answers the helper's requests on the loopback interface from state that it
-// keeps in memory, and prints one line for each request.
+// The demo store service: answers the helper's requests on the loopback interface from state that
+// it keeps in memory, and prints one line for each request.
 
 #include "demo/DemoStore.h"
 
@@ -57,8 +57,8 @@ void serve(httplib::Server& server, demo::DemoStore& store, const Operations& op
                    }
                });
     server.set_logger([](const httplib::Request& request, const httplib::Response& response) {
-        std::cout << request.method + " " + request.target + " " +
-                         std::to_string(response.status) + "\n"
+        std::cout << request.method + " " + request.target + " " + std::to_string(response.status) +
+                         "\n"
                   << std::flush;
     });
 }
@@ -68,9 +68,10 @@ void serve(httplib::Server& server, demo::DemoStore& store, const Operations& op
 int main(int argumentCount, char** arguments) {
     int port = kDefaultPort;
     int delay = 0;
-    CLI::App command("The demo store service, on the loopback interface. Prints its address and one "
-                     "line for each request.\nSubscriptions: DEMO-1001, DEMO-1002, and DEMO-KEEP, "
-                     "which refuses to be canceled.");
+    CLI::App command(
+        "The demo store service, on the loopback interface. Prints its address and one "
+        "line for each request.\nSubscriptions: DEMO-1001, DEMO-1002, and DEMO-KEEP, "
+        "which refuses to be canceled.");
     command.add_option("PORT", port, "The port to listen on; 0 for any")
         ->check(CLI::Range(0, 65535))
         ->capture_default_str();
@@ -82,6 +83,11 @@ int main(int argumentCount, char** arguments) {
     demo::DemoStore store;
     const Operations operations = operationsOf(store, std::chrono::milliseconds(delay));
     httplib::Server server;
+    // So that a store can follow one that just ended, but never listen beside one that runs.
+    server.set_socket_options([](socket_t socket) {
+        const int yes = 1;
+        setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    });
     serve(server, store, operations);
     const std::string host = "127.0.0.1";
     if (port == 0) {

@@ -51,7 +51,9 @@ bool copyItem(const fs::path& source, const fs::path& target) {
 
 } // namespace
 
-std::string HelperUtilities::storeID() { return configured("storeid"); }
+std::string HelperUtilities::storeID() {
+    return configured("storeid");
+}
 
 bool HelperUtilities::trash(const fs::path& path) {
     // A trailing slash does not make the last component empty.

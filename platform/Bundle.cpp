@@ -27,14 +27,15 @@ bool isFile(const std::filesystem::path& path) {
 
 } // namespace
 
-std::optional<Bundle> Bundle::mainBundle() { return around(executablePath()); }
+std::optional<Bundle> Bundle::mainBundle() {
+    return around(executablePath());
+}
 
 std::optional<Bundle> Bundle::around(const std::filesystem::path& executable) {
     const auto contents = executable.parent_path().parent_path();
     const auto path = contents.parent_path();
     if (!executable.is_absolute() || path.extension() != ".app" ||
-        executable.parent_path() != executableDirectory(path) ||
-        !isFile(contents / "Info.plist")) {
+        executable.parent_path() != executableDirectory(path) || !isFile(contents / "Info.plist")) {
         return std::nullopt;
     }
     return Bundle(path);
@@ -44,7 +45,9 @@ std::filesystem::path Bundle::executableOf(const std::filesystem::path& bundlePa
     return executableDirectory(bundlePath) / bundlePath.stem();
 }
 
-std::filesystem::path Bundle::frameworksPath() const { return path_ / "Contents" / "Frameworks"; }
+std::filesystem::path Bundle::frameworksPath() const {
+    return path_ / "Contents" / "Frameworks";
+}
 
 std::optional<std::filesystem::path>
 Bundle::pathForAuxiliaryExecutable(std::string_view name) const {

@@ -23,7 +23,8 @@ class Bundle {
 
     /// The program that an application bundle at `bundlePath` is launched by: the file named as the
     /// bundle, without `.app`, in its executable directory. It need not exist.
-    [[nodiscard]] static std::filesystem::path executableOf(const std::filesystem::path& bundlePath);
+    [[nodiscard]] static std::filesystem::path
+    executableOf(const std::filesystem::path& bundlePath);
 
     /// The bundle's directory, as an absolute path without a trailing slash.
     [[nodiscard]] const std::filesystem::path& bundlePath() const { return path_; }
@@ -43,7 +44,8 @@ class Bundle {
     pathForResource(std::string_view fileName) const;
 
     /// The text under `key` in the strings table `table` of the bundle, exactly as it stands there.
-    /// When the table, or the key in it, is missing: `value`, or the key itself if `value` is empty.
+    /// When the table, or the key in it, is missing: `value`, or the key itself if `value` is
+    /// empty.
     [[nodiscard]] std::string localizedString(std::string_view key, std::string_view value = "",
                                               std::string_view table = "Localizable") const;
 

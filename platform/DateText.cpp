@@ -50,12 +50,10 @@ std::string dateText(sys_seconds moment) {
     const year_month_day date{midnight};
     const hh_mm_ss time{moment - midnight};
     char text[64];
-    const int length =
-        std::snprintf(text, sizeof text, "%04d-%02u-%02uT%02d:%02d:%02dZ", int{date.year()},
-                      unsigned{date.month()}, unsigned{date.day()},
-                      static_cast<int>(time.hours().count()),
-                      static_cast<int>(time.minutes().count()),
-                      static_cast<int>(time.seconds().count()));
+    const int length = std::snprintf(
+        text, sizeof text, "%04d-%02u-%02uT%02d:%02d:%02dZ", int{date.year()},
+        unsigned{date.month()}, unsigned{date.day()}, static_cast<int>(time.hours().count()),
+        static_cast<int>(time.minutes().count()), static_cast<int>(time.seconds().count()));
     return {text, static_cast<std::size_t>(length)};
 }
 
@@ -72,9 +70,9 @@ std::optional<Moment> momentFromText(std::string_view text) {
     if (!hasShape(text)) {
         return std::nullopt;
     }
-    const auto second = pointInTime({digits(text, 0, 4), digits(text, 5, 2), digits(text, 8, 2),
-                                     digits(text, 11, 2), digits(text, 14, 2),
-                                     digits(text, 17, 2)});
+    const auto second =
+        pointInTime({digits(text, 0, 4), digits(text, 5, 2), digits(text, 8, 2),
+                     digits(text, 11, 2), digits(text, 14, 2), digits(text, 17, 2)});
     if (!second) {
         return std::nullopt;
     }

@@ -57,7 +57,8 @@ bool configure(CURL* handle, const URL& url, Transfer& transfer) {
            set(handle, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limits.connect.count())) &&
            set(handle, CURLOPT_TIMEOUT_MS, static_cast<long>(limits.whole.count())) &&
            set(handle, CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(limits.body)) &&
-           set(handle, CURLOPT_WRITEFUNCTION, takeBody) && set(handle, CURLOPT_WRITEDATA, &transfer) &&
+           set(handle, CURLOPT_WRITEFUNCTION, takeBody) &&
+           set(handle, CURLOPT_WRITEDATA, &transfer) &&
            set(handle, CURLOPT_HEADERFUNCTION, countHeader) &&
            set(handle, CURLOPT_HEADERDATA, &transfer);
 }

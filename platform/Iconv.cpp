@@ -30,7 +30,9 @@ Iconv::~Iconv() {
     }
 }
 
-bool Iconv::isValid() const { return handle_ != kNone; }
+bool Iconv::isValid() const {
+    return handle_ != kNone;
+}
 
 std::optional<std::string> Iconv::convert(std::string_view text) const {
     iconv(handle_, nullptr, nullptr, nullptr, nullptr);

@@ -55,9 +55,10 @@ std::string programName() {
 
 void log(std::string_view format, std::initializer_list<TextArgument> arguments) {
     const std::string message = escaped(formatText(format, arguments));
-    const auto now = std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now());
-    const std::string line = formatText("%@ %@[%@] %@\n", {dateText(now), programName(),
-                                                          std::to_string(getpid()), message});
+    const auto now =
+        std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now());
+    const std::string line = formatText(
+        "%@ %@[%@] %@\n", {dateText(now), programName(), std::to_string(getpid()), message});
     // One write, so that the lines of several threads do not mix.
     if (write(STDERR_FILENO, line.data(), line.size()) < 0) {
         // Standard error may be closed; the system log still gets the message.
@@ -65,6 +66,8 @@ void log(std::string_view format, std::initializer_list<TextArgument> arguments)
     syslog(LOG_USER | LOG_NOTICE, "%s", message.c_str());
 }
 
-void logUncaughtFailures() { std::set_terminate(logAndAbort); }
+void logUncaughtFailures() {
+    std::set_terminate(logAndAbort);
+}
 
 } // namespace platform

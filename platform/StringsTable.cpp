@@ -83,8 +83,8 @@ class Parser {
     }
 
     [[nodiscard]] auto line() const {
-        return 1 + std::count(text_.begin(), text_.begin() + static_cast<std::ptrdiff_t>(at_),
-                              u'\n');
+        return 1 +
+               std::count(text_.begin(), text_.begin() + static_cast<std::ptrdiff_t>(at_), u'\n');
     }
 
   private:
@@ -117,9 +117,7 @@ class Parser {
         at_ = found + end.size();
     }
 
-    std::string token(const char* expected) {
-        return take(u'"') ? quoted() : bare(expected);
-    }
+    std::string token(const char* expected) { return take(u'"') ? quoted() : bare(expected); }
 
     std::string bare(const char* expected) {
         const auto start = at_;

@@ -10,8 +10,9 @@ namespace platform {
 /// A strings table by key, both in UTF-8.
 using StringsTable = std::map<std::string, std::string, std::less<>>;
 
-/// Reads a `.strings` file: `key = "value";` entries with quoted or bare keys and values, slash-star
-/// and double-slash comments, and the escapes `\n \t \r \f \b \a \v \" \' \\ \NNN` (octal) and
+/// Reads a `.strings` file: `key = "value";` entries with quoted or bare keys and values,
+/// slash-star and double-slash comments, and the escapes `\n \t \r \f \b \a \v \" \' \\ \NNN`
+/// (octal) and
 /// `\UXXXX` (a UTF-16 code unit). An entry without a value (`key;`) stands for itself; of a key
 /// that occurs twice the first entry counts. The file is UTF-8, or UTF-16 with a byte order mark,
 /// of at most 1 MiB.

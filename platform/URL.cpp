@@ -32,8 +32,8 @@ bool hasOnlyWholeTriples(std::string_view text) {
     return true;
 }
 
-/// Whether a non-empty host follows the scheme, brackets stand in it only, and at most one '#' stands
-/// at all.
+/// Whether a non-empty host follows the scheme, brackets stand in it only, and at most one '#'
+/// stands at all.
 bool hasDelimitersInPlace(std::string_view text) {
     constexpr std::string_view kDelimiter = "://";
     const auto scheme = text.find(':');
@@ -64,8 +64,8 @@ bool isWebURL(const std::string& text) {
 
 std::optional<URL> URL::make(std::string_view text) {
     std::string copy(text);
-    if (!std::all_of(text.begin(), text.end(), isAllowed) ||
-        !hasOnlyWholeTriples(text) || !hasDelimitersInPlace(text) || !isWebURL(copy)) {
+    if (!std::all_of(text.begin(), text.end(), isAllowed) || !hasOnlyWholeTriples(text) ||
+        !hasDelimitersInPlace(text) || !isWebURL(copy)) {
         return std::nullopt;
     }
     return URL(std::move(copy));

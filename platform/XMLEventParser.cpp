@@ -77,9 +77,8 @@ class Run {
         if (++run.depth_ > XMLEventParser::kDeepestNesting) {
             run.stop();
         }
-        run.deliver([=](auto& delegate) {
-            delegate.didStartElement(name, XMLAttributes(attributes));
-        });
+        run.deliver(
+            [=](auto& delegate) { delegate.didStartElement(name, XMLAttributes(attributes)); });
     }
 
     static void endElement(void* context, const char* name) {

@@ -26,7 +26,9 @@ std::string lowercased(std::string_view text) {
     return result;
 }
 
-bool flagFromText(std::string_view text) { return lowercased(text) == "true"; }
+bool flagFromText(std::string_view text) {
+    return lowercased(text) == "true";
+}
 
 std::uint64_t numberFromText(std::string_view text) {
     text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));

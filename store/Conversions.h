@@ -15,8 +15,8 @@ namespace store {
 [[nodiscard]] bool flagFromText(std::string_view text);
 
 /// Reads leading white space, a sign and decimal digits up to the first other character as a signed
-/// 64-bit integer (no digits give 0, beyond the range gives the nearest limit) and takes its 64 bits
-/// as unsigned: "-1" gives 18446744073709551615.
+/// 64-bit integer (no digits give 0, beyond the range gives the nearest limit) and takes its 64
+/// bits as unsigned: "-1" gives 18446744073709551615.
 [[nodiscard]] std::uint64_t numberFromText(std::string_view text);
 
 } // namespace store

@@ -12,10 +12,10 @@
 
 namespace store {
 
-/// A member of a record that an element can fill. Its type says how the element's text is converted.
+/// A member of a record that an element can fill. Its type says how the element's text is
+/// converted.
 template <class Record>
-using Property =
-    std::variant<Text Record::*, Date Record::*, Number Record::*, bool Record::*>;
+using Property = std::variant<Text Record::*, Date Record::*, Number Record::*, bool Record::*>;
 
 /// One row of an element table: a lowercased element name and the property it fills.
 template <class Record>

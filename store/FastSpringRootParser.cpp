@@ -18,8 +18,8 @@ constexpr std::string_view kDayPattern = "yyyy-MM-dd";
 constexpr std::string_view kTimestampPattern = "yyyy-MM-ddTHH:mm:ss";
 
 constexpr std::array kPatternFields = {
-    std::pair{'y', &CalendarTime::year}, std::pair{'M', &CalendarTime::month},
-    std::pair{'d', &CalendarTime::day},  std::pair{'H', &CalendarTime::hour},
+    std::pair{'y', &CalendarTime::year},   std::pair{'M', &CalendarTime::month},
+    std::pair{'d', &CalendarTime::day},    std::pair{'H', &CalendarTime::hour},
     std::pair{'m', &CalendarTime::minute}, std::pair{'s', &CalendarTime::second},
 };
 
@@ -123,8 +123,12 @@ void FastSpringRootParser::foundCharacters(std::string_view characters) {
     }
 }
 
-void FastSpringRootParser::parseErrorOccurred() { isParsingError = true; }
+void FastSpringRootParser::parseErrorOccurred() {
+    isParsingError = true;
+}
 
-void FastSpringRootParser::parse() { parser_.parse(*this); }
+void FastSpringRootParser::parse() {
+    parser_.parse(*this);
+}
 
 } // namespace store

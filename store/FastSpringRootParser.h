@@ -47,9 +47,9 @@ class FastSpringRootParser : public platform::XMLEventParserDelegate {
 
     bool isHTMLServerError = false; ///< an element named "html" has started
     bool isParsingError = false;    ///< the answer is not well-formed to its end
-    std::optional<std::map<std::string, std::string>> elementAttributes;  ///< for callers; not set
-    std::optional<std::vector<std::string>> errors;                       ///< for callers; not set
-    std::optional<std::map<std::string, std::string>> errorAttributes;    ///< for callers; not set
+    std::optional<std::map<std::string, std::string>> elementAttributes; ///< for callers; not set
+    std::optional<std::vector<std::string>> errors;                      ///< for callers; not set
+    std::optional<std::map<std::string, std::string>> errorAttributes;   ///< for callers; not set
 
   protected:
     /// Delivers all events of the answer. What it holds is in the subclass's record afterwards,

@@ -7,25 +7,25 @@ namespace store {
 /// One subscription as the store service describes it. Every field is as sent: nothing is computed,
 /// validated or normalised. A field whose element never arrived is absent, a flag then false.
 struct FastSpringSubscription : FastSpringItem {
-    Text reference;             ///< the subscription's reference at the store service
-    Text status;                ///< its status, without a meaning given to it here
-    Date statusChangedDate;     ///< when the status last changed
-    Text statusReason;          ///< the reason sent with the status
-    bool isCancelable = false;  ///< whether the store service lets it be cancelled
-    bool isTest = false;        ///< whether the store service marks it as a test
-    Text referrer;              ///< referrer recorded for the sale
-    Text sourceName;            ///< source name recorded for the sale
-    Text sourceKey;             ///< source key recorded for the sale
-    Text sourceCampaign;        ///< source campaign recorded for the sale
-    Text customerFirstName;     ///< customer's first name
-    Text customerLastName;      ///< customer's last name
-    Text customerCompany;       ///< customer's company
-    Text customerEmail;         ///< customer's e-mail address
-    Text customerPhoneNumber;   ///< customer's phone number
-    Text customerURL;           ///< address of the customer's account page; untrusted
-    Text productName;           ///< name of the subscribed product
-    Number quantity;            ///< number of units; a negative one sent wraps round to 2^64 minus it
-    Date endDate;               ///< when the subscription ends
+    Text reference;            ///< the subscription's reference at the store service
+    Text status;               ///< its status, without a meaning given to it here
+    Date statusChangedDate;    ///< when the status last changed
+    Text statusReason;         ///< the reason sent with the status
+    bool isCancelable = false; ///< whether the store service lets it be cancelled
+    bool isTest = false;       ///< whether the store service marks it as a test
+    Text referrer;             ///< referrer recorded for the sale
+    Text sourceName;           ///< source name recorded for the sale
+    Text sourceKey;            ///< source key recorded for the sale
+    Text sourceCampaign;       ///< source campaign recorded for the sale
+    Text customerFirstName;    ///< customer's first name
+    Text customerLastName;     ///< customer's last name
+    Text customerCompany;      ///< customer's company
+    Text customerEmail;        ///< customer's e-mail address
+    Text customerPhoneNumber;  ///< customer's phone number
+    Text customerURL;          ///< address of the customer's account page; untrusted
+    Text productName;          ///< name of the subscribed product
+    Number quantity; ///< number of units; a negative one sent wraps round to 2^64 minus it
+    Date endDate;    ///< when the subscription ends
 };
 
 } // namespace store

@@ -2,6 +2,8 @@
 
 namespace store {
 
-std::string_view scriptURL() { return "http://" HELPER_STORE_HOST "/fastspring.php"; }
+std::string_view scriptURL() {
+    return "http://" HELPER_STORE_HOST "/fastspring.php";
+}
 
 } // namespace store

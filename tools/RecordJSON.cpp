@@ -7,7 +7,9 @@ namespace {
 
 using nlohmann::ordered_json;
 
-ordered_json valueJSON(bool flag) { return flag; }
+ordered_json valueJSON(bool flag) {
+    return flag;
+}
 
 ordered_json valueJSON(const store::Text& text) {
     return text ? ordered_json(*text) : ordered_json();

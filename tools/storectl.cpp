@@ -40,7 +40,8 @@ int printCancellation(bool confirmed) {
 }
 
 int printFailure(const char* reason, const std::exception& failure) {
-    return print({{"result", "failure"}, {"reason", reason}, {"message", failure.what()}}, kFailure);
+    return print({{"result", "failure"}, {"reason", reason}, {"message", failure.what()}},
+                 kFailure);
 }
 
 std::string contentOf(const std::string& file) {

@@ -26,7 +26,9 @@ struct Free {
 };
 using Text = std::unique_ptr<gchar, Free>;
 
-File fileFor(const fs::path& path) { return File(g_file_new_for_path(path.c_str())); }
+File fileFor(const fs::path& path) {
+    return File(g_file_new_for_path(path.c_str()));
+}
 
 bool isExecutableFile(const fs::path& path) {
     std::error_code error;

@@ -38,7 +38,8 @@ std::optional<std::string> UserDefaults::text(std::string_view key) const {
 
 std::optional<Moment> UserDefaults::date(std::string_view key) const {
     const QVariant value = valueOf(domain_, key);
-    const QDateTime date = value.userType() == QMetaType::QDateTime ? value.toDateTime() : QDateTime();
+    const QDateTime date =
+        value.userType() == QMetaType::QDateTime ? value.toDateTime() : QDateTime();
     if (!date.isValid()) {
         return std::nullopt;
     }

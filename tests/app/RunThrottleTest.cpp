@@ -16,12 +16,14 @@ using platform::Moment;
 
 const Moment kNow = platform::momentFromText("2026-03-15T08:30:00.000000Z").value();
 
-Moment fixedNow() { return kNow; }
+Moment fixedNow() {
+    return kNow;
+}
 
 TEST(RunThrottle, CountsARunAsRecentWithinItsBounds) {
     const std::pair<Moment::duration, bool> rows[] = {
-        {0us, true},          {-1us, true},        {-4h + 1us, true}, {-4h, false},
-        {-4h - 1us, false},   {1us, false},        {24h, false},      {-365 * 24h, false},
+        {0us, true},        {-1us, true}, {-4h + 1us, true}, {-4h, false},
+        {-4h - 1us, false}, {1us, false}, {24h, false},      {-365 * 24h, false},
     };
     for (const auto& [distance, recent] : rows) {
         EXPECT_EQ(isRecentRun(kNow + distance, fixedNow), recent) << distance.count();

@@ -23,7 +23,9 @@ class BundleTest : public testing::Test {
 };
 
 TEST_F(BundleTest, IsFoundAroundItsExecutableAndNothingElseIs) {
-    for (const char* name : {"Plain.app", "With blanks 'and quotes'.app", "\xc3\x9c" "ber.app"}) {
+    for (const char* name : {"Plain.app", "With blanks 'and quotes'.app",
+                             "\xc3\x9c"
+                             "ber.app"}) {
         const test::TestBundle bundle(folder_ / name);
         bundle.asMainBundle();
         ASSERT_TRUE(Bundle::mainBundle()) << name;
@@ -65,7 +67,8 @@ TEST_F(BundleTest, LooksTextsUpInTheOrderOfLanguages) {
     EXPECT_EQ(bundle->localizedString("missing", "default"), "default");
     EXPECT_EQ(bundle->localizedString("key", "", "NoTable"), "key");
     setenv("LC_ALL", "de_AT.UTF-8", 1);
-    EXPECT_EQ(bundle->localizedString("Close"), "Schlie\xc3\x9f" "en");
+    EXPECT_EQ(bundle->localizedString("Close"), "Schlie\xc3\x9f"
+                                                "en");
     // A copy directly among the resources goes before every language, and is read anew.
     files.withResource("Localizable.strings", "\"Close\" = \"Any\";");
     EXPECT_EQ(bundle->localizedString("Close"), "Any");

@@ -26,19 +26,26 @@ struct Row {
 TEST(StringsTable, ReadsTheWholeSyntax) {
     const Row rows[] = {
         {"nothing", "", {}},
-        {"quoted and bare words", "\"a b\" = \"c\"; storeid = acme-1.x;",
+        {"quoted and bare words",
+         "\"a b\" = \"c\"; storeid = acme-1.x;",
          {{"a b", "c"}, {"storeid", "acme-1.x"}}},
-        {"comments", "/* one \n * two */ a = \"b\"; // c = \"d\";\n e=f;//", {{"a", "b"}, {"e", "f"}}},
+        {"comments",
+         "/* one \n * two */ a = \"b\"; // c = \"d\";\n e=f;//",
+         {{"a", "b"}, {"e", "f"}}},
         {"an empty value", "\"a\" = \"\";", {{"a", ""}}},
         {"a key that stands for itself", "\"a\"; b;", {{"a", "a"}, {"b", "b"}}},
         {"the first of two", "a = 1; a = 2;", {{"a", "1"}}},
-        {"escapes", R"("\"\\\n\t\U00e9\101\q" = "\UD83D\UDE00";)",
+        {"escapes",
+         R"("\"\\\n\t\U00e9\101\q" = "\UD83D\UDE00";)",
          {{"\"\\\n\t\xc3\xa9"
            "Aq",
            "\xf0\x9f\x98\x80"}}},
         {"line breaks in a text", "a = \"b\nc\";", {{"a", "b\nc"}}},
         {"a mark of UTF-8", "\xef\xbb\xbf\"\xc3\xa9\" = b;", {{"\xc3\xa9", "b"}}},
-        {"UTF-16, little end first", std::string("\xff\xfe" "a\0=\0b\0;\0", 10),
+        {"UTF-16, little end first",
+         std::string("\xff\xfe"
+                     "a\0=\0b\0;\0",
+                     10),
          {{"a", "b"}}},
         {"UTF-16, big end first", std::string("\xfe\xff\0a\0=\0b\0;", 10), {{"a", "b"}}},
     };
@@ -58,7 +65,10 @@ TEST(StringsTable, IsEmptyWithOneLineAboutTheFirstError) {
         {"a = \"\\", "expected an escaped character"},
         {"a = \"\\UD83D\";", "expected whole surrogate pairs"},
         {"a = \"\xe9\";", "expected text in UTF-8"},
-        {std::string("\xff\xfe" "a", 3), "expected text in UTF-16LE"},
+        {std::string("\xff\xfe"
+                     "a",
+                     3),
+         "expected text in UTF-16LE"},
     };
     for (const auto& [bytes, expected] : rows) {
         testing::internal::CaptureStderr();

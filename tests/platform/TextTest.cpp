@@ -1,6 +1,6 @@
+#include "platform/Text.h"
 #include "platform/DateText.h"
 #include "platform/Log.h"
-#include "platform/Text.h"
 #include "platform/UserLanguages.h"
 
 #include <algorithm>
@@ -50,10 +50,9 @@ TEST(DateText, RoundsTripsMomentsAndRefusesOtherTexts) {
         ASSERT_TRUE(moment) << text;
         EXPECT_EQ(dateText(*moment), text);
     }
-    for (const char* text :
-         {"", "yesterday", "2026-01-31T08:30:00Z", "2026-01-31 08:30:00.000001Z",
-          "2026-02-29T00:00:00.000000Z", "2026-01-31T24:00:00.000000Z",
-          "2026-01-31T08:30:00.000001Z ", "2026-01-31T08:30:00.-00001Z"}) {
+    for (const char* text : {"", "yesterday", "2026-01-31T08:30:00Z", "2026-01-31 08:30:00.000001Z",
+                             "2026-02-29T00:00:00.000000Z", "2026-01-31T24:00:00.000000Z",
+                             "2026-01-31T08:30:00.000001Z ", "2026-01-31T08:30:00.-00001Z"}) {
         EXPECT_FALSE(momentFromText(text)) << text;
     }
 }

@@ -77,7 +77,8 @@ TEST_F(WorkspaceTest, StartsExecutablesAndBundlesThemselves) {
 TEST_F(WorkspaceTest, OpensOtherFilesWithTheirDefaultApplication) {
     const auto applications = TestHome::path() / "data" / "applications";
     const auto opened = (folder_ / "opened").native();
-    test::writeFile(folder_ / "opener", "#!/bin/sh\nprintf '%s|' \"$@\" > '" + opened + "'\n", true);
+    test::writeFile(folder_ / "opener", "#!/bin/sh\nprintf '%s|' \"$@\" > '" + opened + "'\n",
+                    true);
     test::writeFile(applications / "opener.desktop",
                     "[Desktop Entry]\nType=Application\nName=Opener\nExec=\"" +
                         (folder_ / "opener").native() + "\" %u\n");

@@ -56,8 +56,10 @@ TEST(XMLEventParser, DeliversTheEventsOfADocument) {
         {"<a/><b/>", "<aa>!"},
         {"<!DOCTYPE a [<!ENTITY e 'own'>]><a>&e;</a>", "<aowna>"},
         {"<a>&undefined;</a>", "<a!"},
-        {"<?xml version='1.0' encoding='ISO-8859-1'?><a>\xe9</a>", "<a\xc3\xa9" "a>"},
-        {"<?xml version='1.0' encoding='windows-1252'?><a>\x80</a>", "<a\xe2\x82\xac" "a>"},
+        {"<?xml version='1.0' encoding='ISO-8859-1'?><a>\xe9</a>", "<a\xc3\xa9"
+                                                                   "a>"},
+        {"<?xml version='1.0' encoding='windows-1252'?><a>\x80</a>", "<a\xe2\x82\xac"
+                                                                     "a>"},
         {"<?xml version='1.0' encoding='no-such'?><a/>", "!"},
         {"<a>\xff</a>", "<a!"},
         {std::string("\xff\xfe<\0a\0/\0>\0", 10), "<aa>"},

@@ -125,7 +125,9 @@ TEST(Conversions, TakeOnlyTrueForTrue) {
 
 TEST(Conversions, LowercaseWhatCanBecomeAnAsciiLetter) {
     EXPECT_EQ(lowercased("CustomerURL"), "customerurl");
-    EXPECT_EQ(lowercased("source\xe2\x84\xaa" "ey\xe2\x84\xaa"), "sourcekeyk");
+    EXPECT_EQ(lowercased("source\xe2\x84\xaa"
+                         "ey\xe2\x84\xaa"),
+              "sourcekeyk");
     EXPECT_EQ(lowercased("C\xc4\xb0TY\xc3\x89"), "c\xc4\xb0ty\xc3\x89");
 }
 

@@ -115,7 +115,8 @@ TEST(SubscriptionParser, TakesEachFieldByItsNameAlone) {
 }
 
 TEST(SubscriptionParser, ClearsADateThatDoesNotMatch) {
-    const auto record = parsed("<subscription><end>2012-03-15Z</end><end>soonZ</end></subscription>");
+    const auto record =
+        parsed("<subscription><end>2012-03-15Z</end><end>soonZ</end></subscription>");
     ASSERT_TRUE(record);
     EXPECT_FALSE(record->endDate);
 }

@@ -20,16 +20,22 @@ std::string& testScriptURL() {
 } // namespace
 
 namespace platform {
-const std::filesystem::path& executablePath() { return testExecutable(); }
+const std::filesystem::path& executablePath() {
+    return testExecutable();
+}
 } // namespace platform
 
 namespace store {
-std::string_view scriptURL() { return testScriptURL(); }
+std::string_view scriptURL() {
+    return testScriptURL();
+}
 } // namespace store
 
 namespace test {
 
-void setExecutablePath(const std::filesystem::path& path) { testExecutable() = path; }
+void setExecutablePath(const std::filesystem::path& path) {
+    testExecutable() = path;
+}
 
 void setStorePort(int port) {
     testScriptURL() = "http://127.0.0.1:" + std::to_string(port) + "/fastspring.php";

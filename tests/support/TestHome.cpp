@@ -54,7 +54,9 @@ TestHome::TestHome() {
     }
 }
 
-const fs::path& TestHome::path() { return directory().path; }
+const fs::path& TestHome::path() {
+    return directory().path;
+}
 
 fs::path TestHome::trashedFile(const std::string& name) {
     return path() / "data" / "Trash" / "files" / name;

@@ -21,7 +21,8 @@ class TestHome {
 };
 
 /// Writes a file, with the directories around it.
-void writeFile(const std::filesystem::path& path, std::string_view content, bool executable = false);
+void writeFile(const std::filesystem::path& path, std::string_view content,
+               bool executable = false);
 [[nodiscard]] std::string readFile(const std::filesystem::path& path);
 /// Waits, for at most ten seconds, until the file is there; gives whether it is.
 [[nodiscard]] bool appears(const std::filesystem::path& path);

@@ -63,6 +63,7 @@ def desktop(environment=None):
         server, environment["DISPLAY"] = _start_display()
         stack.callback(end, server)
         bus, environment["DBUS_SESSION_BUS_ADDRESS"] = _start_bus(environment)
+        stack.callback(bus.stdout.close)
         stack.callback(end, bus)
         manager = subprocess.Popen(["openbox"], env=environment, stdout=subprocess.DEVNULL,
                                    stderr=subprocess.DEVNULL)

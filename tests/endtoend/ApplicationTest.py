@@ -1,0 +1,232 @@
+"""The helper as its users meet it: the real bundle, store, window and Trash, from outside."""
+
+import contextlib
+import http.server
+import re
+import shutil
+import signal
+import subprocess
+import threading
+import time
+import unittest
+
+from support import BUILD, SANITIZE, TestCase
+from desktop import desktop, wait_for
+from stage import Store, Window
+
+NO_DISPLAY = "No window can be shown"
+
+
+@contextlib.contextmanager
+def answering(body):
+    """A store service on the store's port that gives one answer to every request."""
+    class Handler(http.server.BaseHTTPRequestHandler):
+        def do_GET(self):  # pylint: disable=invalid-name
+            self.send_response(200)
+            self.end_headers()
+            self.wfile.write(body.encode())
+
+        def log_message(self, *_):  # pylint: disable=arguments-differ
+            pass
+
+    server = http.server.ThreadingHTTPServer(("127.0.0.1", 8642), Handler)
+    threading.Thread(target=server.serve_forever, daemon=True).start()
+    try:
+        yield
+    finally:
+        server.shutdown()
+        server.server_close()
+
+
+class StartTest(TestCase):
+    """Starts that end before there is a window."""
+
+    def test_without_a_display_it_says_so_once(self):
+        stage = self.make_stage()
+        for display in ({}, {"DISPLAY": ":4711"}):
+            base = {"PATH": "/usr/bin:/bin"} | display
+            stage.forget_last_run()
+            status, log, _ = stage.run(base)
+            self.assertEqual(status, 1, log)
+            self.assertEqual(len(log.splitlines()), 1, log)
+            self.assertIn(NO_DISPLAY, log)
+
+    def test_of_simultaneous_starts_exactly_one_goes_on(self):
+        # The one that goes on notices that there is no display and ends with status 1.
+        stage = self.make_stage()
+        starts = [stage.start({"PATH": "/usr/bin"}) for _ in range(100)]
+        results = [(process.communicate()[1], process.returncode) for process in starts]
+        statuses = [status for _, status in results]
+        self.assertEqual(statuses.count(1), 1, results)
+        self.assertEqual(statuses.count(0), 99, results)
+        self.assertIsNotNone(stage.last_run())
+
+    def test_a_throttled_start_loads_neither_qt_nor_curl(self):
+        stage = self.make_stage()
+        base = {"PATH": "/usr/bin", "LD_DEBUG": "files"}
+        libraries = re.compile(r"calling init: .*/(libQt6|libcurl|libgio|SubscriptionHelperApp)")
+        _, log, _ = stage.run(base)
+        self.assertRegex(log, libraries)  # a start that goes on does load them
+        stored = stage.last_run()
+        status, log, _ = stage.run(base)
+        self.assertEqual(status, 0)
+        self.assertIn("calling init", log)
+        self.assertNotRegex(log, libraries)
+        self.assertEqual(stage.last_run(), stored)
+
+    def test_outside_a_bundle_it_does_nothing(self):
+        stage = self.make_stage()
+        lonely = self.folder / "lonely"
+        shutil.copy(stage.program(), lonely)
+        result = subprocess.run([lonely], env=stage.environment(), text=True, capture_output=True,
+                                check=False)
+        self.assertEqual(result.returncode, 1)
+        self.assertIn("Not started from an application bundle", result.stderr)
+        self.assertIsNone(stage.last_run())
+        self.assertTrue(lonely.exists())
+
+    def test_without_a_home_it_goes_on_with_one_line(self):
+        stage = self.make_stage()
+        environment = stage.environment({"PATH": "/usr/bin"})
+        for home in ("/proc/none", None):
+            environment.pop("HOME", None)
+            if home:
+                environment["HOME"] = home
+            result = subprocess.run([stage.program()], env=environment, text=True,
+                                    capture_output=True, check=False)
+            self.assertEqual(result.returncode, 1)
+            self.assertIn("The time of this run cannot be stored", result.stderr)
+            self.assertIn(NO_DISPLAY, result.stderr)
+
+
+class DesktopTest(TestCase):
+    """Runs on a desktop."""
+
+    @classmethod
+    def setUpClass(cls):
+        cls.stack = contextlib.ExitStack()
+        cls.desktop = cls.stack.enter_context(desktop())
+        cls.window = Window(cls.desktop)
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.stack.close()
+
+    def begin(self, stage):
+        process = stage.start(self.desktop)
+        self.addCleanup(process.stderr.close)
+        self.addCleanup(process.wait)
+        self.addCleanup(process.kill)
+        self.assertTrue(self.window.wait())
+        return process
+
+    def finish(self, process, status=0, seconds=20):
+        self.assertEqual(process.wait(seconds), status)
+        return process.stderr.read()
+
+    def test_it_ends_silently_where_there_is_no_subscription(self):
+        stage = self.make_stage()
+        answers = {
+            "nobody listens": None,
+            "an HTML page": "<html><body>Error</body></html>",
+            "no subscription": "<response><error>unknown</error></response>",
+            "nothing": "",
+        }
+        for what, answer in answers.items():
+            with self.subTest(what), answering(answer) if answer is not None \
+                    else contextlib.nullcontext():
+                stage.forget_last_run()
+                status, log, _ = stage.run(self.desktop)
+                self.assertEqual((status, log), (0, ""))
+                self.assertIsNotNone(stage.last_run())
+        with Store(BUILD) as store:
+            for reference in ("", None):
+                stage.forget_last_run()
+                file = stage.config / "com.example.acme-studio.conf"
+                file.unlink() if reference is None else stage.set_reference(reference)
+                self.assertEqual(stage.run(self.desktop)[:2], (0, ""))
+            self.assertEqual(store.requests, [])
+
+    def test_an_unreadable_date_ends_the_process_with_a_line(self):
+        stage = self.make_stage()
+        with answering("<subscription><end>2026-01-31</end></subscription>"):
+            status, log, _ = stage.run(self.desktop)
+        self.assertEqual(status, -signal.SIGABRT)
+        self.assertIn("Uncaught failure: ", log)
+
+    def test_each_way_out_of_the_window_ends_it(self):
+        stage = self.make_stage()
+        with Store(BUILD) as store:
+            for key in ("Return", "Escape", "alt+F4", "ctrl+q", "alt+c"):
+                with self.subTest(key):
+                    stage.forget_last_run()
+                    process = self.begin(stage)
+                    self.window.keys(key)
+                    self.assertEqual(self.finish(process), "")
+            self.assertEqual([line for line in store.requests if "delete" in line], [])
+        self.assertTrue(stage.bundle.exists())
+
+    def test_the_removal_from_a_place_with_a_difficult_name(self):
+        stage = self.make_stage(applications="Zo\u00eb's \"own\" place")
+        with Store(BUILD, "--delay", "1500") as store:
+            process = self.begin(stage)
+            self.window.press_remove()
+            self.assertTrue(wait_for(lambda: len(store.requests) == 1))
+            self.window.keys("alt+F4", "Return", "Escape", "space", "alt+c")  # modal: all ignored
+            self.assertTrue(wait_for(stage.trashed_bundle))
+            self.assertTrue(wait_for(stage.note.exists))
+            self.assertFalse(stage.product.exists())
+            self.assertEqual(stage.restore_path(), str(stage.bundle))
+            time.sleep(0.3)
+            # The sheet is still there and its spinner turns; the application still runs.
+            self.assertNotEqual(self.window.picture(),
+                                (time.sleep(0.25), self.window.picture())[1])
+            self.assertIsNone(process.poll())
+            self.window.keys("Return")  # and now a button ends it
+            self.assertEqual(self.finish(process), "")
+            self.assertEqual([line.split("?")[1] for line in store.requests],
+                             ["f=getsubscription&subscriptionRef=DEMO-1001 200",
+                              "f=deletesubscription&subscriptionRef=DEMO-1001 200"])
+            # A second start, from where the bundle lies now, leaves at once.
+            status, log, _ = stage.run(self.desktop, bundle=stage.trashed_bundle())
+            self.assertEqual((status, log, len(store.requests)), (0, "", 2))
+
+    def test_a_refused_cancellation_opens_the_account_page(self):
+        stage = self.make_stage(reference="DEMO-KEEP")
+        opened = self.folder / "opened"
+        browser = self.folder / "browser"
+        browser.write_text(f"#!/bin/sh\nprintf '%s\\n' \"$@\" >'{opened}.new'\n"
+                           f"mv '{opened}.new' '{opened}'\n")
+        browser.chmod(0o755)
+        stage.set_browser(f"{browser} %u")
+        with Store(BUILD):
+            process = self.begin(stage)
+            self.window.press_remove()
+            self.assertTrue(wait_for(opened.exists))
+            self.assertEqual(opened.read_text(), "http://127.0.0.1:8642/account/DEMO-KEEP\n")
+            self.assertTrue(wait_for(stage.trashed_bundle))
+            self.assertTrue(wait_for(stage.note.exists))
+            time.sleep(0.3)
+            self.window.keys("Return")
+            self.finish(process)
+
+    def test_quitting_in_the_middle_ends_at_once(self):
+        stage = self.make_stage()
+        with Store(BUILD, "--delay", "4000") as store:
+            for _ in range(10):
+                stage.forget_last_run()
+                process = self.begin(stage)
+                self.window.press_remove()
+                time.sleep(0.4)  # the store takes ten times as long to answer
+                self.assertIsNone(process.poll())
+                begin = time.monotonic()
+                self.window.keys("ctrl+q")
+                self.assertEqual(self.finish(process), "")
+                self.assertLess(time.monotonic() - begin, 3 if SANITIZE else 1)
+            self.assertTrue(wait_for(
+                lambda: sum("deletesubscription" in line for line in store.requests) == 10))
+        self.assertTrue(stage.bundle.exists())
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)

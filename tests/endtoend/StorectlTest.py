@@ -1,0 +1,81 @@
+"""The command line of the store client, against the demo store."""
+
+import json
+import subprocess
+import unittest
+
+from support import BUILD, TestCase
+from stage import Store
+
+RECORD, NONE, USAGE, FAILURE = range(4)
+PROPERTIES = ["reference", "status", "statusChangedDate", "statusReason", "isCancelable", "isTest",
+              "referrer", "sourceName", "sourceKey", "sourceCampaign", "customerFirstName",
+              "customerLastName", "customerCompany", "customerEmail", "customerPhoneNumber",
+              "customerURL", "productName", "quantity", "endDate"]
+
+
+def storectl(*words, given=None):
+    result = subprocess.run([f"{BUILD}/tools/storectl", *words], text=True, capture_output=True,
+                            input=given, check=False)
+    return result.returncode, json.loads(result.stdout) if result.stdout else result.stderr
+
+
+class StorectlTest(TestCase):
+    def test_requests(self):
+        with Store(BUILD) as store:
+            status, answer = storectl("subscription", "DEMO-1002")
+            self.assertEqual((status, answer["result"]), (RECORD, "record"))
+            self.assertEqual(list(answer["record"]), PROPERTIES)
+            self.assertEqual(answer["record"] | {"customerURL": None}, {
+                "reference": "DEMO-1002", "status": "active",
+                "statusChangedDate": "2026-03-15T08:30:00Z", "statusReason": "",
+                "isCancelable": True, "isTest": True, "referrer": None, "sourceName": None,
+                "sourceKey": None, "sourceCampaign": None, "customerFirstName": "Bob",
+                "customerLastName": "Sample & Sons", "customerCompany": "",
+                "customerEmail": "bob@example.com", "customerPhoneNumber": "+1 555 0100",
+                "customerURL": None, "productName": "acme-studio", "quantity": 1,
+                "endDate": "2027-03-15T00:00:00Z"})
+            rows = [
+                (("subscription", "unknown"), NONE, {"result": "none", "record": None}),
+                (("cancel", "DEMO-KEEP", "--store", "acme"), NONE, {"result": "refused"}),
+                (("cancel", "unknown", "--store", "acme"), NONE, {"result": "refused"}),
+                (("cancel", "--store", "acme", "DEMO-1002"), RECORD, {"result": "confirmed"}),
+                (("subscription", "two words"), NONE, {"result": "none", "record": None}),
+            ]
+            for words, status, answer in rows:
+                self.assertEqual(storectl(*words), (status, answer), words)
+            _, answer = storectl("subscription", "DEMO-1002", "--store", "acme")
+            self.assertEqual(answer["record"]["status"], "canceled")
+            self.assertNotIn("two words", "".join(store.requests))
+        self.assertEqual(storectl("subscription", "DEMO-1002")[0], NONE)  # nobody listens
+
+    def test_parse(self):
+        file = self.folder / "answer.xml"
+        file.write_text("<subscription><quantity>-1</quantity><status>&quot;\u00e9</status>")
+        status, answer = storectl("parse", "subscription", str(file))
+        self.assertEqual(status, RECORD)
+        self.assertEqual(answer["record"]["quantity"], 18446744073709551615)
+        self.assertEqual(answer["record"]["status"], '"\u00e9')
+        none = {"result": "none", "record": None}
+        self.assertEqual(storectl("parse", "subscription", "-", given=""), (NONE, none))
+        status, answer = storectl("parse", "subscription", "-", given="<a><end/></a>")
+        self.assertEqual((status, answer["result"], answer["reason"]),
+                         (FAILURE, "failure", "out_of_range"))
+        self.assertTrue(answer["message"])
+
+    def test_wrong_usage_is_told_apart(self):
+        for words in ((), ("unknown",), ("subscription",), ("cancel", "DEMO-1001"),
+                      ("parse", "subscription"), ("parse", "invoice", "-"),
+                      ("parse", "subscription", "/no/such/file"),
+                      ("parse", "subscription", "/tmp"), ("subscription", "A", "--unknown")):
+            status, message = storectl(*words)
+            self.assertEqual(status, USAGE, (words, message))
+            self.assertTrue(message.strip(), words)
+        result = subprocess.run([f"{BUILD}/tools/storectl", "--help"], text=True,
+                                capture_output=True, check=False)
+        self.assertEqual(result.returncode, 0)
+        self.assertIn("subscription", result.stdout)
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)

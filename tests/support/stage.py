@@ -1,0 +1,158 @@
+"""A stage for the helper: a throw-away home with its bundle and the demo product, and a store."""
+
+import os
+import pathlib
+import shutil
+import subprocess
+import threading
+import time
+import urllib.parse
+
+from desktop import end, wait_for
+
+PROJECT = pathlib.Path(__file__).resolve().parents[2]
+BUNDLE = "Subscription Helper.app"
+HELPER_DOMAIN = "com.example.subscription-helper"
+PRODUCT_DOMAIN = "com.example.acme-studio"
+
+
+class Store:
+    """The demo store service, with the requests that it has seen."""
+
+    def __init__(self, build, *arguments):
+        self.process = subprocess.Popen([f"{build}/demo/demo-store", *arguments], text=True,
+                                        stdout=subprocess.PIPE)
+        self.requests = []
+        self.address = self.process.stdout.readline().strip().removeprefix("Listening on ")
+        if not self.address:
+            raise RuntimeError("the demo store does not start")
+        self._reader = threading.Thread(target=self._read, daemon=True)
+        self._reader.start()
+
+    def _read(self):
+        for line in self.process.stdout:
+            self.requests.append(line.strip())
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        end(self.process)
+        self._reader.join()
+        self.process.stdout.close()
+
+
+class Stage:
+    """A home below `folder` in which the bundle of a build folder and the demo product lie."""
+
+    def __init__(self, build, folder, reference="DEMO-1001", applications="Applications"):
+        self.home = pathlib.Path(folder)
+        self.applications = self.home / applications
+        self.bundle = self.applications / BUNDLE
+        self.product = self.home / "Applications" / "Acme Studio"
+        self.config = self.home / ".config"
+        self.note = self.home / "Acme Studio was uninstalled.txt"
+        self.config.mkdir(parents=True)
+        (self.home / "tmp").mkdir()
+        shutil.copytree(pathlib.Path(build) / BUNDLE, self.bundle, symlinks=True)
+        shutil.copytree(PROJECT / "demo" / "product" / "Acme Studio", self.product)
+        if reference is not None:
+            self.set_reference(reference)
+
+    def set_reference(self, reference):
+        (self.config / f"{PRODUCT_DOMAIN}.conf").write_text(f"subscriptionReference={reference}\n")
+
+    def environment(self, base=None):
+        """The variables of a session of this home's user."""
+        environment = dict(base if base is not None else os.environ)
+        for name in list(environment):
+            if name.startswith("XDG_") or name.lower().endswith("_proxy") or name == "LANGUAGE":
+                del environment[name]
+        return environment | {"HOME": str(self.home), "TMPDIR": str(self.home / "tmp"),
+                              "LC_ALL": "C.UTF-8"}
+
+    def program(self, bundle=None):
+        return (bundle or self.bundle) / "Contents" / "Linux" / "Subscription Helper"
+
+    def start(self, base=None, bundle=None, **options):
+        """Starts the helper; standard error is a pipe."""
+        return subprocess.Popen([str(self.program(bundle))], env=self.environment(base), text=True,
+                                cwd=self.home, stderr=subprocess.PIPE, **options)
+
+    def run(self, base=None, bundle=None, seconds=60, **options):
+        """Runs the helper to its end; gives its status, what it logged, and how long it took."""
+        begin = time.monotonic()
+        process = self.start(base, bundle, **options)
+        _, log = process.communicate(timeout=seconds)
+        return process.returncode, log, time.monotonic() - begin
+
+    def last_run(self):
+        """The stored moment of the last run, or None."""
+        file = self.config / f"{HELPER_DOMAIN}.conf"
+        lines = file.read_text().splitlines() if file.exists() else []
+        key = "lastRunUserDefaultKey="
+        return next((line[len(key):] for line in lines if line.startswith(key)), None)
+
+    def forget_last_run(self):
+        (self.config / f"{HELPER_DOMAIN}.conf").unlink(missing_ok=True)
+
+    def trashed_bundle(self):
+        """Where the bundle lies in the Trash, or None."""
+        path = self.home / ".local/share/Trash/files" / BUNDLE
+        return path if path.exists() else None
+
+    def restore_path(self):
+        """From where the Trash says that the bundle came, or None."""
+        info = self.home / ".local/share/Trash/info" / f"{BUNDLE}.trashinfo"
+        lines = info.read_text().splitlines() if info.exists() else []
+        return next((urllib.parse.unquote(line[5:]) for line in lines if line.startswith("Path=")),
+                    None)
+
+    def set_browser(self, command):
+        """Makes a command line the user's browser; "%u" in it is the address."""
+        applications = self.home / ".local/share/applications"
+        applications.mkdir(parents=True, exist_ok=True)
+        (applications / "browser.desktop").write_text(
+            f"[Desktop Entry]\nType=Application\nName=Browser\nExec={command}\n"
+            "MimeType=x-scheme-handler/http;\n")
+        (self.config / "mimeapps.list").write_text(
+            "[Default Applications]\nx-scheme-handler/http=browser.desktop\n")
+
+
+class Window:
+    """The helper's window on a desktop, seen and used as a person does."""
+
+    def __init__(self, environment, title="Acme Studio"):
+        self.environment = environment
+        self.title = title
+
+    def _xdotool(self, *words):
+        return subprocess.run(["xdotool", *words], env=self.environment, text=True,
+                              capture_output=True, check=False).stdout.split()
+
+    def is_shown(self):
+        return bool(self._xdotool("search", "--onlyvisible", "--name", f"^{self.title}$"))
+
+    def wait(self, seconds=30):
+        """Waits until the window is on the screen and has the keyboard."""
+        active = ["getactivewindow", "getwindowname"]
+        return wait_for(lambda: self.is_shown() and
+                        " ".join(self._xdotool(*active)) == self.title, seconds)
+
+    def keys(self, *keys):
+        self._xdotool("key", "--delay", "60", *keys)
+
+    def activate(self):
+        """Brings the window to the front, with the keyboard."""
+        self._xdotool("search", "--onlyvisible", "--name", f"^{self.title}$", "windowactivate",
+                      "--sync")
+
+    def press_remove(self):
+        """From the main button, which has the focus, to the removal control."""
+        self.keys("Tab", "Tab", "space")
+
+    def picture(self):
+        """The window's pixels, without its frame."""
+        window = self._xdotool("search", "--onlyvisible", "--name", f"^{self.title}$")[0]
+        return subprocess.run(["import", "-window", window, "ppm:-"], env=self.environment,
+                              capture_output=True, check=True).stdout
