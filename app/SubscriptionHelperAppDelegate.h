@@ -25,6 +25,7 @@ class Spinner;
 /// say otherwise. The window lives as long as the delegate.
 class SubscriptionHelperAppDelegate final : public QObject {
     Q_OBJECT
+    Q_DISABLE_COPY_MOVE(SubscriptionHelperAppDelegate)
 
   public:
     /// Builds the window from its description, with all texts localized. It is not shown yet.

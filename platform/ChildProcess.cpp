@@ -1,11 +1,11 @@
 #include "platform/ChildProcess.h"
 
 #include <cerrno>
+#include <csignal>
 #include <system_error>
 #include <thread>
 
 #include <fcntl.h>
-#include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -56,6 +56,7 @@ void reap(pid_t child) {
 
 bool startChildProcess(const std::vector<std::string>& arguments) {
     std::vector<char*> words;
+    words.reserve(arguments.size() + 1);
     for (const auto& argument : arguments) {
         words.push_back(const_cast<char*>(argument.c_str())); // never written to
     }

@@ -54,7 +54,7 @@ TEST_F(UserDefaultsTest, ReadTextsAsTheyStand) {
 }
 
 TEST_F(UserDefaultsTest, LoseNothingThatTheyCannotRead) {
-    const std::string large = "other=1\n" + std::string(64 * 1024, '#');
+    const std::string large = "other=1\n" + std::string(65536, '#');
     test::writeFile(file_, large);
     EXPECT_EQ(defaults_.text("other"), std::nullopt);
     EXPECT_FALSE(defaults_.setDate("key", moment_));
