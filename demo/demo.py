@@ -11,54 +11,75 @@ import contextlib
 import os
 import pathlib
 import shutil
+import subprocess
 import sys
 import time
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "tests" / "support"))
 
-from desktop import desktop, screenshot, wait_for  # noqa: E402
+from desktop import desktop, end, screenshot, wait_for  # noqa: E402
 from stage import Stage, Store, Window  # noqa: E402
 
 CANCELLATION = 2000  # milliseconds that the store takes, so that the sheet can be seen
-CHROMIUM = ("/usr/bin/chromium --no-first-run --disable-gpu --disable-quic --disable-sync"
-            " --disable-background-networking --disable-component-update --window-position=300,330"
-            " --window-size=900,440 --user-data-dir={profile} {root} %u")
+BROWSER = """#!/bin/sh
+exec /usr/bin/chromium --no-first-run --disable-gpu --disable-quic --disable-sync \\
+    --disable-background-networking --disable-component-update --window-position=300,330 \\
+    --window-size=900,440 --user-data-dir='{profile}' {root} "$1" >/dev/null 2>&1
+"""
+
+
+def set_chromium(stage, folder):
+    """Makes Chromium, with a profile of its own, the browser of the stage's user."""
+    root = "--no-sandbox" if os.geteuid() == 0 else ""
+    browser = stage.home / "browser"
+    browser.write_text(BROWSER.format(profile=folder / "profile", root=root))
+    browser.chmod(0o755)
+    stage.set_browser(f'"{browser}" %u')
 
 
 def use_by_hand(stage):
     print("The window is yours: press “Cancel Subscription and Remove”, then “Close”.", flush=True)
-    process = stage.start()
-    _, log = process.communicate()
-    return process.returncode, log
+    with (stage.home / "log").open("w") as log:
+        return stage.start(log=log).wait()
 
 
 def use_by_itself(stage, store, folder, refuse):
     """Presses the removal control by keyboard on a virtual display, and takes pictures."""
     with desktop(stage.environment()) as environment:
         window = Window(environment)
-        process = stage.start(environment)
-        if not window.wait():
-            process.kill()
-            return process.wait(), process.communicate()[1] + "No window came up.\n"
-        screenshot(environment, folder / "window.png")
-        window.press_remove()
-        time.sleep(CANCELLATION / 2000)
-        screenshot(environment, folder / "sheet.png")
-        wait_for(stage.trashed_bundle)
-        wait_for(stage.note.exists)
-        if refuse:
-            wait_for(lambda: any("/account/" in line for line in store.requests), 60)
-            time.sleep(3)  # for the page to be drawn
-            screenshot(environment, folder / "browser.png")
-            window.activate()
-        time.sleep(0.5)
-        screenshot(environment, folder / "end.png")
-        window.keys("Return")
-        _, log = process.communicate(timeout=30)
-        return process.returncode, log
+        # Into a file: a browser that the helper starts would keep a pipe open.
+        with (stage.home / "log").open("w") as log:
+            process = stage.start(environment, log=log)
+        try:
+            if window.wait():
+                photograph_removal(window, stage, store, folder, refuse)
+                window.keys("Return")
+            else:
+                print("No window came up.")
+            return process.wait(30)
+        except subprocess.TimeoutExpired:
+            return None
+        finally:
+            end(process)
 
 
-def report(stage, store, status, log, refuse):
+def photograph_removal(window, stage, store, folder, refuse):
+    screenshot(window.environment, folder / "window.png")
+    window.press_remove()
+    time.sleep(CANCELLATION / 2000)
+    screenshot(window.environment, folder / "sheet.png")
+    wait_for(stage.trashed_bundle)
+    wait_for(stage.note.exists)
+    if refuse:
+        wait_for(lambda: any("/account/" in line for line in store.requests), 60)
+        time.sleep(3)  # for the page to be drawn
+        screenshot(window.environment, folder / "browser.png")
+        window.activate()
+    time.sleep(0.5)
+    screenshot(window.environment, folder / "end.png")
+
+
+def report(stage, store, status, refuse):
     """Prints what happened, step by step; gives whether all of it did."""
     requests = list(store.requests)
     second, _, seconds = stage.run(bundle=stage.trashed_bundle()) if stage.trashed_bundle() \
@@ -86,6 +107,7 @@ def report(stage, store, status, log, refuse):
     print("\nWhat happened:")
     for fact, step in steps:
         print(f"  [{'ok' if fact else 'NO'}] {step}: {fact or 'did not happen'}")
+    log = (stage.home / "log").read_text()
     print(f"The helper ended with status {status}" + (f" and said:\n{log}" if log else "."))
     return status == 0 and all(fact for fact, _ in steps)
 
@@ -103,16 +125,15 @@ def main():
                   reference="DEMO-KEEP" if arguments.refuse else "DEMO-1001")
     has_display = bool(os.environ.get("DISPLAY") or os.environ.get("WAYLAND_DISPLAY"))
     if arguments.refuse:
-        root = "--no-sandbox" if os.geteuid() == 0 else ""
-        stage.set_browser(CHROMIUM.format(profile=folder / "browser", root=root))
+        set_chromium(stage, folder)
     print(f"Throw-away home: {stage.home}")
     try:
         with Store(arguments.build, "--delay", str(CANCELLATION)) as store:
             print(f"Demo store: {store.address}", flush=True)
-            status, log = use_by_hand(stage) if has_display else \
+            status = use_by_hand(stage) if has_display else \
                 use_by_itself(stage, store, folder, arguments.refuse)
             wait_for(stage.note.exists, 5)
-            done = report(stage, store, status, log, arguments.refuse)
+            done = report(stage, store, status, arguments.refuse)
     except RuntimeError as error:
         sys.exit(f"demo: {error}")
     for picture in sorted(folder.glob("*.png")):

@@ -74,15 +74,15 @@ class Stage:
     def program(self, bundle=None):
         return (bundle or self.bundle) / "Contents" / "Linux" / "Subscription Helper"
 
-    def start(self, base=None, bundle=None, **options):
-        """Starts the helper; standard error is a pipe."""
+    def start(self, base=None, bundle=None, log=subprocess.PIPE):
+        """Starts the helper, with its standard error into `log`."""
         return subprocess.Popen([str(self.program(bundle))], env=self.environment(base), text=True,
-                                cwd=self.home, stderr=subprocess.PIPE, **options)
+                                cwd=self.home, stderr=log)
 
-    def run(self, base=None, bundle=None, seconds=60, **options):
+    def run(self, base=None, bundle=None, seconds=60):
         """Runs the helper to its end; gives its status, what it logged, and how long it took."""
         begin = time.monotonic()
-        process = self.start(base, bundle, **options)
+        process = self.start(base, bundle)
         _, log = process.communicate(timeout=seconds)
         return process.returncode, log, time.monotonic() - begin
 
