@@ -15,10 +15,8 @@ import subprocess
 import sys
 import time
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "tests" / "support"))
-
-from desktop import desktop, end, screenshot, wait_for  # noqa: E402
-from stage import Stage, Store, Window  # noqa: E402
+from desktop import desktop, end, screenshot, wait_for
+from stage import Stage, Store, Window
 
 CANCELLATION = 2000  # milliseconds that the store takes, so that the sheet can be seen
 BROWSER = """#!/bin/sh

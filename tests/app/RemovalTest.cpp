@@ -1,5 +1,5 @@
 // The delegate with its real window, on a real display: what the removal does, in which order, and
-// what the sheet shows meanwhile. Run under tests/support/desktop.py.
+// what the sheet shows meanwhile. Run under demo/desktop.py.
 
 #include "app/ProgressSheet.h"
 #include "app/Spinner.h"

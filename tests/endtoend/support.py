@@ -7,7 +7,7 @@ import sys
 import tempfile
 import unittest
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "support"))
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "demo"))
 
 import stage  # noqa: E402  pylint: disable=wrong-import-position
 

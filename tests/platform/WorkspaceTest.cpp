@@ -21,7 +21,7 @@ using testing::HasSubstr;
 class WorkspaceTest : public testing::Test {
   protected:
     test::TestHome home_;
-    fs::path folder_ = TestHome::path() / "work";
+    fs::path folder_ = TestHome::path() / "folder";
 };
 
 TEST_F(WorkspaceTest, RecyclesEntriesWithARestorePath) {
@@ -36,7 +36,7 @@ TEST_F(WorkspaceTest, RecyclesEntriesWithARestorePath) {
         ASSERT_TRUE(workspace::recycle(folder_, name)) << name;
         EXPECT_FALSE(fs::exists(folder_ / name));
         EXPECT_EQ(test::readFile(TestHome::trashedFile(name)), name);
-        EXPECT_THAT(TestHome::trashInfo(name), HasSubstr("/work/" + encoded + "\n"));
+        EXPECT_THAT(TestHome::trashInfo(name), HasSubstr("/folder/" + encoded + "\n"));
     }
     // Too long for the name of its Trash entry: refused, whole.
     const std::string longest(255, 'n');

@@ -10,7 +10,7 @@ import urllib.parse
 
 from desktop import end, wait_for
 
-PROJECT = pathlib.Path(__file__).resolve().parents[2]
+PROJECT = pathlib.Path(__file__).resolve().parents[1]
 BUNDLE = "Subscription Helper.app"
 HELPER_DOMAIN = "com.example.subscription-helper"
 PRODUCT_DOMAIN = "com.example.acme-studio"
