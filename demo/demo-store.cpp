@@ -1,6 +1,7 @@
 // The demo store service: answers the helper's requests on the loopback interface from state that
 // it keeps in memory, and prints one line for each request.
 
+#include "demo/DemoOrders.h"
 #include "demo/DemoStore.h"
 
 #include <chrono>
@@ -34,6 +35,10 @@ Operations operationsOf(demo::DemoStore& store, std::chrono::milliseconds delay)
          [&store, host, delay](const httplib::Request& request) {
              std::this_thread::sleep_for(delay);
              return store.cancelAnswer(request.get_param_value("subscriptionRef"), host(request));
+         }},
+        {"getorder",
+         [](const httplib::Request& request) {
+             return demo::orderAnswer(request.get_param_value("orderRef"));
          }},
     };
 }
@@ -71,7 +76,8 @@ int main(int argumentCount, char** arguments) {
     CLI::App command(
         "The demo store service, on the loopback interface. Prints its address and one "
         "line for each request.\nSubscriptions: DEMO-1001, DEMO-1002, and DEMO-KEEP, "
-        "which refuses to be canceled.");
+        "which refuses to be canceled.\nOrders: ORDER-2001, ORDER-2002, and ORDER-2003 (with an "
+        "empty container).");
     command.add_option("PORT", port, "The port to listen on; 0 for any")
         ->check(CLI::Range(0, 65535))
         ->capture_default_str();

@@ -2,6 +2,7 @@
 
 #include "platform/Fetch.h"
 #include "platform/Text.h"
+#include "store/FastSpringOrderParser.h"
 #include "store/FastSpringSubscriptionParser.h"
 #include "store/ScriptURL.h"
 
@@ -33,6 +34,13 @@ FastSpringUtilities::subscriptionForStore(const Text& /*store*/, const Text& ref
 bool FastSpringUtilities::cancelSubscriptionForStore(const Text& store, const Text& reference) {
     return store && reference &&
            requestSubscription("%@?f=deletesubscription&subscriptionRef=%@", *reference) != nullptr;
+}
+
+std::shared_ptr<FastSpringOrder> FastSpringUtilities::orderForStore(const Text& store,
+                                                                    const Text& reference) {
+    const auto answer =
+        store && reference ? answerTo("%@?f=getorder&orderRef=%@", *reference) : std::nullopt;
+    return answer ? FastSpringOrderParser(*answer).parseOrder() : nullptr;
 }
 
 } // namespace store

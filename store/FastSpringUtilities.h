@@ -1,5 +1,6 @@
 #pragma once
 
+#include "store/FastSpringOrder.h"
 #include "store/FastSpringSubscription.h"
 
 #include <memory>
@@ -30,6 +31,14 @@ class FastSpringUtilities {
     ///
     /// @throws std::out_of_range when the answer holds a date text without "Z".
     [[nodiscard]] static bool cancelSubscriptionForStore(const Text& store, const Text& reference);
+
+    /// The order with this reference, or none: no answer, an answer without an order, or, with
+    /// nothing sent, a missing store identifier or reference.
+    ///
+    /// @throws std::out_of_range when the answer holds a date text without "Z".
+    /// @throws std::invalid_argument when a container of the answer's order ends without a record.
+    [[nodiscard]] static std::shared_ptr<FastSpringOrder> orderForStore(const Text& store,
+                                                                        const Text& reference);
 };
 
 } // namespace store

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "store/FastSpringOrder.h"
 #include "store/FastSpringSubscription.h"
 
 #include <nlohmann/json.hpp>
@@ -7,7 +8,10 @@
 namespace tools {
 
 /// A record as a JSON object: its properties by name, in declaration order. An absent value is
-/// null, a date "YYYY-MM-DDTHH:MM:SSZ", a number a decimal integer.
+/// null, a date "YYYY-MM-DDTHH:MM:SSZ", a number a decimal integer, a list an array of records.
 [[nodiscard]] nlohmann::ordered_json recordJSON(const store::FastSpringSubscription& record);
+[[nodiscard]] nlohmann::ordered_json recordJSON(const store::FastSpringOrder& record);
+[[nodiscard]] nlohmann::ordered_json recordJSON(const store::FastSpringOrderItem& record);
+[[nodiscard]] nlohmann::ordered_json recordJSON(const store::FastSpringPaymentItem& record);
 
 } // namespace tools

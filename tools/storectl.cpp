@@ -1,7 +1,8 @@
-// The command line of the store client: asks the store service about one subscription, or parses an
-// answer from a file, and prints one JSON object.
+// The command line of the store client: asks the store service about a subscription or an order,
+// or parses an answer from a file, and prints one JSON object.
 
 #include "platform/Log.h"
+#include "store/FastSpringOrderParser.h"
 #include "store/FastSpringSubscriptionParser.h"
 #include "store/FastSpringUtilities.h"
 #include "store/ScriptURL.h"
@@ -93,21 +94,28 @@ void declareCommands(CLI::App& command, Arguments& arguments, std::function<int(
         return printCancellation(store::FastSpringUtilities::cancelSubscriptionForStore(
             arguments.store, arguments.reference));
     })->required();
+    addRequest("order", "Print an order", [&] {
+        return printRecord(
+            store::FastSpringUtilities::orderForStore(arguments.store, arguments.reference));
+    })->required();
 
     CLI::App* parse = add("parse", "Parse an answer of the store service from a file", [&] {
         const std::string answer = contentOf(arguments.file);
-        return printRecord(store::FastSpringSubscriptionParser(answer).parseSubscription());
+        return arguments.kind == "order"
+                   ? printRecord(store::FastSpringOrderParser(answer).parseOrder())
+                   : printRecord(store::FastSpringSubscriptionParser(answer).parseSubscription());
     });
-    parse->add_option("KIND", arguments.kind, "What the answer describes: subscription")
+    parse->add_option("KIND", arguments.kind, "What the answer describes")
         ->required()
-        ->check(CLI::IsMember({"subscription"}));
+        ->check(CLI::IsMember({"subscription", "order"}));
     parse->add_option("FILE", arguments.file, "The file, or - for standard input")->required();
 }
 
 int run(int argumentCount, char** words) {
-    CLI::App command("Asks the store service at " + std::string(store::scriptURL()) +
-                     " about subscriptions.\nPrints one JSON object. Exit status: 0 record or "
-                     "confirmed, 1 none or refused, 2 wrong usage,\n3 the answer cannot be read.");
+    CLI::App command(
+        "Asks the store service at " + std::string(store::scriptURL()) +
+        " about subscriptions and orders.\nPrints one JSON object. Exit status: 0 record or "
+        "confirmed, 1 none or refused, 2 wrong usage,\n3 the answer cannot be read.");
     Arguments arguments;
     std::function<int()> action;
     declareCommands(command, arguments, action);

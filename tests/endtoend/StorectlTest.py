@@ -20,6 +20,14 @@ def storectl(*words, given=None):
     return result.returncode, json.loads(result.stdout) if result.stdout else result.stderr
 
 
+ORDER = ["reference", "status", "statusChangedDate", "isTest", "dueDate", "currency", "referrer",
+         "originIP", "total", "tax", "shipping", "sourceName", "sourceKey", "sourceCampaign",
+         "customerFirstName", "customerLastName", "customerCompany", "customerEmail",
+         "customerPhoneNumber", "purchaserFirstName", "purchaserLastName", "purchaserCompany",
+         "purchaserEmail", "purchaserPhoneNumber", "addressLine1", "addressLine2", "city", "region",
+         "regionCustom", "postalCode", "country", "orderItems", "payments"]
+
+
 class StorectlTest(TestCase):
     def test_requests(self):
         with Store(BUILD) as store:
@@ -48,6 +56,28 @@ class StorectlTest(TestCase):
             self.assertEqual(answer["record"]["status"], "canceled")
             self.assertNotIn("two words", "".join(store.requests))
         self.assertEqual(storectl("subscription", "DEMO-1002")[0], NONE)  # nobody listens
+
+    def test_orders(self):
+        with Store(BUILD):
+            status, answer = storectl("order", "ORDER-2001", "--store", "acme")
+            order = answer["record"]
+            self.assertEqual((status, list(order)), (RECORD, ORDER))
+            self.assertEqual((order["total"], order["purchaserFirstName"], order["country"],
+                              order["dueDate"]), (119, "Paul", "US", None))
+            self.assertEqual(order["orderItems"], [
+                {"productDisplay": "Acme Colours", "productName": "acme-colours", "quantity": 3,
+                 "subscriptionReference": "DEMO-1002"}])
+            self.assertEqual(order["payments"], [
+                {"status": "completed", "statusChangedDate": "2026-02-01T10:15:30Z",
+                 "methodType": "creditcard", "declinedReason": "", "currency": "EUR",
+                 "total": 119}])
+            status, answer = storectl("order", "ORDER-2003", "--store", "acme")
+            self.assertEqual((status, answer["reason"]), (FAILURE, "invalid_argument"))
+            self.assertEqual(storectl("order", "unknown", "--store", "acme")[0], NONE)
+            self.assertEqual(storectl("order", "ORDER-2001")[0], USAGE)
+        status, answer = storectl("parse", "order", "-", given="<order><payments>")
+        self.assertEqual((status, answer["record"]["payments"]), (RECORD, []))
+        self.assertIsNone(answer["record"]["orderItems"])
 
     def test_parse(self):
         file = self.folder / "answer.xml"

@@ -36,9 +36,13 @@ TEST_F(Requests, AreSentWithTheReferenceAsItStands) {
     EXPECT_TRUE(FastSpringUtilities::subscriptionForStore(std::nullopt, "A&f=x%20"));
     EXPECT_TRUE(FastSpringUtilities::subscriptionForStore("", ""));
     EXPECT_TRUE(FastSpringUtilities::cancelSubscriptionForStore("", "ABC123"));
+    EXPECT_FALSE(FastSpringUtilities::orderForStore("one", "O&1")); // a subscription, no order
+    EXPECT_FALSE(FastSpringUtilities::orderForStore("two", "O&1"));
+    const std::string order = "/fastspring.php?f=getorder&orderRef=O&1";
     EXPECT_THAT(server.targets(),
                 ElementsAre(get + "ABC123", get + "A&f=x%20", get,
-                            "/fastspring.php?f=deletesubscription&subscriptionRef=ABC123"));
+                            "/fastspring.php?f=deletesubscription&subscriptionRef=ABC123", order,
+                            order));
 }
 
 TEST_F(Requests, AreNotSentWithoutWhatTheyNeed) {
@@ -47,6 +51,8 @@ TEST_F(Requests, AreNotSentWithoutWhatTheyNeed) {
     EXPECT_FALSE(FastSpringUtilities::subscriptionForStore("acme", std::nullopt));
     EXPECT_FALSE(FastSpringUtilities::cancelSubscriptionForStore(std::nullopt, "ABC123"));
     EXPECT_FALSE(FastSpringUtilities::cancelSubscriptionForStore("acme", std::nullopt));
+    EXPECT_FALSE(FastSpringUtilities::orderForStore(std::nullopt, "ORDER"));
+    EXPECT_FALSE(FastSpringUtilities::orderForStore("acme", std::nullopt));
     // No URL can be made of these.
     EXPECT_FALSE(FastSpringUtilities::subscriptionForStore("acme", "two words"));
     EXPECT_FALSE(FastSpringUtilities::cancelSubscriptionForStore("acme", "50%"));

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "store/FastSpringItem.h"
+
+namespace store {
+
+/// One line item of an order.
+struct FastSpringOrderItem : FastSpringItem {
+    Text productDisplay;        ///< the product's display name
+    Text productName;           ///< the product's name
+    Number quantity;            ///< number of units
+    Text subscriptionReference; ///< reference of the subscription that the line item belongs to
+};
+
+/// One payment of an order.
+struct FastSpringPaymentItem : FastSpringItem {
+    Text status;            ///< the payment's status, as sent
+    Date statusChangedDate; ///< when that status last changed
+    Text methodType;        ///< kind of payment method
+    Text declinedReason;    ///< reason given for a declined payment
+    Text currency;          ///< currency of the amount
+    Number total;           ///< amount of the payment, in whole units
+};
+
+/// One order as the store service describes it. Every field is as sent: nothing is computed,
+/// validated or normalised. Amounts are in whole units; a negative one sent wraps round to 2^64
+/// minus it. No entry of a list is ever null. It holds one postal address, not one per person.
+struct FastSpringOrder : FastSpringItem {
+    Text reference;                       ///< the order's reference at the store service
+    Text status;                          ///< its status, without a meaning given to it here
+    Date statusChangedDate;               ///< when the status last changed
+    bool isTest = false;                  ///< whether the store service marks it as a test
+    Date dueDate;                         ///< due date; for callers, no answer fills it
+    Text currency;                        ///< currency of the amounts
+    Text referrer;                        ///< referrer recorded for the sale; for callers
+    Text originIP;                        ///< network address the order was placed from
+    Number total;                         ///< order total
+    Number tax;                           ///< tax amount
+    Number shipping;                      ///< shipping amount
+    Text sourceName;                      ///< source name recorded for the sale; for callers
+    Text sourceKey;                       ///< source key recorded for the sale; for callers
+    Text sourceCampaign;                  ///< source campaign recorded for the sale; for callers
+    Text customerFirstName;               ///< customer's first name
+    Text customerLastName;                ///< customer's last name
+    Text customerCompany;                 ///< customer's company
+    Text customerEmail;                   ///< customer's e-mail address
+    Text customerPhoneNumber;             ///< customer's phone number
+    Text purchaserFirstName;              ///< purchaser's first name
+    Text purchaserLastName;               ///< purchaser's last name
+    Text purchaserCompany;                ///< purchaser's company
+    Text purchaserEmail;                  ///< purchaser's e-mail address
+    Text purchaserPhoneNumber;            ///< purchaser's phone number
+    Text addressLine1;                    ///< first address line
+    Text addressLine2;                    ///< second address line
+    Text city;                            ///< city
+    Text region;                          ///< region or state
+    Text regionCustom;                    ///< free-form region; for callers, no answer fills it
+    Text postalCode;                      ///< postal code
+    Text country;                         ///< country
+    List<FastSpringOrderItem> orderItems; ///< the line items; absent without their container
+    List<FastSpringPaymentItem> payments; ///< the payments; absent without their container
+};
+
+} // namespace store

@@ -1,0 +1,135 @@
+#include "store/FastSpringOrderParser.h"
+
+#include "store/ElementTable.h"
+
+#include <array>
+#include <stdexcept>
+
+namespace store {
+namespace {
+
+using Order = FastSpringOrder;
+using Item = FastSpringOrderItem;
+using Payment = FastSpringPaymentItem;
+
+constexpr Element<Order> kOrderElements[] = {
+    {"addressline1", &Order::addressLine1},
+    {"addressline2", &Order::addressLine2},
+    {"city", &Order::city},
+    {"country", &Order::country},
+    {"currency", &Order::currency},
+    {"originip", &Order::originIP},
+    {"postalcode", &Order::postalCode},
+    {"reference", &Order::reference},
+    {"region", &Order::region},
+    {"shipping", &Order::shipping},
+    {"status", &Order::status},
+    {"statuschanged", &Order::statusChangedDate},
+    {"tax", &Order::tax},
+    {"test", &Order::isTest},
+    {"total", &Order::total},
+};
+static_assert(isElementTable<Order>(kOrderElements));
+
+constexpr Element<Order> kCustomerElements[] = {
+    {"company", &Order::customerCompany},         {"email", &Order::customerEmail},
+    {"firstname", &Order::customerFirstName},     {"lastname", &Order::customerLastName},
+    {"phonenumber", &Order::customerPhoneNumber},
+};
+static_assert(isElementTable<Order>(kCustomerElements));
+
+constexpr Element<Order> kPurchaserElements[] = {
+    {"company", &Order::purchaserCompany},         {"email", &Order::purchaserEmail},
+    {"firstname", &Order::purchaserFirstName},     {"lastname", &Order::purchaserLastName},
+    {"phonenumber", &Order::purchaserPhoneNumber},
+};
+static_assert(isElementTable<Order>(kPurchaserElements));
+
+constexpr Element<Item> kItemElements[] = {
+    {"productdisplay", &Item::productDisplay},
+    {"productname", &Item::productName},
+    {"quantity", &Item::quantity},
+    {"subscriptionreference", &Item::subscriptionReference},
+};
+static_assert(isElementTable<Item>(kItemElements));
+
+constexpr Element<Payment> kPaymentElements[] = {
+    {"currency", &Payment::currency},
+    {"declinedreason", &Payment::declinedReason},
+    {"methodtype", &Payment::methodType},
+    {"status", &Payment::status},
+    {"statuschanged", &Payment::statusChangedDate},
+    {"total", &Payment::total},
+};
+static_assert(isElementTable<Payment>(kPaymentElements));
+
+/// Appends the current record to a list that exists.
+template <class Record>
+void append(List<Record>* list, const std::shared_ptr<Record>& record) {
+    if (list == nullptr || !*list) {
+        return;
+    }
+    if (!record) {
+        throw std::invalid_argument("a container ends without a record to append");
+    }
+    (*list)->push_back(record);
+}
+
+} // namespace
+
+std::shared_ptr<FastSpringOrder> FastSpringOrderParser::parseOrder() {
+    isPurchaser_ = false;
+    isPayments_ = false;
+    parse();
+    return order;
+}
+
+bool FastSpringOrderParser::startContainer(std::string_view elementName) {
+    if (elementName == "order") {
+        order = std::make_shared<Order>();
+    } else if (elementName == "customer" || elementName == "purchaser") {
+        isPurchaser_ = elementName == "purchaser";
+    } else if (elementName == "orderitems") {
+        if (order) {
+            order->orderItems.emplace();
+        }
+    } else if (elementName == "orderitem") {
+        orderItem = std::make_shared<Item>();
+    } else if (elementName == "payments") {
+        if (order) {
+            order->payments.emplace();
+        }
+        isPayments_ = true;
+    } else if (elementName == "payment") {
+        payment = std::make_shared<Payment>();
+    } else {
+        return false;
+    }
+    return true;
+}
+
+void FastSpringOrderParser::endElement(std::string_view elementName, std::string_view text) {
+    if (elementName == "orderitems") {
+        append(order ? &order->orderItems : nullptr, orderItem);
+        orderItem.reset();
+    } else if (elementName == "payments") {
+        append(order ? &order->payments : nullptr, payment);
+        // The line item and not the payment: a further container takes that payment up again.
+        orderItem.reset();
+        isPayments_ = false;
+    } else {
+        storeField(elementName, text);
+    }
+}
+
+/// Looks the element up in the tables of the present context, the narrowest first.
+bool FastSpringOrderParser::storeField(std::string_view elementName, std::string_view text) {
+    const std::span<const Element<Order>> contact =
+        isPurchaser_ ? std::span(kPurchaserElements) : std::span(kCustomerElements);
+    return (isPayments_ && storeElement(kPaymentElements, elementName, text, payment.get())) ||
+           storeElement(contact, elementName, text, order.get()) ||
+           storeElement(kItemElements, elementName, text, orderItem.get()) ||
+           storeElement(kOrderElements, elementName, text, order.get());
+}
+
+} // namespace store

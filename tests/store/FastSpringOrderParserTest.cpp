@@ -1,0 +1,177 @@
+#include "store/FastSpringOrderParser.h"
+
+#include "demo/DemoOrders.h"
+#include "tools/RecordJSON.h"
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include <gtest/gtest.h>
+
+namespace store {
+namespace {
+
+using nlohmann::json;
+
+/// Everything that the answer sets, as JSON without what is absent or false; "(no record)", or the
+/// failure's name.
+std::string outcomeOf(const std::string& answer) {
+    const auto withoutAbsent = [](auto self, const json& value) -> json {
+        if (!value.is_structured()) {
+            return value;
+        }
+        json kept = value.is_array() ? json::array() : json::object();
+        for (const auto& [key, entry] : value.items()) {
+            if (value.is_array()) {
+                kept.push_back(self(self, entry));
+            } else if (!entry.is_null() && entry != false) {
+                kept[key] = self(self, entry);
+            }
+        }
+        return kept;
+    };
+    try {
+        const auto order = FastSpringOrderParser(answer).parseOrder();
+        if (!order) {
+            return "(no record)";
+        }
+        std::string text = withoutAbsent(withoutAbsent, json(tools::recordJSON(*order))).dump();
+        std::erase(text, '"');
+        return text;
+    } catch (const std::out_of_range&) {
+        return "(out_of_range)";
+    } catch (const std::invalid_argument&) {
+        return "(invalid_argument)";
+    }
+}
+
+struct Row {
+    std::string content; ///< of an "order" element
+    std::string outcome;
+};
+
+void expectOutcomes(std::initializer_list<Row> rows) {
+    for (const auto& row : rows) {
+        EXPECT_EQ(outcomeOf("<order>" + row.content + "</order>"), row.outcome) << row.content;
+    }
+}
+
+const std::string kItems = "<orderItems><orderItem><quantity>1</quantity></orderItem></orderItems>";
+const std::string kPayments = "<payments><payment><total>1</total></payment></payments>";
+
+TEST(OrderParser, AppendsOnlyTheCurrentRecordAtTheEndOfAContainer) {
+    expectOutcomes({
+        {kItems, "{orderItems:[{quantity:1}]}"},
+        {kPayments, "{payments:[{total:1}]}"},
+        {"<orderItems><orderItem><quantity>1</quantity></orderItem><orderItem/></orderItems>",
+         "{orderItems:[{}]}"},
+        {"<payments><payment><total>1</total></payment><payment><total>2</total></payment>"
+         "</payments>",
+         "{payments:[{total:2}]}"},
+        {"<ORDERITEMS><OrderItem><Quantity>1</Quantity></OrderItem></ORDERITEMS>",
+         "{orderItems:[{quantity:1}]}"},
+        // A line item that started before its container is the current one all the same.
+        {"<orderItem><quantity>1</quantity></orderItem><orderItems/>",
+         "{orderItems:[{quantity:1}]}"},
+        {"<orderItem><quantity>1</quantity></orderItem>", "{}"},
+        {"<payment/><payments/>", "{payments:[{}]}"},
+        {kItems + "<orderItems><orderItem/></orderItems>", "{orderItems:[{}]}"},
+        {"<orderItems>", "{orderItems:[]}"},
+        {"<payments><payment>", "{payments:[]}"},
+    });
+}
+
+TEST(OrderParser, FailsWhereThereIsNoCurrentRecordToAppend) {
+    expectOutcomes({
+        {"<orderItems/>", "(invalid_argument)"},
+        {"<payments/>", "(invalid_argument)"},
+        {kItems + "<orderItems/>", "(invalid_argument)"},
+        // The end of "payments" takes the line item away and leaves the payment.
+        {"<orderItem/>" + kPayments + "<orderItems/>", "(invalid_argument)"},
+        {kPayments + "<payments/>", "{payments:[{total:1}]}"},
+        {kPayments + "<payments><total>7</total></payments>", "{payments:[{total:7}]}"},
+        {kPayments + "<total>7</total>", "{payments:[{total:1}],total:7}"},
+    });
+    EXPECT_EQ(outcomeOf("<a><orderItems/><payments/></a>"), "(no record)");
+    EXPECT_EQ(outcomeOf("<a><payments><order/></payments></a>"), "{}");
+    EXPECT_EQ(outcomeOf("<a><order/><html/><orderItems/><payments/></a>"),
+              "{orderItems:[],payments:[]}");
+}
+
+TEST(OrderParser, TellsTheContextsApart) {
+    expectOutcomes({
+        {"<status>a</status><payments><status>lost</status><payment/><status>b</status>"
+         "<currency>c</currency><total>1</total><methodType>m</methodType>"
+         "<declinedReason>d</declinedReason></payments><currency>e</currency>",
+         "{currency:e,payments:[{currency:c,declinedReason:d,methodType:m,status:b,total:1}],"
+         "status:a}"},
+        {"<methodType>m</methodType><declinedReason>d</declinedReason><due>2026-01-01</due>"
+         "<dueDate>x</dueDate><referrer>r</referrer><sourceName>s</sourceName>"
+         "<sourceKey>k</sourceKey><sourceCampaign>c</sourceCampaign><regionCustom>x</regionCustom>",
+         "{}"},
+        // Within a line item a name of the order is the order's; one of the line item is its own.
+        {"<total>1</total><reference>A</reference><orderItems><orderItem><total>2</total>"
+         "<reference>B</reference><productName>p</productName></orderItem></orderItems>",
+         "{orderItems:[{productName:p}],reference:B,total:2}"},
+        {"<payments><payment/><city>c</city><quantity>1</quantity></payments>",
+         "{city:c,payments:[{}]}"},
+        {"<firstName>1</firstName><purchaser><firstName>2</firstName></purchaser>"
+         "<email>3</email><customer/><lastName>4</lastName>",
+         "{customerFirstName:1,customerLastName:4,purchaserEmail:3,purchaserFirstName:2}"},
+        {"<purchaser/><order><company>c</company></order>", "{purchaserCompany:c}"},
+        {"<payments><purchaser><payment/><email>e</email><total>1</total></purchaser></payments>"
+         "<phoneNumber>p</phoneNumber><total>2</total>",
+         "{payments:[{total:1}],purchaserEmail:e,purchaserPhoneNumber:p,total:2}"},
+        {"<customer><city>1</city></customer><purchaser><city>2</city></purchaser>", "{city:2}"},
+    });
+}
+
+TEST(OrderParser, ConvertsAndFailsLikeEveryParser) {
+    expectOutcomes({
+        {"<total>19.95</total><tax>1,000</tax><shipping>-5</shipping>",
+         "{shipping:18446744073709551611,tax:1,total:19}"},
+        {"<total>abc</total><tax>99999999999999999999</tax>", "{tax:9223372036854775807,total:0}"},
+        {"<test>TRUE</test><city> Berlin </city><region/>", "{city: Berlin ,isTest:true,region:}"},
+        {"<test> true</test><city>a<x>b</x>c</city>", "{city:b}"},
+        // Containers leave the text that is being gathered alone.
+        {"<city>a<customer>b</customer></city>", "{city:ab}"},
+        {"<city>a<order>b</order></city>", "{city:ab}"},
+        {"<statusChanged>soonZ</statusChanged>", "{}"},
+        {"<statusChanged/>", "(out_of_range)"},
+        {"<payments><statusChanged/></payments>", "(out_of_range)"},
+        {"<city>1</city><order/><country>2</country>", "{country:2}"},
+        {"<city>1</city><cut", "{city:1}"},
+    });
+    EXPECT_EQ(outcomeOf("<html><order><city>1</city></order></html>"), "{}");
+    EXPECT_EQ(outcomeOf("<html/>"), "(no record)");
+    EXPECT_EQ(outcomeOf("<subscription><city>1</city></subscription>"), "(no record)");
+}
+
+TEST(OrderParser, EndsWellWhereverAFullAnswerIsCut) {
+    const std::string full = demo::orderAnswer("ORDER-2001");
+    std::string last;
+    for (std::size_t length = 0; length <= full.size(); ++length) {
+        const auto order = FastSpringOrderParser(full.substr(0, length)).parseOrder();
+        for (const auto& item : order && order->orderItems
+                                    ? *order->orderItems
+                                    : decltype(order->orderItems)::value_type{}) {
+            EXPECT_TRUE(item) << length;
+        }
+        last = order ? order->country.value_or("") : "";
+    }
+    EXPECT_EQ(last, "US");
+    // And where it goes on with containers that hold nothing: a failure or whole lists, no other
+    // end.
+    int failures = 0;
+    for (std::size_t length = 0; length <= full.size(); ++length) {
+        const std::string outcome = outcomeOf(full.substr(0, length) + "<payments/><orderItems/>");
+        EXPECT_EQ(outcome.find("null"), std::string::npos) << length;
+        failures += outcome == "(invalid_argument)" ? 1 : 0;
+    }
+    EXPECT_GT(failures, 0);
+}
+
+} // namespace
+} // namespace store
