@@ -1,14 +1,16 @@
 #include "demo/DemoOrders.h"
 
-#include <map>
+#include <array>
+#include <string_view>
+#include <utility>
 
 namespace demo {
 namespace {
 
 // Orders never change, so each is kept as the answer it gives.
-const std::map<std::string, std::string>& answers() {
-    static const std::map<std::string, std::string> answers = {
-        {"ORDER-2001", R"(<?xml version="1.0" encoding="UTF-8"?>
+constexpr std::array kAnswers = {
+    std::pair<std::string_view, std::string_view>{"ORDER-2001",
+                                                  R"(<?xml version="1.0" encoding="UTF-8"?>
 <order>
   <reference>ORDER-2001</reference>
   <status>completed</status>
@@ -82,7 +84,8 @@ const std::map<std::string, std::string>& answers() {
   </payments>
 </order>
 )"},
-        {"ORDER-2002", R"(<?xml version="1.0" encoding="UTF-8"?>
+    std::pair<std::string_view, std::string_view>{"ORDER-2002",
+                                                  R"(<?xml version="1.0" encoding="UTF-8"?>
 <order>
   <reference>ORDER-2002</reference>
   <status>open</status>
@@ -98,23 +101,25 @@ const std::map<std::string, std::string>& answers() {
   </payments>
 </order>
 )"},
-        {"ORDER-2003", R"(<?xml version="1.0" encoding="UTF-8"?>
+    std::pair<std::string_view, std::string_view>{"ORDER-2003",
+                                                  R"(<?xml version="1.0" encoding="UTF-8"?>
 <order>
   <reference>ORDER-2003</reference>
   <test>true</test>
   <orderItems/>
 </order>
 )"},
-    };
-    return answers;
-}
+};
 
 } // namespace
 
 std::string orderAnswer(const std::string& reference) {
-    const auto found = answers().find(reference);
-    return found != answers().end() ? found->second
-                                    : "<response><error>There is no such order</error></response>";
+    for (const auto& [known, answer] : kAnswers) {
+        if (known == reference) {
+            return std::string(answer);
+        }
+    }
+    return "<response><error>There is no such order</error></response>";
 }
 
 } // namespace demo

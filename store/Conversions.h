@@ -10,6 +10,8 @@ namespace store {
 /// The lower case of an element name or a flag's text: the ASCII letters, and U+212A KELVIN SIGN,
 /// the one other character whose lower case is an ASCII letter in use here. Everything else stays.
 [[nodiscard]] std::string lowercased(std::string_view text);
+/// The same into `result`, whose memory is used again.
+void lowercase(std::string_view text, std::string& result);
 
 /// Whether the lowercased text is exactly "true". Nothing is trimmed.
 [[nodiscard]] bool flagFromText(std::string_view text);

@@ -24,11 +24,17 @@ struct Element {
     Property<Record> property;
 };
 
-/// Whether a table is sorted by name and holds no name twice, as storeElement() needs it.
+/// The order of element tables: by length first, which tells most names apart without looking at
+/// their letters, then by the letters.
+constexpr bool isBefore(std::string_view one, std::string_view other) {
+    return one.size() != other.size() ? one.size() < other.size() : one < other;
+}
+
+/// Whether a table is sorted by isBefore() and holds no name twice, as storeElement() needs it.
 template <class Record>
 constexpr bool isElementTable(std::span<const Element<Record>> table) {
     return std::adjacent_find(table.begin(), table.end(), [](const auto& one, const auto& next) {
-               return one.name >= next.name;
+               return !isBefore(one.name, next.name);
            }) == table.end();
 }
 
@@ -56,9 +62,10 @@ Value converted(std::string_view text) {
 template <class Record>
 bool storeElement(std::span<const Element<std::type_identity_t<Record>>> table,
                   std::string_view name, std::string_view text, Record* record) {
-    const auto row = std::lower_bound(
-        table.begin(), table.end(), name,
-        [](const auto& element, std::string_view wanted) { return element.name < wanted; });
+    const auto row = std::lower_bound(table.begin(), table.end(), name,
+                                      [](const auto& element, std::string_view wanted) {
+                                          return isBefore(element.name, wanted);
+                                      });
     if (row == table.end() || row->name != name) {
         return false;
     }

@@ -13,53 +13,53 @@ using Item = FastSpringOrderItem;
 using Payment = FastSpringPaymentItem;
 
 constexpr Element<Order> kOrderElements[] = {
-    {"addressline1", &Order::addressLine1},
-    {"addressline2", &Order::addressLine2},
+    {"tax", &Order::tax},
     {"city", &Order::city},
+    {"test", &Order::isTest},
+    {"total", &Order::total},
+    {"region", &Order::region},
+    {"status", &Order::status},
     {"country", &Order::country},
     {"currency", &Order::currency},
     {"originip", &Order::originIP},
-    {"postalcode", &Order::postalCode},
-    {"reference", &Order::reference},
-    {"region", &Order::region},
     {"shipping", &Order::shipping},
-    {"status", &Order::status},
+    {"reference", &Order::reference},
+    {"postalcode", &Order::postalCode},
+    {"addressline1", &Order::addressLine1},
+    {"addressline2", &Order::addressLine2},
     {"statuschanged", &Order::statusChangedDate},
-    {"tax", &Order::tax},
-    {"test", &Order::isTest},
-    {"total", &Order::total},
 };
 static_assert(isElementTable<Order>(kOrderElements));
 
 constexpr Element<Order> kCustomerElements[] = {
-    {"company", &Order::customerCompany},         {"email", &Order::customerEmail},
-    {"firstname", &Order::customerFirstName},     {"lastname", &Order::customerLastName},
-    {"phonenumber", &Order::customerPhoneNumber},
+    {"email", &Order::customerEmail}, //
+    {"company", &Order::customerCompany},     {"lastname", &Order::customerLastName},
+    {"firstname", &Order::customerFirstName}, {"phonenumber", &Order::customerPhoneNumber},
 };
 static_assert(isElementTable<Order>(kCustomerElements));
 
 constexpr Element<Order> kPurchaserElements[] = {
-    {"company", &Order::purchaserCompany},         {"email", &Order::purchaserEmail},
-    {"firstname", &Order::purchaserFirstName},     {"lastname", &Order::purchaserLastName},
-    {"phonenumber", &Order::purchaserPhoneNumber},
+    {"email", &Order::purchaserEmail}, //
+    {"company", &Order::purchaserCompany},     {"lastname", &Order::purchaserLastName},
+    {"firstname", &Order::purchaserFirstName}, {"phonenumber", &Order::purchaserPhoneNumber},
 };
 static_assert(isElementTable<Order>(kPurchaserElements));
 
 constexpr Element<Item> kItemElements[] = {
-    {"productdisplay", &Item::productDisplay},
-    {"productname", &Item::productName},
     {"quantity", &Item::quantity},
+    {"productname", &Item::productName},
+    {"productdisplay", &Item::productDisplay},
     {"subscriptionreference", &Item::subscriptionReference},
 };
 static_assert(isElementTable<Item>(kItemElements));
 
 constexpr Element<Payment> kPaymentElements[] = {
-    {"currency", &Payment::currency},
-    {"declinedreason", &Payment::declinedReason},
-    {"methodtype", &Payment::methodType},
-    {"status", &Payment::status},
-    {"statuschanged", &Payment::statusChangedDate},
     {"total", &Payment::total},
+    {"status", &Payment::status},
+    {"currency", &Payment::currency},
+    {"methodtype", &Payment::methodType},
+    {"statuschanged", &Payment::statusChangedDate},
+    {"declinedreason", &Payment::declinedReason},
 };
 static_assert(isElementTable<Payment>(kPaymentElements));
 

@@ -26,6 +26,10 @@ constexpr std::array kPatternFields = {
 /// `text` with one byte for each UTF-16 code unit, in which server dates count their characters.
 /// What is not ASCII matches no pattern, so any one byte can stand for it.
 std::string codeUnits(std::string_view text) {
+    const auto isASCII = [](char character) { return static_cast<signed char>(character) >= 0; };
+    if (std::all_of(text.begin(), text.end(), isASCII)) {
+        return std::string(text);
+    }
     std::string units;
     for (const char character : text) {
         const auto byte = static_cast<unsigned char>(character);
@@ -40,8 +44,10 @@ std::string codeUnits(std::string_view text) {
 
 /// Takes the digits at the start of `text`, at least `least` of them, as one field.
 bool takeField(std::string_view& text, std::size_t least, int& field) {
-    const auto count = std::min(text.find_first_not_of("0123456789"), text.size());
-    const auto result = std::from_chars(text.data(), text.data() + count, field);
+    const auto isDigit = [](char character) { return character >= '0' && character <= '9'; };
+    const auto* const end = std::find_if_not(text.begin(), text.end(), isDigit);
+    const auto count = static_cast<std::size_t>(end - text.begin());
+    const auto result = std::from_chars(text.begin(), end, field);
     text.remove_prefix(count);
     return count >= least && result.ec == std::errc();
 }
@@ -100,8 +106,8 @@ bool FastSpringRootParser::cleanUpAnyErrors(std::string_view /*elementName*/) co
 
 void FastSpringRootParser::didStartElement(std::string_view elementName,
                                            const platform::XMLAttributes& attributes) {
-    const std::string name = lowercased(elementName);
-    if (checkForErrors(name, attributes) || startContainer(name)) {
+    lowercase(elementName, elementName_);
+    if (checkForErrors(elementName_, attributes) || startContainer(elementName_)) {
         return;
     }
     accumulatingParsedCharacterData_ = true;
@@ -109,11 +115,11 @@ void FastSpringRootParser::didStartElement(std::string_view elementName,
 }
 
 void FastSpringRootParser::didEndElement(std::string_view elementName) {
-    const std::string name = lowercased(elementName);
-    if (cleanUpAnyErrors(name)) {
+    lowercase(elementName, elementName_);
+    if (cleanUpAnyErrors(elementName_)) {
         return;
     }
-    endElement(name, currentParsedCharacterData_);
+    endElement(elementName_, currentParsedCharacterData_);
     accumulatingParsedCharacterData_ = false;
 }
 

@@ -65,6 +65,7 @@ class FastSpringRootParser : public platform::XMLEventParserDelegate {
     platform::XMLEventParser parser_;
     bool accumulatingParsedCharacterData_ = false;
     std::string currentParsedCharacterData_;
+    std::string elementName_; // lowercased; a member so that its memory is used again
 };
 
 } // namespace store

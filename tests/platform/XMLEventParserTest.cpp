@@ -69,6 +69,22 @@ TEST(XMLEventParser, DeliversTheEventsOfADocument) {
     }
 }
 
+TEST(XMLEventParser, ReadsALargeDocumentInPartsWithTheSameEvents) {
+    std::string document = "<a>";
+    for (int count = 0; count < 1200000; ++count) {
+        document += "<b c='d'>\xc3\xa9</b>";
+    }
+    std::string events = "<a";
+    for (int count = 0; count < 1200000; ++count) {
+        events += "<b*\xc3\xa9"
+                  "b>";
+    }
+    EXPECT_TRUE(eventsOf(document + "</a>") == events + "a>");
+    EXPECT_TRUE(eventsOf(document) == events + "!");
+    const std::string longTag = "<a b='" + std::string(20U << 20U, 'x') + "'/>"; // spans the parts
+    EXPECT_EQ(eventsOf(longTag), "<a*a>");
+}
+
 TEST(XMLEventParser, OpensNoExternalEntity) {
     const std::string external = "<!DOCTYPE a SYSTEM 'file:///etc/hostname' [<!ENTITY e SYSTEM "
                                  "'file:///etc/passwd'>]><a>&e;</a>";

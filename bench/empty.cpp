@@ -1,0 +1,4 @@
+// The least that a C++ program costs.
+int main() {
+    return 0;
+}

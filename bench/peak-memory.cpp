@@ -1,0 +1,38 @@
+// Reads one subscription answer from a file and prints the answer's size, the process's peak
+// resident memory, both in bytes, and the seconds that the reading took.
+#include "store/FastSpringSubscriptionParser.h"
+
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+namespace {
+
+/// The high-water mark of this process alone; that of getrusage() has the parent's in it.
+long peakMemory() {
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);) {
+        if (long kilobytes = 0; std::sscanf(line.c_str(), "VmHWM: %ld", &kilobytes) == 1) {
+            return kilobytes * 1024;
+        }
+    }
+    return 0;
+}
+
+} // namespace
+
+int main(int argumentCount, char** arguments) {
+    if (argumentCount != 2) {
+        return 2;
+    }
+    std::string answer(std::filesystem::file_size(arguments[1]), '\0');
+    std::ifstream(arguments[1], std::ios::binary)
+        .read(answer.data(), static_cast<std::streamsize>(answer.size()));
+    const auto start = std::chrono::steady_clock::now();
+    const auto record = store::FastSpringSubscriptionParser(answer).parseSubscription();
+    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
+    std::printf("%zu %ld %.6f\n", answer.size(), peakMemory(), time.count());
+    return record ? 0 : 1;
+}

@@ -1,0 +1,287 @@
+// What reading an answer costs inside a process, against the parsers that others would use.
+
+#include "store/Conversions.h"
+#include "store/FastSpringSubscriptionParser.h"
+#include "store/FastSpringUtilities.h"
+#include "tests/support/LoopbackServer.h"
+#include "tests/support/Seams.h"
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
+
+#include <benchmark/benchmark.h>
+#include <curl/curl.h>
+#include <expat.h>
+#include <libxml/parser.h>
+#include <libxml/tree.h>
+#include <QXmlStreamReader>
+#include <tinyxml2.h>
+
+namespace {
+
+using Record = store::FastSpringSubscription;
+
+const std::string kSubscription = R"(<subscription>
+  <status>active</status>
+  <statusChanged>2026-03-15T08:30:00.000Z</statusChanged>
+  <statusReason></statusReason>
+  <cancelable>true</cancelable>
+  <reference>ABC123-4567-89S</reference>
+  <test>false</test>
+  <customer>
+    <firstName>Ada</firstName>
+    <lastName>Example</lastName>
+    <company>Example &amp; Daughters</company>
+    <email>ada@example.com</email>
+    <phoneNumber>+1 555 0100</phoneNumber>
+  </customer>
+  <customerUrl>http://store.example.com/account/ABC123-4567-89S</customerUrl>
+  <productName>acme-studio</productName>
+  <quantity>1</quantity>
+  <end>2027-03-15Z</end>
+</subscription>
+)";
+
+/// An answer of the usual size, or one of many records of about `size` bytes.
+std::string answerOf(std::size_t size) {
+    const std::string head = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+    if (size == 0) {
+        return head + kSubscription;
+    }
+    std::string answer = head + "<list>\n";
+    while (answer.size() < size) {
+        answer += kSubscription;
+    }
+    return answer + "</list>\n";
+}
+
+constexpr std::size_t kUsual = 0;
+constexpr std::size_t kLarge = 12'000'000;
+
+// ---- the peers ----
+
+/// Stores one field as our parser does; the conversions are ours, so that only the reading differs.
+void storeField(Record& record, const std::string& name, const std::string& text) {
+    using Property = std::variant<store::Text Record::*, store::Date Record::*,
+                                  store::Number Record::*, bool Record::*>;
+    static const std::map<std::string, Property> fields = {
+        {"status", &Record::status},
+        {"statuschanged", &Record::statusChangedDate},
+        {"statusreason", &Record::statusReason},
+        {"cancelable", &Record::isCancelable},
+        {"reference", &Record::reference},
+        {"test", &Record::isTest},
+        {"firstname", &Record::customerFirstName},
+        {"lastname", &Record::customerLastName},
+        {"company", &Record::customerCompany},
+        {"email", &Record::customerEmail},
+        {"phonenumber", &Record::customerPhoneNumber},
+        {"customerurl", &Record::customerURL},
+        {"productname", &Record::productName},
+        {"quantity", &Record::quantity},
+        {"end", &Record::endDate},
+    };
+    const auto found = fields.find(store::lowercased(name));
+    if (found == fields.end()) {
+        return;
+    }
+    if (const auto* member = std::get_if<store::Text Record::*>(&found->second)) {
+        record.** member = text;
+    } else if (const auto* date = std::get_if<store::Date Record::*>(&found->second)) {
+        record.** date = store::FastSpringRootParser::fromServerDate(text);
+    } else if (const auto* number = std::get_if<store::Number Record::*>(&found->second)) {
+        record.** number = store::numberFromText(text);
+    } else {
+        record.*std::get<bool Record::*>(found->second) = store::flagFromText(text);
+    }
+}
+
+std::shared_ptr<Record> readByQt(const std::string& answer) {
+    std::shared_ptr<Record> record;
+    QString text;
+    QXmlStreamReader reader(
+        QByteArray::fromRawData(answer.data(), static_cast<qsizetype>(answer.size())));
+    while (!reader.atEnd()) {
+        switch (reader.readNext()) {
+        case QXmlStreamReader::StartElement:
+            if (reader.name() == QLatin1String("subscription")) {
+                record = std::make_shared<Record>();
+            }
+            text.clear();
+            break;
+        case QXmlStreamReader::Characters:
+            text += reader.text();
+            break;
+        case QXmlStreamReader::EndElement:
+            if (record) {
+                storeField(*record, reader.name().toString().toStdString(), text.toStdString());
+            }
+            break;
+        default:
+            break;
+        }
+    }
+    return record;
+}
+
+void fillFromTree(const xmlNode* parent, Record& record) {
+    for (const xmlNode* node = parent->children; node != nullptr; node = node->next) {
+        if (node->type != XML_ELEMENT_NODE) {
+            continue;
+        }
+        fillFromTree(node, record);
+        if (xmlFirstElementChild(const_cast<xmlNode*>(node)) == nullptr) {
+            xmlChar* text = xmlNodeGetContent(node);
+            storeField(record, reinterpret_cast<const char*>(node->name),
+                       reinterpret_cast<const char*>(text));
+            xmlFree(text);
+        }
+    }
+}
+
+std::shared_ptr<Record> readByLibxml2(const std::string& answer) {
+    const auto* name = reinterpret_cast<const xmlChar*>("subscription");
+    std::shared_ptr<Record> record;
+    xmlDoc* document = xmlReadMemory(answer.data(), static_cast<int>(answer.size()), nullptr,
+                                     nullptr, XML_PARSE_NONET);
+    const xmlNode* root = xmlDocGetRootElement(document);
+    const auto take = [&](const xmlNode* node) {
+        record = std::make_shared<Record>();
+        fillFromTree(node, *record);
+    };
+    if (xmlStrEqual(root->name, name) != 0) {
+        take(root);
+    }
+    for (const xmlNode* node = root->children; node != nullptr; node = node->next) {
+        if (node->type == XML_ELEMENT_NODE && xmlStrEqual(node->name, name) != 0) {
+            take(node);
+        }
+    }
+    xmlFreeDoc(document);
+    return record;
+}
+
+void fillFromTree(const tinyxml2::XMLElement& parent, Record& record) {
+    for (const auto* element = parent.FirstChildElement(); element != nullptr;
+         element = element->NextSiblingElement()) {
+        fillFromTree(*element, record);
+        if (element->FirstChildElement() == nullptr) {
+            storeField(record, element->Name(),
+                       element->GetText() != nullptr ? element->GetText() : "");
+        }
+    }
+}
+
+std::shared_ptr<Record> readByTinyxml2(const std::string& answer) {
+    std::shared_ptr<Record> record;
+    tinyxml2::XMLDocument document;
+    document.Parse(answer.data(), answer.size());
+    const auto take = [&](const tinyxml2::XMLElement& element) {
+        record = std::make_shared<Record>();
+        fillFromTree(element, *record);
+    };
+    const auto* root = document.RootElement();
+    if (std::string_view(root->Name()) == "subscription") {
+        take(*root);
+    }
+    for (const auto* element = root->FirstChildElement("subscription"); element != nullptr;
+         element = element->NextSiblingElement("subscription")) {
+        take(*element);
+    }
+    return record;
+}
+
+std::shared_ptr<Record> readByBareExpat(const std::string& answer) {
+    XML_Parser parser = XML_ParserCreate(nullptr);
+    XML_SetElementHandler(
+        parser, [](void*, const char*, const char**) {}, [](void*, const char*) {});
+    XML_SetCharacterDataHandler(parser, [](void*, const char*, int) {});
+    benchmark::DoNotOptimize(
+        XML_Parse(parser, answer.data(), static_cast<int>(answer.size()), XML_TRUE));
+    XML_ParserFree(parser);
+    return nullptr;
+}
+
+std::shared_ptr<Record> readByUs(const std::string& answer) {
+    return store::FastSpringSubscriptionParser(answer).parseSubscription();
+}
+
+using Reader = std::shared_ptr<Record> (*)(const std::string& answer);
+
+void reading(benchmark::State& state, Reader read, std::size_t size) {
+    const std::string answer = answerOf(size);
+    const auto record = read(answer);
+    if (read != readByBareExpat && (!record || record->quantity != 1U)) {
+        state.SkipWithError("the record was not read");
+        return;
+    }
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(read(answer));
+    }
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(answer.size()));
+}
+
+// ---- a look-up on loopback ----
+
+const test::LoopbackServer& server() {
+    static const test::LoopbackServer server(test::httpReply(answerOf(kUsual)));
+    test::setStorePort(server.port());
+    return server;
+}
+
+void lookUp(benchmark::State& state) {
+    static_cast<void>(server());
+    for (auto _ : state) {
+        const auto record = store::FastSpringUtilities::subscriptionForStore("acme", "ABC");
+        if (!record) {
+            state.SkipWithError("no record");
+            return;
+        }
+    }
+}
+
+std::size_t append(char* bytes, std::size_t size, std::size_t count, void* body) {
+    static_cast<std::string*>(body)->append(bytes, size * count);
+    return size * count;
+}
+
+void bareLookUp(benchmark::State& state) {
+    const std::string url = server().url("/fastspring.php?f=getsubscription&subscriptionRef=ABC");
+    for (auto _ : state) {
+        std::string body;
+        CURL* handle = curl_easy_init();
+        curl_easy_setopt(handle, CURLOPT_URL, url.c_str());
+        curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, append);
+        curl_easy_setopt(handle, CURLOPT_WRITEDATA, &body);
+        const bool failed = curl_easy_perform(handle) != CURLE_OK;
+        curl_easy_cleanup(handle);
+        static_cast<void>(readByBareExpat(body));
+        if (failed) {
+            state.SkipWithError("no answer");
+            return;
+        }
+    }
+}
+
+} // namespace
+
+int main(int argumentCount, char** arguments) {
+    const std::pair<const char*, Reader> readers[] = {
+        {"ours", readByUs},         {"expat", readByBareExpat},   {"qt", readByQt},
+        {"libxml2", readByLibxml2}, {"tinyxml2", readByTinyxml2},
+    };
+    for (const auto& [name, read] : readers) {
+        const std::string reader = name;
+        benchmark::RegisterBenchmark(("usual/" + reader).c_str(), reading, read, kUsual);
+        benchmark::RegisterBenchmark(("large/" + reader).c_str(), reading, read, kLarge);
+    }
+    benchmark::RegisterBenchmark("lookup/ours", lookUp)->UseRealTime();
+    benchmark::RegisterBenchmark("lookup/bare", bareLookUp)->UseRealTime();
+    benchmark::Initialize(&argumentCount, arguments);
+    benchmark::RunSpecifiedBenchmarks();
+}
