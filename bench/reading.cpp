@@ -7,6 +7,8 @@
 #include "tests/support/Seams.h"
 
 #include <cstdint>
+#include <fstream>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <string>
@@ -26,36 +28,22 @@ namespace {
 
 using Record = store::FastSpringSubscription;
 
-const std::string kSubscription = R"(<subscription>
-  <status>active</status>
-  <statusChanged>2026-03-15T08:30:00.000Z</statusChanged>
-  <statusReason></statusReason>
-  <cancelable>true</cancelable>
-  <reference>ABC123-4567-89S</reference>
-  <test>false</test>
-  <customer>
-    <firstName>Ada</firstName>
-    <lastName>Example</lastName>
-    <company>Example &amp; Daughters</company>
-    <email>ada@example.com</email>
-    <phoneNumber>+1 555 0100</phoneNumber>
-  </customer>
-  <customerUrl>http://store.example.com/account/ABC123-4567-89S</customerUrl>
-  <productName>acme-studio</productName>
-  <quantity>1</quantity>
-  <end>2027-03-15Z</end>
-</subscription>
-)";
+/// One subscription, as the store service writes it.
+std::string subscription() {
+    std::ifstream file(BENCH_SUBSCRIPTION, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
 
 /// An answer of the usual size, or one of many records of about `size` bytes.
 std::string answerOf(std::size_t size) {
     const std::string head = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
     if (size == 0) {
-        return head + kSubscription;
+        return head + subscription();
     }
+    const std::string record = subscription();
     std::string answer = head + "<list>\n";
     while (answer.size() < size) {
-        answer += kSubscription;
+        answer += record;
     }
     return answer + "</list>\n";
 }
