@@ -248,6 +248,9 @@ def main():
         bench.window(environment)
         bench.event_loop(environment)
         bench.table()
+    missing = set(range(1, 14)) - {row[0] for row in bench.rows}
+    if missing:
+        sys.exit(f"bench: rows without a figure: {sorted(missing)}")
 
 
 if __name__ == "__main__":

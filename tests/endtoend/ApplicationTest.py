@@ -121,8 +121,9 @@ class DesktopTest(TestCase):
         return process
 
     def finish(self, process, status=0, seconds=20):
-        self.assertEqual(process.wait(seconds), status)
-        return process.stderr.read()
+        _, log = process.communicate(timeout=seconds)
+        self.assertEqual(process.returncode, status, log)
+        return log
 
     def test_it_ends_silently_where_there_is_no_subscription(self):
         stage = self.make_stage()
