@@ -24,6 +24,8 @@ void reportMissingDisplay(QtMsgType type, const QMessageLogContext& /*context*/,
 } // namespace
 
 int subscriptionHelperApplicationMain(int argumentCount, char** arguments) {
+    // Once more: the process entry has a C++ library of its own.
+    platform::logUncaughtFailures();
     const auto handler = qInstallMessageHandler(reportMissingDisplay);
     QApplication application(argumentCount, arguments);
     qInstallMessageHandler(handler);
