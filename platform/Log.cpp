@@ -63,7 +63,8 @@ void log(std::string_view format, std::initializer_list<TextArgument> arguments)
     if (write(STDERR_FILENO, line.data(), line.size()) < 0) {
         // Standard error may be closed; the system log still gets the message.
     }
-    syslog(LOG_USER | LOG_NOTICE, "%s", message.c_str());
+    openlog(nullptr, LOG_PID, LOG_USER); // sets the form only; called again it changes nothing
+    syslog(LOG_NOTICE, "%s", message.c_str());
 }
 
 void logUncaughtFailures() {

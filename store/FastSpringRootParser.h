@@ -37,8 +37,8 @@ class FastSpringRootParser : public platform::XMLEventParserDelegate {
     [[nodiscard]] bool cleanUpAnyErrors(std::string_view elementName) const;
 
     /// The events of the parse. Element names are matched in any letter case. The text of an
-    /// element is what stands between its start, or the end of its last child's start, and the next
-    /// end.
+    /// element is what was gathered from the last start of an element that is no container to the
+    /// first end after it, so an element with children has the text of its last child.
     void didStartElement(std::string_view elementName,
                          const platform::XMLAttributes& attributes) final;
     void didEndElement(std::string_view elementName) final;
