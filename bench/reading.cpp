@@ -208,7 +208,7 @@ void reading(benchmark::State& state, Reader read, std::size_t size) {
         state.SkipWithError("the record was not read");
         return;
     }
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(read(answer));
     }
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(answer.size()));
@@ -224,7 +224,7 @@ const test::LoopbackServer& server() {
 
 void lookUp(benchmark::State& state) {
     static_cast<void>(server());
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         const auto record = store::FastSpringUtilities::subscriptionForStore("acme", "ABC");
         if (!record) {
             state.SkipWithError("no record");
@@ -240,7 +240,7 @@ std::size_t append(char* bytes, std::size_t size, std::size_t count, void* body)
 
 void bareLookUp(benchmark::State& state) {
     const std::string url = server().url("/fastspring.php?f=getsubscription&subscriptionRef=ABC");
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         std::string body;
         CURL* handle = curl_easy_init();
         curl_easy_setopt(handle, CURLOPT_URL, url.c_str());

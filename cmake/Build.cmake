@@ -20,6 +20,15 @@ if(HELPER_SANITIZE)
     add_compile_options(-fsanitize=${HELPER_SANITIZE} -fno-omit-frame-pointer
         -fno-sanitize-recover=all)
     add_link_options(-fsanitize=${HELPER_SANITIZE})
+else()
+    # Hardening; tests/endtoend/HardeningTest.py looks for it in what was built.
+    add_compile_options(-fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+    if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
+        add_compile_options(-fcf-protection=full)
+    endif()
+    if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
+        add_link_options(-Wl,-z,relro,-z,now)
+    endif()
 endif()
 # The process entry links the platform library but must not drag in what it does not use.
 if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
