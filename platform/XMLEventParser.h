@@ -43,7 +43,8 @@ class XMLEventParserDelegate {
 /// Reads one XML document as a series of events, without namespaces and without opening anything
 /// that the document names. It is linear in the size of the document in time, and needs memory for
 /// at most a sixteenth of a large one (beyond 16 MiB) beside it: entities that the document
-/// declares are expanded under expat's amplification protection, and elements may nest 256 deep.
+/// declares are expanded under expat's amplification protection, which here ends a parse that has
+/// made more than 256 KiB and four times the document's bytes, and elements may nest 256 deep.
 /// Encodings: UTF-8, UTF-16, ISO-8859-1, US-ASCII, and the single-byte ones that iconv knows.
 class XMLEventParser {
   public:

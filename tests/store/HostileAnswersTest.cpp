@@ -1,0 +1,189 @@
+// Answers that were made to do harm: each ends soon, in little memory, also on a small stack.
+#include "store/FastSpringSubscriptionParser.h"
+
+#include "tests/support/LoopbackServer.h"
+#include "tests/support/Measure.h"
+#include "tests/support/TestHome.h"
+
+#include <functional>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <sys/inotify.h>
+#include <unistd.h>
+
+namespace store {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::size_t kMiB = std::size_t{1} << 20U; // as much as is taken from the network
+constexpr std::size_t kStack = (test::kIsSanitized ? 4096 : 512) * std::size_t{1024};
+constexpr auto kLongest = 100ms;
+
+std::string repeated(std::string_view text, std::size_t count) {
+    std::string result;
+    for (std::size_t done = 0; done < count; ++done) {
+        result += text;
+    }
+    return result;
+}
+
+/// A name of its own, three letters long, for each number.
+std::string name(std::size_t number) {
+    constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
+    std::string text;
+    for (int place = 0; place < 3; ++place) {
+        text += kLetters[number % kLetters.size()];
+        number /= kLetters.size();
+    }
+    return text;
+}
+
+std::string joined(std::size_t count, const std::function<std::string(std::size_t)>& part) {
+    std::string result;
+    for (std::size_t number = 0; number < count; ++number) {
+        result += part(number);
+    }
+    return result;
+}
+
+/// A document with an internal document type, whose status is `status`.
+std::string declaring(const std::string& declarations, const std::string& status) {
+    return "<!DOCTYPE a [" + declarations + "]><subscription><status>" + status +
+           "</status></subscription>";
+}
+
+std::string chain(const std::string& mark) {
+    const std::string reference = mark.empty() ? "&" : "&#37;";
+    return "<!ENTITY " + mark + name(0) + " 'x'>" + joined(60000, [&](std::size_t number) {
+               return "<!ENTITY " + mark + name(number + 1) + " '" + reference + name(number) +
+                      ";'>";
+           });
+}
+
+std::string laughs() {
+    return "<!ENTITY a0 'laugh'>" + joined(20, [](std::size_t level) {
+               return "<!ENTITY a" + std::to_string(level + 1) + " '" +
+                      repeated("&a" + std::to_string(level) + ";", 10) + "'>";
+           });
+}
+
+enum class Outcome { Whole, Broken };
+
+struct Row {
+    const char* what;
+    Outcome outcome;
+    std::string answer;
+};
+
+/// Runs a function on a thread whose stack is small.
+void onSmallStack(std::function<void()> function) {
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, kStack), 0);
+    pthread_t thread{};
+    const auto run = [](void* context) -> void* {
+        (*static_cast<std::function<void()>*>(context))();
+        return nullptr;
+    };
+    ASSERT_EQ(pthread_create(&thread, &attributes, run, &function), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
+}
+
+void expectOutcome(const Row& row, std::size_t memoryBefore) {
+    SCOPED_TRACE(row.what);
+    const auto start = test::threadTime();
+    FastSpringSubscriptionParser parser(row.answer);
+    const auto record = parser.parseSubscription();
+    const auto taken = test::threadTime() - start;
+    EXPECT_EQ(parser.isParsingError, row.outcome == Outcome::Broken);
+    EXPECT_LT((record ? record->status.value_or("") : "").size(), 5 * kMiB);
+    if (!test::kIsSanitized) {
+        EXPECT_LT(taken, kLongest);
+        EXPECT_LT(test::peakMemory() - memoryBefore, 32 * kMiB);
+    }
+}
+
+TEST(HostileAnswers, EndSoonAndInLittleMemory) {
+    const std::string start = "<subscription><status>";
+    const Row rows[] = {
+        {"laughs", Outcome::Broken, declaring(laughs(), "&a20;")},
+        {"laughs in an attribute", Outcome::Broken, declaring(laughs(), "<b c='&a20;'/>")},
+        {"one large entity, often", Outcome::Broken,
+         declaring("<!ENTITY a '" + std::string(kMiB / 2, 'x') + "'>", repeated("&a;", kMiB / 6))},
+        {"a small entity, very often", Outcome::Broken,
+         declaring("<!ENTITY a '" + std::string(200, 'x') + "'>", repeated("&a;", kMiB / 3))},
+        {"a long chain of entities", Outcome::Whole, declaring(chain(""), "&" + name(60000) + ";")},
+        {"a long chain in an attribute", Outcome::Whole,
+         declaring(chain(""), "<b c='&" + name(60000) + ";'/>")},
+        {"a long chain of parameter entities", Outcome::Whole,
+         declaring(chain("% ") + "%" + name(60000) + ";", "")},
+        {"a chain that closes", Outcome::Broken,
+         declaring("<!ENTITY a '&b;'><!ENTITY b '&a;'>", "&a;")},
+        {"many entities", Outcome::Whole,
+         declaring(joined(40000, [](auto number) { return "<!ENTITY " + name(number) + " ''>"; }),
+                   "")},
+        {"a deep content model", Outcome::Broken,
+         declaring("<!ELEMENT a " + std::string(kMiB, '('), "")},
+        {"defaults of attributes", Outcome::Whole,
+         declaring("<!ATTLIST b c CDATA '" + std::string(kMiB / 2, 'x') + "'>",
+                   repeated("<b/>", kMiB / 8))},
+        {"deep nesting", Outcome::Broken, repeated("<subscription>", kMiB / 14)},
+        {"many attributes", Outcome::Whole,
+         "<subscription " + joined(100000, [](auto number) { return name(number) + "='' "; }) +
+             "/>"},
+        {"one attribute, often", Outcome::Broken,
+         "<subscription " + repeated("a='' ", kMiB / 5) + "/>"},
+        {"much text", Outcome::Whole, start + std::string(kMiB, ' ') + "</status></subscription>"},
+        {"text in many pieces", Outcome::Whole,
+         start + repeated("&#65;", kMiB / 5) + "</status></subscription>"},
+        {"many elements", Outcome::Whole, "<a>" + repeated("<b/>", kMiB / 4) + "</a>"},
+        {"many records", Outcome::Whole, "<a>" + repeated("<subscription/>", kMiB / 15) + "</a>"},
+        {"a long name", Outcome::Broken, "<" + std::string(kMiB, 'A')},
+        {"a long comment", Outcome::Broken, "<!--" + std::string(kMiB, '-')},
+        {"an open section", Outcome::Broken, start + "<![CDATA[" + std::string(kMiB, ']')},
+        {"UTF-16, and no more than its mark", Outcome::Broken, "\xff\xfe"},
+        {"nothing but zeros", Outcome::Broken, std::string(kMiB, '\0')},
+    };
+    const auto memory = test::peakMemory();
+    onSmallStack([&] {
+        for (const auto& row : rows) {
+            expectOutcome(row, memory);
+        }
+    });
+}
+
+TEST(HostileAnswers, MakeTheParserOpenAndAskForNothing) {
+    const test::TestHome home;
+    const auto file = test::TestHome::path() / "secret";
+    test::writeFile(file, "<!ENTITY a 'secret'>");
+    const test::LoopbackServer server(test::httpReply("<!ENTITY a 'secret'>"));
+    const int watch = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    ASSERT_GE(inotify_add_watch(watch, file.c_str(), IN_ALL_EVENTS), 0);
+    char events[4096];
+    for (const std::string& address : {file.native(), "file://" + file.native(), server.url()}) {
+        const std::string system = " SYSTEM '" + address + "'";
+        for (const std::string& answer :
+             {"<!DOCTYPE subscription" + system + "><subscription/>",
+              "<!DOCTYPE subscription PUBLIC 'x' '" + address + "'><subscription/>",
+              declaring("<!ENTITY a" + system + ">", "&a;"),
+              declaring("<!ENTITY a" + system + ">", "<b c='&a;'/>"),
+              declaring("<!ENTITY % a" + system + "> %a;", "&a;"),
+              declaring("<!NOTATION n" + system + "><!ENTITY a" + system + " NDATA n>", "")}) {
+            const auto record = FastSpringSubscriptionParser(answer).parseSubscription();
+            EXPECT_THAT(record ? record->status.value_or("") : "", testing::IsEmpty()) << answer;
+        }
+    }
+    EXPECT_THAT(server.heads(), testing::IsEmpty());
+    EXPECT_EQ(read(watch, events, sizeof events), -1);
+    test::writeFile(file, "a change, to see that the watch sees");
+    EXPECT_GT(read(watch, events, sizeof events), 0);
+    close(watch);
+}
+
+} // namespace
+} // namespace store
