@@ -148,7 +148,7 @@ class Bench:
 
     def steps(self):
         """Rows 10 and 11: each program's time less that of its start with nothing to do."""
-        step = self.program("bench/removal-step")
+        step = self.program("tests/removal-step")
         stage = Stage(self.build, self.folder / "steps")
         environment = stage.environment()
         temporary = stage.home / "tmp" / f"subscription-helper-{os.geteuid()}"

@@ -40,13 +40,17 @@ bool copyItem(const fs::path& source, const fs::path& target) {
     if (isPresent(target)) {
         return false;
     }
-    std::error_code error;
-    fs::copy(source, target, fs::copy_options::recursive | fs::copy_options::copy_symlinks, error);
-    if (error) {
+    constexpr auto kOptions = fs::copy_options::recursive | fs::copy_options::copy_symlinks;
+    try {
+        // Not the overload with an error code: a directory that cannot be read to its end throws
+        // from that one too.
+        fs::copy(source, target, kOptions);
+        return true;
+    } catch (const fs::filesystem_error&) {
         std::error_code ignored;
         fs::remove_all(target, ignored);
+        return false;
     }
-    return !error;
 }
 
 } // namespace

@@ -9,7 +9,7 @@ namespace platform::workspace {
 /// Moves the entry `name` of `directory` to the user's Trash, from where it can be restored. Links
 /// are moved as links. Gives false, with the entry where it was, when the platform refuses:
 /// `name` is no plain file name, there is no such entry, no Trash on its file system, no right to
-/// move it.
+/// move it, no room to write down where it came from.
 [[nodiscard]] bool recycle(const std::filesystem::path& directory,
                            const std::filesystem::path& name);
 

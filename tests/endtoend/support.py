@@ -13,6 +13,7 @@ import stage  # noqa: E402  pylint: disable=wrong-import-position
 
 BUILD = os.environ.get("HELPER_BUILD", str(stage.PROJECT / "build" / "dev"))
 SANITIZE = os.environ.get("HELPER_SANITIZE", "")
+LONG = os.environ.get("HELPER_LONG") == "ON"
 
 
 class TestCase(unittest.TestCase):

@@ -1,0 +1,135 @@
+"""What is left when a system call of the removal fails, or the process is killed at one."""
+
+import os
+import shutil
+import signal
+import subprocess
+import unittest
+
+from support import BUILD, LONG, TestCase
+from desktop import wait_for
+
+STEP = f"{BUILD}/tests/removal-step"
+ERRORS = ["ENOSPC", "EIO", "EACCES", "EROFS"]
+FAULTY = {name: ERRORS for name in (
+    "access close fallocate fchmod getdents64 mkdir newfstatat openat read readlink rename rmdir "
+    "sendfile symlink unlink unlinkat write").split()} | {"clone3": ["EAGAIN"]}
+
+
+def content(folder):
+    """Everything below a folder, comparable; None when there is no such folder."""
+    def entry(path):
+        what = path.readlink() if path.is_symlink() else path.is_file() and path.read_bytes()
+        return str(path.relative_to(folder)), path.lstat().st_mode, what
+    return sorted(map(entry, folder.rglob("*"))) if folder.is_dir() else None
+
+
+def calls(command, environment, marker):
+    """The calls of a command from the first that names `marker`: (name, its how manieth of it)."""
+    log = subprocess.run(["strace", "-o", "|cat >&2", *command], env=environment, text=True,
+                         capture_output=True, check=True).stderr
+    counts, result, isOwn = {}, [], False
+    for line in log.splitlines():
+        name = line.split("(")[0]
+        counts[name] = counts.get(name, 0) + 1
+        isOwn = isOwn or marker in line and name != "execve"
+        if isOwn and name in FAULTY:
+            result.append((name, counts[name]))
+    return result
+
+
+def with_fault(command, environment, name, when, fault):
+    """The status of a command in which one call has a fault."""
+    return subprocess.run(["strace", "-qq", "-o", "/dev/null", "-e", f"trace={name}", "-e",
+                           f"inject={name}:{fault}:when={when}", *command], env=environment,
+                          capture_output=True, check=False).returncode
+
+
+class RemovalFaultsTest(TestCase):
+    def setUp(self):
+        super().setUp()
+        home = self.folder / "home"
+        self.environment = {"HOME": str(home), "TMPDIR": str(home / "tmp"), "PATH": "/usr/bin",
+                            "LC_ALL": "C.UTF-8"}
+        self.bundle = home / "Own.app"
+        self.note = self.folder / "note"
+        uninstaller = self.bundle / "Contents/Linux/Remove.app/Contents/Linux"
+        uninstaller.mkdir(parents=True)
+        (self.bundle / "Contents/Info.plist").write_text("<plist/>")
+        (self.bundle / "Contents/Resources").mkdir()
+        (self.bundle / "Contents/Resources/Configuration.strings").write_text(
+            '"Application Uninstaller" = "Remove.app";')
+        (uninstaller / "Remove").write_text(f"#!/bin/sh\necho ran >>'{self.note}'\n")
+        (uninstaller / "Remove").chmod(0o755)
+        (uninstaller / "data").write_bytes(bytes(100000))
+        (uninstaller / "link").symlink_to("data")
+        self.copy = home / f"tmp/subscription-helper-{os.geteuid()}/Remove.app"
+        self.kept = self.folder / "kept"
+        shutil.copytree(self.bundle, self.kept, symlinks=True)
+        self.whole = content(self.bundle)
+        self.expected_copy = content(self.bundle / "Contents/Linux/Remove.app")
+
+    def ran(self):
+        return self.note.read_text().count("ran") if self.note.exists() else 0
+
+    def prepare(self):
+        """The state before each round: no Trash yet, and a copy that an earlier launch left."""
+        self.note.unlink(missing_ok=True)
+        for folder in (self.bundle, self.folder / "home/.local", self.copy.parent):
+            shutil.rmtree(folder, ignore_errors=True)
+        shutil.copytree(self.kept, self.bundle, symlinks=True)
+        (self.copy / "Contents").mkdir(parents=True)
+        self.copy.parent.chmod(0o700)
+        (self.copy / "Contents/old").write_text("old")
+
+    def with_each_fault(self, step, check):
+        """Runs a step with each fault at each of its calls; `check` takes the status, or None for a
+        step that was killed."""
+        command = [STEP, step, str(self.bundle)]
+        self.prepare()
+        own = calls(command, self.environment, str(self.bundle))
+        self.assertGreater(len(own), 15)
+        wait_for(self.ran, 0.3)
+        for index, (name, when) in enumerate(own):
+            errors = FAULTY[name] if LONG else [FAULTY[name][index % len(FAULTY[name])]]
+            for fault in [f"error={error}" for error in errors] + ["signal=KILL"]:
+                self.prepare()
+                with self.subTest(f"{step}: {name} {when} {fault}"):
+                    status = with_fault(command, self.environment, name, when, fault)
+                    self.assertIn(status, (0, 1) if fault != "signal=KILL" else
+                                  (-signal.SIGKILL, 128 + signal.SIGKILL))
+                    check(status if status in (0, 1) else None)
+
+    def test_the_uninstaller_is_started_whole_or_not_at_all(self):
+        def check(status):
+            self.assertEqual(content(self.bundle), self.whole)
+            copied = content(self.copy)
+            if status == 0:
+                self.assertEqual(copied, self.expected_copy)
+                self.assertTrue(wait_for(self.ran))
+            elif status == 1 and copied != self.expected_copy:  # whole, or nothing of it
+                self.assertLessEqual({path for path, _, _ in copied or []},
+                                     {"Contents", "Contents/old"})
+            elif status is None and copied == self.expected_copy:
+                wait_for(self.ran, 0.3)
+            self.assertLessEqual(self.ran(), 0 if status == 1 or copied != self.expected_copy else 1)
+
+        self.with_each_fault("launch", check)
+
+    def test_the_bundle_is_whole_at_its_place_or_in_the_trash(self):
+        files = self.folder / "home/.local/share/Trash/files/Own.app"
+        info = self.folder / "home/.local/share/Trash/info/Own.app.trashinfo"
+
+        def check(status):
+            places = [content(self.bundle), content(files)]
+            self.assertIn(places, ([self.whole, None], [None, self.whole]))
+            if status is not None:
+                self.assertEqual(places[0] is None, status == 0)
+            if places[0] is None:
+                self.assertIn(f"Path={self.bundle}\n", info.read_text())
+
+        self.with_each_fault("trash", check)
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
