@@ -72,8 +72,10 @@ std::optional<Data> readRegularFile(const std::filesystem::path& path, std::size
 bool replaceFile(const std::filesystem::path& path, std::string_view content) {
     std::error_code error;
     std::filesystem::path target = std::filesystem::canonical(path, error);
-    if (error) {
+    if (error == std::errc::no_such_file_or_directory) {
         target = path;
+    } else if (error) {
+        return false;
     }
     std::filesystem::path fresh = target;
     fresh += ".new";

@@ -1,6 +1,8 @@
 """What is left when a system call of the removal fails, or the process is killed at one."""
 
 import os
+import pathlib
+import re
 import shutil
 import signal
 import subprocess
@@ -8,11 +10,12 @@ import unittest
 
 from support import BUILD, LONG, TestCase
 from desktop import wait_for
+from stage import HELPER_DOMAIN
 
 STEP = f"{BUILD}/tests/removal-step"
 ERRORS = ["ENOSPC", "EIO", "EACCES", "EROFS"]
 FAULTY = {name: ERRORS for name in (
-    "access close fallocate fchmod getdents64 mkdir newfstatat openat read readlink rename rmdir "
+    "access close fallocate fchmod flock fsync getdents64 mkdir newfstatat openat read readlink rename rmdir "
     "sendfile symlink unlink unlinkat write").split()} | {"clone3": ["EAGAIN"]}
 
 
@@ -24,15 +27,18 @@ def content(folder):
     return sorted(map(entry, folder.rglob("*"))) if folder.is_dir() else None
 
 
-def calls(command, environment, marker):
-    """The calls of a command from the first that names `marker`: (name, its how manieth of it)."""
+def calls(command, environment, marker, end="exit_group"):
+    """The calls of a command from the first that names `marker` to the first that names `end`, each
+    as its name and its how manieth of that name it is."""
     log = subprocess.run(["strace", "-o", "|cat >&2", *command], env=environment, text=True,
-                         capture_output=True, check=True).stderr
+                         capture_output=True, check=False).stderr
     counts, result, isOwn = {}, [], False
     for line in log.splitlines():
         name = line.split("(")[0]
         counts[name] = counts.get(name, 0) + 1
         isOwn = isOwn or marker in line and name != "execve"
+        if isOwn and end in line:
+            break
         if isOwn and name in FAULTY:
             result.append((name, counts[name]))
     return result
@@ -40,7 +46,7 @@ def calls(command, environment, marker):
 
 def with_fault(command, environment, name, when, fault):
     """The status of a command in which one call has a fault."""
-    return subprocess.run(["strace", "-qq", "-o", "/dev/null", "-e", f"trace={name}", "-e",
+    return subprocess.run(["strace", "-f", "--seccomp-bpf", "-qq", "-o", "/dev/null", "-e", f"trace={name}", "-e",
                            f"inject={name}:{fault}:when={when}", *command], env=environment,
                           capture_output=True, check=False).returncode
 
@@ -129,6 +135,73 @@ class RemovalFaultsTest(TestCase):
                 self.assertIn(f"Path={self.bundle}\n", info.read_text())
 
         self.with_each_fault("trash", check)
+
+
+class LastRunFaultsTest(TestCase):
+    def setUp(self):
+        super().setUp()
+        self.stage = self.make_stage()
+        self.file = self.stage.config / f"{HELPER_DOMAIN}.conf"
+        self.command = [str(self.stage.program())]
+        self.environment = self.stage.environment({"PATH": "/usr/bin"})
+
+    def prepare(self, before, is_link):
+        """The state before a round: what the file holds, and what a killed writer left."""
+        for path in self.stage.config.glob("*"):
+            path.unlink()
+        if before:
+            real = self.folder / "dotfile" if is_link else self.file
+            real.write_text(before)
+            real.with_name(real.name + ".new").write_text("half")
+            if is_link:
+                self.file.symlink_to(real)
+
+    def stored(self):
+        return self.file.read_text() if self.file.exists() else ""
+
+    def test_the_moment_is_the_old_or_the_new_one_whatever_fails(self):
+        old = "lastRunUserDefaultKey=2020-02-29T00:00:00.000000Z\n"
+        kills = 0
+        for head, moment, tail, is_link in (
+                ("", "", "", False), ("", old, "", False), ("", old, "", True),
+                ("a=1\n", "", "", False), ("a=1\n", old, "b=2\n", False), ("a=1\n", old, "b=2", True)):
+            before = head + moment + tail
+            new = rf"\A{head}lastRunUserDefaultKey=2(?!020)[-\d]+T[:.\d]+Z\n{tail}\Z"
+            self.prepare(before, is_link)
+            own = calls(self.command, self.environment, str(self.stage.config), "HelperApplication")
+            for index, (name, when) in enumerate(own):
+                for fault in ("signal=KILL", "error=" + FAULTY[name][index % len(FAULTY[name])]):
+                    self.prepare(before, is_link)
+                    kills += fault == "signal=KILL"
+                    with self.subTest(f"{before!r} {name} {when} {fault}"):
+                        with_fault(self.command, self.environment, name, when, fault)
+                        passes = self.stored() == before
+                        if not passes:
+                            self.assertRegex(self.stored(), new)
+                        status, log, seconds = self.stage.run({"PATH": "/usr/bin"})
+                        self.assertEqual(status, 1 if passes else 0, log)  # 1: there is no display
+                        self.assertLess(seconds, 1)
+                        self.assertRegex(self.stored(), new)
+                        self.assertEqual(self.file.is_symlink(), is_link)
+                        self.assertEqual({path.name for path in self.stage.config.glob("*")},
+                                         {f"{HELPER_DOMAIN}.conf", f"{HELPER_DOMAIN}.lock"})
+        self.assertGreaterEqual(kills, 150)
+
+    def test_a_stopped_start_never_holds_the_next_up(self):
+        first = subprocess.Popen(["strace", "-D", "-o", "/dev/null", "-e", "inject=fsync:signal=STOP",
+                                  *self.command], env=self.environment)
+        self.addCleanup(first.wait)
+        self.addCleanup(first.kill)
+        state = pathlib.Path(f"/proc/{first.pid}/status")
+        self.assertTrue(wait_for(lambda: re.search(r"State:\s+[tT]", state.read_text()) and
+                                 list(self.stage.config.glob("*.new"))))
+        status, _, seconds = self.stage.run({"PATH": "/usr/bin"})  # it holds the lock
+        self.assertEqual(status, 0)
+        self.assertLess(seconds, 1)
+        first.kill()
+        first.wait()
+        status, log, _ = self.stage.run({"PATH": "/usr/bin"})
+        self.assertEqual(status, 1, log)
 
 
 if __name__ == "__main__":
