@@ -2,6 +2,7 @@
 
 import contextlib
 import http.server
+import os
 import re
 import shutil
 import signal
@@ -10,9 +11,9 @@ import threading
 import time
 import unittest
 
-from support import BUILD, SANITIZE, TestCase
+from support import BUILD, LONG, SANITIZE, TestCase, content
 from desktop import desktop, wait_for
-from stage import Store, Window
+from stage import HELPER_DOMAIN, Store, Window
 
 NO_DISPLAY = "No window can be shown"
 
@@ -54,12 +55,45 @@ class StartTest(TestCase):
     def test_of_simultaneous_starts_exactly_one_goes_on(self):
         # The one that goes on notices that there is no display and ends with status 1.
         stage = self.make_stage()
-        starts = [stage.start({"PATH": "/usr/bin"}) for _ in range(100)]
-        results = [(process.communicate()[1], process.returncode) for process in starts]
-        statuses = [status for _, status in results]
-        self.assertEqual(statuses.count(1), 1, results)
-        self.assertEqual(statuses.count(0), 99, results)
-        self.assertIsNotNone(stage.last_run())
+        for _ in range(5 if SANITIZE else 20):
+            stage.forget_last_run()
+            starts = [stage.start({"PATH": "/usr/bin"}) for _ in range(100)]
+            results = [(process.communicate()[1], process.returncode) for process in starts]
+            statuses = [status for _, status in results]
+            self.assertEqual((statuses.count(1), statuses.count(0)), (1, 99), results)
+            self.assertIsNotNone(stage.last_run())
+
+    def test_no_state_of_the_defaults_locks_it_out(self):
+        stage = self.make_stage()
+        file = stage.config / f"{HELPER_DOMAIN}.conf"
+        key = "lastRunUserDefaultKey="
+        future = f"{key}2999-01-01T00:00:00.000000Z\n"
+        noise = bytes(range(256)) * 20000  # 5 MB
+        for what, make, can_be_stored in (
+                ("missing", lambda: None, True),
+                ("empty", lambda: file.write_text(""), True),
+                ("no date", lambda: file.write_text(f"a=1\n{key}soon\nb=2\n"), True),
+                ("a number", lambda: file.write_text(f"{key}1780000000\nb=2"), True),
+                ("in the future", lambda: file.write_text(f"a=1\n{future}"), True),
+                ("bytes", lambda: file.write_bytes(b"a=1\n\0\xff" + noise[:5000]), True),
+                ("much noise", lambda: file.write_bytes(noise), False),
+                ("a directory", file.mkdir, False),
+                ("a FIFO", lambda: os.mkfifo(file), False),
+                ("a link in a circle", lambda: file.symlink_to(file), False),
+                ("unreadable", lambda: (file.write_text("a=1\n"), file.chmod(0)), os.geteuid() == 0)):
+            with self.subTest(what):
+                make()
+                before = file.read_bytes() if file.is_file() and can_be_stored else b""
+                for expected in (1, 0 if can_be_stored else 1):  # 1: it goes on, to no display
+                    status, log, seconds = stage.run({"PATH": "/usr/bin"})
+                    self.assertEqual(status, expected, log)
+                    self.assertEqual("cannot be stored" in log, not can_be_stored)
+                    self.assertLess(seconds, 2)
+                if can_be_stored:
+                    lines = set(before.split(b"\n")) - {line for line in before.split(b"\n")
+                                                        if line.startswith(key.encode())}
+                    self.assertLessEqual(lines - {b""}, set(file.read_bytes().split(b"\n")))
+                shutil.rmtree(file) if file.is_dir() else file.unlink()
 
     def test_a_throttled_start_loads_neither_qt_nor_curl(self):
         stage = self.make_stage()
@@ -112,8 +146,8 @@ class DesktopTest(TestCase):
     def tearDownClass(cls):
         cls.stack.close()
 
-    def begin(self, stage):
-        process = stage.start(self.desktop)
+    def begin(self, stage, **variables):
+        process = stage.start(self.desktop | variables)
         self.addCleanup(process.stderr.close)
         self.addCleanup(process.wait)
         self.addCleanup(process.kill)
@@ -197,19 +231,73 @@ class DesktopTest(TestCase):
         opened = self.folder / "opened"
         browser = self.folder / "browser"
         browser.write_text(f"#!/bin/sh\nprintf '%s\\n' \"$@\" >'{opened}.new'\n"
-                           f"mv '{opened}.new' '{opened}'\n")
+                           f"env >'{self.folder}/environment'\nmv '{opened}.new' '{opened}'\n")
         browser.chmod(0o755)
         stage.set_browser(f"{browser} %u")
         with Store(BUILD):
-            process = self.begin(stage)
+            process = self.begin(stage, LD_LIBRARY_PATH="/nowhere", LD_AUDIT="")
             self.window.press_remove()
             self.assertTrue(wait_for(opened.exists))
+            self.assertNotIn("LD_", (self.folder / "environment").read_text())
             self.assertEqual(opened.read_text(), "http://127.0.0.1:8642/account/DEMO-KEEP\n")
             self.assertTrue(wait_for(stage.trashed_bundle))
             self.assertTrue(wait_for(stage.note.exists))
             time.sleep(0.3)
             self.window.keys("Return")
             self.finish(process)
+
+    def test_an_end_at_any_point_of_the_removal_leaves_the_bundle_whole(self):
+        stage = self.make_stage()
+        ran = self.folder / "ran"
+        script = stage.bundle / "Contents/Linux/Uninstall Acme Studio"
+        script.write_text(f"#!/bin/sh\necho ran >>'{ran}'\n")
+        whole, kept = content(stage.bundle), self.folder / "kept"
+        shutil.copytree(stage.bundle, kept, symlinks=True)
+        ends = [(lambda process: process.kill(), -signal.SIGKILL),
+                (lambda process: process.terminate(), -signal.SIGTERM),
+                (lambda process: self.window.keys("ctrl+q"), 0)]
+        places = []
+        with Store(BUILD, "--delay", "400"):
+            for point in range(20):
+                for act, status in ends if LONG else [ends[point % 3]]:
+                    stage.forget_last_run()
+                    ran.unlink(missing_ok=True)
+                    process = self.begin(stage)
+                    self.window.press_remove()
+                    time.sleep(0.15 + point * 0.015)
+                    act(process)
+                    self.finish(process, status)
+                    time.sleep(0.1)
+                    trashed = stage.trashed_bundle()
+                    places.append("Trash" if trashed else "place")
+                    self.assertEqual(content(trashed or stage.bundle), whole)
+                    self.assertNotEqual(bool(trashed), stage.bundle.exists())
+                    self.assertIn(ran.read_text() if ran.exists() else "", ("", "ran\n"))
+                    if trashed:
+                        self.assertEqual(stage.restore_path(), str(stage.bundle))
+                        shutil.rmtree(trashed.parent.parent)
+                        shutil.copytree(kept, stage.bundle, symlinks=True)
+        self.assertEqual(set(places), {"Trash", "place"}, places)
+
+    def test_no_state_of_the_tables_keeps_the_window_away(self):
+        stage = self.make_stage()
+        tables = [stage.bundle / "Contents/Resources" / name
+                  for name in ("Configuration.strings", "en.lproj/Localizable.strings")]
+        window = Window(self.desktop, "Product Name")  # each key stands for itself
+        with Store(BUILD):
+            for what, make in (("missing", lambda table: None),
+                               ("a directory", lambda table: table.mkdir()),
+                               ("a FIFO", os.mkfifo),
+                               ("noise", lambda table: table.write_bytes(bytes(range(256)) * 20000))):
+                for table in tables:
+                    shutil.rmtree(table) if table.is_dir() else table.unlink(missing_ok=True)
+                    make(table)
+                with self.subTest(what):
+                    stage.forget_last_run()
+                    process = stage.start(self.desktop)
+                    self.assertTrue(window.wait())
+                    window.keys("Return")
+                    self.finish(process)
 
     def test_quitting_in_the_middle_ends_at_once(self):
         stage = self.make_stage()

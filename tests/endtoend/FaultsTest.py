@@ -8,7 +8,7 @@ import signal
 import subprocess
 import unittest
 
-from support import BUILD, LONG, TestCase
+from support import BUILD, LONG, TestCase, content
 from desktop import wait_for
 from stage import HELPER_DOMAIN
 
@@ -17,14 +17,6 @@ ERRORS = ["ENOSPC", "EIO", "EACCES", "EROFS"]
 FAULTY = {name: ERRORS for name in (
     "access close fallocate fchmod flock fsync getdents64 mkdir newfstatat openat read readlink rename rmdir "
     "sendfile symlink unlink unlinkat write").split()} | {"clone3": ["EAGAIN"]}
-
-
-def content(folder):
-    """Everything below a folder, comparable; None when there is no such folder."""
-    def entry(path):
-        what = path.readlink() if path.is_symlink() else path.is_file() and path.read_bytes()
-        return str(path.relative_to(folder)), path.lstat().st_mode, what
-    return sorted(map(entry, folder.rglob("*"))) if folder.is_dir() else None
 
 
 def calls(command, environment, marker, end="exit_group"):

@@ -16,6 +16,14 @@ SANITIZE = os.environ.get("HELPER_SANITIZE", "")
 LONG = os.environ.get("HELPER_LONG") == "ON"
 
 
+def content(folder):
+    """Everything below a folder, comparable; None when there is no such folder."""
+    def entry(path):
+        what = path.readlink() if path.is_symlink() else path.is_file() and path.read_bytes()
+        return str(path.relative_to(folder)), path.lstat().st_mode, what
+    return sorted(map(entry, folder.rglob("*"))) if folder.is_dir() else None
+
+
 class TestCase(unittest.TestCase):
     """A test with a throw-away folder of its own."""
 
