@@ -17,11 +17,23 @@ std::filesystem::path sharedTemporaryDirectory() {
     return configured != nullptr && *configured == '/' ? configured : "/tmp";
 }
 
+/// Whether nobody else can put something else into the place of an entry that is there.
+bool keepsEntriesInPlace(const std::filesystem::path& directory, uid_t user) {
+    struct stat status {};
+    return ::stat(directory.c_str(), &status) == 0 &&
+           (status.st_uid == user || status.st_uid == 0) &&
+           ((status.st_mode & S_IWOTH) == 0 || (status.st_mode & S_ISVTX) != 0);
+}
+
 } // namespace
 
 std::optional<std::filesystem::path> userTemporaryDirectory() {
     const uid_t user = ::geteuid();
-    auto path = sharedTemporaryDirectory() / ("subscription-helper-" + std::to_string(user));
+    const auto shared = sharedTemporaryDirectory();
+    if (!keepsEntriesInPlace(shared, user)) {
+        return std::nullopt;
+    }
+    auto path = shared / ("subscription-helper-" + std::to_string(user));
     ::mkdir(path.c_str(), 0700);
     // Checked through the open directory, so that what is checked is what was found.
     const FileDescriptor directory(

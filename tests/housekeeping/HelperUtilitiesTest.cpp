@@ -6,7 +6,9 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <iostream>
 #include <string>
+#include <thread>
 #include <utility>
 
 #include <gmock/gmock.h>
@@ -28,6 +30,7 @@ class HelperUtilitiesTest : public testing::Test {
         bundle_ = test::TestBundle(bundle_.path());
         bundle_.asMainBundle();
         fs::remove_all(copies_);
+        fs::remove(ran_);
     }
 
     void configure(const std::string& uninstaller) const {
@@ -137,27 +140,67 @@ TEST_F(HelperUtilitiesTest, LeaveNoHalfCopyAndLogNothingWhenCopyingFails) {
     EXPECT_FALSE(fs::exists(copies_ / "Uninstall.app"));
 }
 
-TEST_F(HelperUtilitiesTest, UseNoTemporaryDirectoryThatIsNotTheUsersOwn) {
-    configure("Remove It");
-    bundle_.withScript("Remove It", leaveNote_);
-    fs::create_directories(TestHome::path() / "planted");
-    fs::permissions(TestHome::path() / "planted", fs::perms::owner_all);
-    fs::create_directory_symlink(TestHome::path() / "planted", copies_);
-    EXPECT_EQ(launch(), std::pair(false, std::string()));
-    EXPECT_TRUE(fs::is_empty(TestHome::path() / "planted"));
-    fs::remove(copies_);
+/// What somebody could have put in the way: each at `path`, none of it ours.
+void plant(int kind, const fs::path& path, const fs::path& victim) {
+    std::error_code error;
+    if (kind == 0) {
+        fs::create_directory_symlink(victim, path, error);
+    } else if (kind == 1) {
+        fs::create_symlink("/no/such/place", path, error);
+    } else if (kind == 2) {
+        mkfifo(path.c_str(), 0600);
+    } else if (kind == 3 && mkdir(path.c_str(), 0777) == 0) { // NOLINT: as others make it
+        fs::permissions(path, fs::perms::all, error);
+        fs::copy_file(victim / "Remove It", path / "Remove It", error);
+    }
 }
 
-TEST_F(HelperUtilitiesTest, ReplaceALinkAtTheCopysPlaceAndNotItsTarget) {
+TEST_F(HelperUtilitiesTest, FollowAndStartNothingThatWasPutAtTheCopysPlace) {
     configure("Remove It");
-    bundle_.withScript("Remove It", leaveNote_);
-    fs::create_directories(copies_);
-    fs::permissions(copies_, fs::perms::owner_all);
-    test::writeFile(TestHome::path() / "victim", "precious");
-    fs::create_symlink(TestHome::path() / "victim", copies_ / "Remove It");
-    EXPECT_TRUE(launch().first);
-    EXPECT_FALSE(fs::is_symlink(copies_ / "Remove It"));
-    EXPECT_EQ(test::readFile(TestHome::path() / "victim"), "precious");
+    const auto ownRan = TestHome::path() / "own ran";
+    bundle_.withScript("Remove It", "touch '" + ownRan.native() + "'");
+    const auto victim = TestHome::path() / "victim";
+    test::writeFile(victim / "Remove It", "#!/bin/sh\n" + leaveNote_ + "\n", true);
+    fs::permissions(victim, fs::perms::owner_all);
+    const std::string precious = test::readFile(victim / "Remove It");
+    const auto own = test::readFile(bundle_.executable("Remove It"));
+    int planted = 0;
+    // In place of the copy, in place of its directory, and the latter just when that is made.
+    for (int round = 0; round < 300; ++round) {
+        fs::remove_all(copies_);
+        std::thread racer;
+        if (round < 4) {
+            fs::create_directory(copies_);
+            fs::permissions(copies_, fs::perms::owner_all);
+            plant(round, copies_ / "Remove It", victim);
+        } else if (round < 8) {
+            plant(round % 4, copies_, victim);
+        } else {
+            racer = std::thread([&, round] {
+                usleep(static_cast<useconds_t>(round % 60) * 20);
+                plant(round % 4, copies_, victim);
+            });
+        }
+        const auto [result, log] = launch();
+        if (racer.joinable()) {
+            racer.join();
+        }
+        EXPECT_EQ(log, "");
+        EXPECT_TRUE(result || round >= 4) << round;
+        EXPECT_FALSE(result && round >= 4 && round < 8) << round;
+        planted += result ? 0 : 1;
+        if (result) {
+            EXPECT_TRUE(fs::is_directory(fs::symlink_status(copies_)));
+            EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(copies_ / "Remove It")));
+            EXPECT_EQ(test::readFile(copies_ / "Remove It"), own) << round;
+            EXPECT_TRUE(test::appears(ownRan)); // before its script goes, which the shell reads
+            fs::remove(ownRan);
+        }
+        ASSERT_EQ(test::readFile(victim / "Remove It"), precious) << round;
+    }
+    std::cout << planted << " of 300 rounds met something in the way\n";
+    EXPECT_FALSE(fs::exists(ran_));
+    fs::remove_all(copies_);
 }
 
 TEST_F(HelperUtilitiesTest, ReportThatACopyCannotBeStarted) {
