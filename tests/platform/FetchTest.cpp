@@ -1,14 +1,38 @@
 #include "platform/Fetch.h"
 
 #include "tests/support/LoopbackServer.h"
+#include "tests/support/Measure.h"
 #include "tests/support/TestHome.h"
 
+#include <atomic>
 #include <chrono>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <thread>
+
+#include <dlfcn.h>
+#include <netdb.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+namespace {
+std::atomic<bool> resolverWasAsked = false;
+}
+
+/// Stands in for the system's resolver in this process: one name gets no answer for long.
+extern "C" [[gnu::visibility("default")]] int
+getaddrinfo(const char* node, const char* service, const addrinfo* hints, addrinfo** result) {
+    if (node != nullptr && std::string_view(node) == "silent.invalid") {
+        resolverWasAsked = true;
+        std::this_thread::sleep_for(std::chrono::seconds(10));
+        return EAI_AGAIN;
+    }
+    static const auto real =
+        reinterpret_cast<decltype(&getaddrinfo)>(dlsym(RTLD_NEXT, "getaddrinfo"));
+    return real(node, service, hints, result);
+}
 
 namespace platform {
 namespace {
@@ -25,6 +49,11 @@ constexpr FetchLimits kShort{400ms, 800ms, 1000, 2000, 5};
 std::optional<Data> fetchFrom(const LoopbackServer& server, const FetchLimits& limits = kShort) {
     return fetch(URL::make(server.url()).value(), limits);
 }
+
+/// A gzip stream of a thousand zeros for each byte.
+const std::string kBomb = "\x1f\x8b\x08" + std::string(5, '\0') + "\x02\x03\xed\xc1\x31\x01" +
+                          std::string(3, '\0') + "\xc2\xa0\xf5Om\r\x0f\xa0" +
+                          std::string(900, '\0');
 
 struct Row {
     const char* what;
@@ -59,26 +88,72 @@ TEST_F(Fetch, GivesTheBodyOrNothingWhateverTheServerDoes) {
         {"endless headers", {head + "X: y\r\n", Reply::End::Close, true}, std::nullopt},
         {"no HTTP", {"<a/>"}, std::nullopt},
         {"a reset", {head + "Content-Length: 9\r\n\r\n<a/>", Reply::End::Reset}, std::nullopt},
+        {"a reset after what looks whole", {head + "\r\n<a/>", Reply::End::Reset}, std::nullopt},
+        {"endless interim answers",
+         {"HTTP/1.1 100 Continue\r\n\r\n", Reply::End::Close, true},
+         std::nullopt},
+        {"an endless chunk extension",
+         {head + "Transfer-Encoding: chunked\r\n\r\n1;" + std::string(100000, 'x'),
+          Reply::End::Close, true},
+         std::nullopt},
+        {"compression that was not asked for",
+         {head + "Transfer-Encoding: gzip\r\n\r\n" + kBomb},
+         std::nullopt},
+        {"a compressed body, named for the content",
+         {head + "Content-Encoding: gzip\r\n\r\n" + kBomb},
+         kBomb},
         {"silence", {"", Reply::End::Silence}, std::nullopt},
         {"silence in the body",
          {head + "Content-Length: 9\r\n\r\n<a/>", Reply::End::Silence},
          std::nullopt},
-        {"a byte now and then",
+        {"a byte now and then, in the head",
          {httpReply("<a/>").bytes, Reply::End::Close, false, 50},
+         std::nullopt},
+        {"a byte now and then, in the body",
+         {httpReply(std::string(64, 'x')).bytes, Reply::End::Close, false, 10},
          std::nullopt},
         {"a redirect to a file", httpReply("<a/>", "302 Found", "Location: file:///etc/passwd\r\n"),
          std::nullopt},
         {"a redirect to ftp", httpReply("", "302 Found", "Location: ftp://127.0.0.1/\r\n"),
          std::nullopt},
+        {"a redirect to gopher", httpReply("", "302 Found", "Location: gopher://127.0.0.1/\r\n"),
+         std::nullopt},
         {"a redirect in a circle", httpReply("", "302 Found", "Location: /\r\n"), std::nullopt},
     };
+    const auto memory = test::peakMemory();
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         const LoopbackServer server(row.reply);
         const auto start = std::chrono::steady_clock::now();
         EXPECT_EQ(fetchFrom(server), row.data);
         EXPECT_LT(std::chrono::steady_clock::now() - start, kShort.whole + 2s);
+        if (!test::kIsSanitized) {
+            EXPECT_LT(test::peakMemory() - memory, 16U << 20U);
+        }
     }
+}
+
+TEST_F(Fetch, TakesLittleMemoryForTheLargestBodyAndForOneThatIsTooLarge) {
+    const FetchLimits limits;
+    const auto memory = test::peakMemory();
+    const std::string part(64 * 1024, 'x');
+    for (const std::string length : {"", "Content-Length: 1048577\r\n"}) {
+        const LoopbackServer endless(
+            {"HTTP/1.1 200 OK\r\n" + length + "\r\n" + part, Reply::End::Close, true});
+        EXPECT_EQ(fetchFrom(endless, limits), std::nullopt);
+    }
+    const std::string largest(limits.body, 'x');
+    EXPECT_TRUE(fetchFrom(LoopbackServer(httpReply(largest)), limits) == largest);
+    if (!test::kIsSanitized) {
+        EXPECT_LT(test::peakMemory() - memory, 16U << 20U);
+    }
+}
+
+TEST_F(Fetch, DoesNotWaitForASilentResolver) {
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(fetch(URL::make("http://silent.invalid/").value(), kShort), std::nullopt);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, kShort.whole + 1s);
+    EXPECT_TRUE(resolverWasAsked);
 }
 
 TEST_F(Fetch, FollowsFiveRedirectsAndNoSixth) {

@@ -127,6 +127,13 @@ TEST_F(WorkspaceTest, TakesOnlyAnOwnPrivateTemporaryDirectory) {
     test::writeFile(directory, "a file");
     EXPECT_EQ(userTemporaryDirectory(), std::nullopt);
     fs::remove(directory);
+    // Where others can move it away after it was checked.
+    fs::permissions(directory.parent_path(), fs::perms::all);
+    EXPECT_EQ(userTemporaryDirectory(), std::nullopt);
+    fs::permissions(directory.parent_path(), fs::perms::all | fs::perms::sticky_bit);
+    EXPECT_EQ(userTemporaryDirectory(), directory);
+    fs::permissions(directory.parent_path(), fs::perms::owner_all);
+    fs::remove(directory);
     if (geteuid() == 0) { // only root can plant a directory of somebody else
         fs::create_directory(directory);
         fs::permissions(directory, fs::perms::owner_all);
