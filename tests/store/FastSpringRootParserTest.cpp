@@ -3,9 +3,11 @@
 #include "platform/DateText.h"
 #include "store/Conversions.h"
 
+#include <clocale>
 #include <cstdint>
 #include <cstdlib>
 #include <ctime>
+#include <locale>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -33,6 +35,7 @@ const std::pair<const char*, const char*> kDates[] = {
     {"2012-03-15Z", "2012-03-15T00:00:00Z"},
     {"Z2012-03-15", "2012-03-15T00:00:00Z"},
     {"2024-02-29T23:59:59Z", "2024-02-29T23:59:59Z"},
+    {"2026-03-29T02:30:00Z", "2026-03-29T02:30:00Z"}, // no such local time where clocks go ahead
     {"2023-02-29Z", kNone},
     {"Z", kNone},
     {"15.03.2012Z", kNone},
@@ -69,49 +72,59 @@ const std::pair<const char*, const char*> kDates[] = {
     {"2012-03-1\xd9\xa5Z", kNone},
 };
 
-TEST(ServerDate, IsReadByItsPattern) {
+const std::pair<const char*, std::uint64_t> kNumbers[] = {
+    {"3", 3},
+    {" \t\n\v\f\r+42", 42},
+    {"12abc", 12},
+    {"19.95", 19},
+    {"1,000", 1},
+    {"abc", 0},
+    {"", 0},
+    {"-", 0},
+    {"+-5", 0},
+    {"-+5", 0},
+    {"--5", 0},
+    {"\xc2\xa0"
+     "5",
+     0},
+    {"-1", 18446744073709551615U},
+    {"-5", 18446744073709551611U},
+    {"9223372036854775807", 9223372036854775807U},
+    {"9223372036854775808", 9223372036854775807U},
+    {"99999999999999999999", 9223372036854775807U},
+    {"-9223372036854775808", 9223372036854775808U},
+    {"-99999999999999999999", 9223372036854775808U},
+};
+
+void expectOutcomes(const char* where) {
+    SCOPED_TRACE(where);
     for (const auto& [text, outcome] : kDates) {
         EXPECT_EQ(outcomeOf(text), outcome) << text;
     }
-}
-
-TEST(ServerDate, IsTheSameInEveryTimeZone) {
-    for (const char* zone : {"America/New_York", "Asia/Tehran", "Pacific/Apia"}) {
-        setenv("TZ", zone, 1);
-        tzset();
-        for (const auto& [text, outcome] : kDates) {
-            EXPECT_EQ(outcomeOf(text), outcome) << zone << " " << text;
-        }
-    }
-}
-
-TEST(Conversions, ReadNumbersSignedAndGiveThemUnsigned) {
-    const std::pair<const char*, std::uint64_t> rows[] = {
-        {"3", 3},
-        {" \t\n\v\f\r+42", 42},
-        {"12abc", 12},
-        {"19.95", 19},
-        {"1,000", 1},
-        {"abc", 0},
-        {"", 0},
-        {"-", 0},
-        {"+-5", 0},
-        {"-+5", 0},
-        {"--5", 0},
-        {"\xc2\xa0"
-         "5",
-         0},
-        {"-1", 18446744073709551615U},
-        {"-5", 18446744073709551611U},
-        {"9223372036854775807", 9223372036854775807U},
-        {"9223372036854775808", 9223372036854775807U},
-        {"99999999999999999999", 9223372036854775807U},
-        {"-9223372036854775808", 9223372036854775808U},
-        {"-99999999999999999999", 9223372036854775808U},
-    };
-    for (const auto& [text, number] : rows) {
+    for (const auto& [text, number] : kNumbers) {
         EXPECT_EQ(numberFromText(text), number) << text;
     }
+    EXPECT_EQ(lowercased("TITLE I"), "title i");
+    EXPECT_TRUE(flagFromText("TRUE"));
+    const auto moment = platform::momentFromText("2026-03-29T01:30:00.012345Z");
+    EXPECT_EQ(platform::dateText(moment.value()), "2026-03-29T01:30:00.012345Z");
+}
+
+TEST(DatesAndNumbers, AreReadTheSameInEveryTimeZoneAndLocale) {
+    expectOutcomes("C");
+    for (const char* zone : {"America/New_York", "Asia/Tehran", "Europe/Berlin", "Pacific/Apia"}) {
+        setenv("TZ", zone, 1);
+        tzset();
+        expectOutcomes(zone);
+    }
+    // With a comma for a point; with two kinds of i; with digits of its own.
+    setenv("LOCPATH", TEST_LOCALES, 1);
+    for (const char* name : {"de_DE.UTF-8", "tr_TR.UTF-8", "fa_IR.UTF-8"}) {
+        std::locale::global(std::locale(name));
+        ASSERT_STREQ(std::setlocale(LC_ALL, nullptr), name);
+        expectOutcomes(name);
+    }
+    std::locale::global(std::locale::classic());
 }
 
 TEST(Conversions, TakeOnlyTrueForTrue) {
