@@ -1,11 +1,13 @@
 """What is left when a system call of the removal fails, or the process is killed at one."""
 
+import contextlib
 import os
 import pathlib
 import re
 import shutil
 import signal
 import subprocess
+import sys
 import unittest
 
 from support import BUILD, LONG, TestCase, content
@@ -43,13 +45,15 @@ def with_fault(command, environment, name, when, fault):
                           capture_output=True, check=False).returncode
 
 
-class RemovalFaultsTest(TestCase):
+class RemovalCase(TestCase):
+    """A bundle with an uninstaller that is a bundle itself, in a home of their own."""
+
     def setUp(self):
         super().setUp()
         home = self.folder / "home"
         self.environment = {"HOME": str(home), "TMPDIR": str(home / "tmp"), "PATH": "/usr/bin",
                             "LC_ALL": "C.UTF-8"}
-        self.bundle = home / "Own.app"
+        self.bundle = home / "Applications/Own.app"
         self.note = self.folder / "note"
         uninstaller = self.bundle / "Contents/Linux/Remove.app/Contents/Linux"
         uninstaller.mkdir(parents=True)
@@ -80,6 +84,21 @@ class RemovalFaultsTest(TestCase):
         self.copy.parent.chmod(0o700)
         (self.copy / "Contents/old").write_text("old")
 
+    def assert_whole(self, status=None):
+        """The bundle is whole in one place, of which a `status` tells, and can be restored to the
+        first."""
+        trash = next((folder for folder in [*self.folder.glob("home/.local/share/Trash"),
+                                            *self.bundle.parent.glob(".Trash-*")]
+                      if (folder / "files/Own.app").exists()), pathlib.Path("/none"))
+        places = [content(self.bundle), content(trash / "files/Own.app")]
+        self.assertIn(places, ([self.whole, None], [None, self.whole]))
+        if status is not None:
+            self.assertEqual(places[0] is None, status == 0)
+        if places[0] is None:
+            self.assertRegex((trash / "info/Own.app.trashinfo").read_text(), r"\nPath=\S*Own.app\n")
+
+
+class RemovalFaultsTest(RemovalCase):
     def with_each_fault(self, step, check):
         """Runs a step with each fault at each of its calls; `check` takes the status, or None for a
         step that was killed."""
@@ -115,18 +134,70 @@ class RemovalFaultsTest(TestCase):
         self.with_each_fault("launch", check)
 
     def test_the_bundle_is_whole_at_its_place_or_in_the_trash(self):
-        files = self.folder / "home/.local/share/Trash/files/Own.app"
-        info = self.folder / "home/.local/share/Trash/info/Own.app.trashinfo"
+        self.with_each_fault("trash", self.assert_whole)
 
-        def check(status):
-            places = [content(self.bundle), content(files)]
-            self.assertIn(places, ([self.whole, None], [None, self.whole]))
-            if status is not None:
-                self.assertEqual(places[0] is None, status == 0)
-            if places[0] is None:
-                self.assertIn(f"Path={self.bundle}\n", info.read_text())
 
-        self.with_each_fault("trash", check)
+class MountsTest(RemovalCase):
+    """Runs itself again where it may mount."""
+
+    OWN_MOUNTS = ["unshare", "--user", "--map-root-user", "--mount"]
+
+    def step(self, step):
+        return subprocess.run([STEP, step, str(self.bundle)], env=self.environment, check=False,
+                              capture_output=True).returncode
+
+    def mount(self, *arguments):
+        subprocess.run(["mount", *map(str, arguments)], check=True)
+        self.addCleanup(subprocess.run, ["umount", "-l", str(arguments[-1])], check=False,
+                        capture_output=True)
+
+    def mount_tmpfs(self, folder, size):
+        """Puts a file system of its own in place of a folder, with what was in it."""
+        shutil.move(folder, f"{folder}.old")
+        folder.mkdir()
+        self.mount("-t", "tmpfs", "-o", f"size={size}", "tmpfs", folder)
+        shutil.copytree(f"{folder}.old", folder, symlinks=True, dirs_exist_ok=True)
+
+    def on_a_read_only_one(self):
+        self.mount("--bind", self.bundle.parent, self.bundle.parent)
+        self.mount("-o", "remount,bind,ro", self.bundle.parent)
+        self.assertEqual((self.step("launch"), self.step("trash")), (0, 1))
+
+    def on_another_one_than_home(self):
+        self.mount_tmpfs(self.bundle.parent, "8m")
+        self.assert_whole(self.step("trash"))
+
+    def with_a_home_that_is_read_only(self):
+        home = self.folder / "home"
+        self.mount("--bind", home, home)
+        self.mount("--bind", self.bundle.parent, self.bundle.parent)
+        self.mount("-o", "remount,bind,ro", home)
+        self.assertEqual((self.step("launch"), self.step("trash")), (1, 1))
+
+    def on_a_full_one(self):
+        self.mount_tmpfs(self.folder / "home", "1m")
+        for step in ("launch", "trash"):
+            with contextlib.suppress(OSError), open(self.folder / f"home/{step}", "wb", 0) as filler:
+                while filler.write(bytes(4096)):
+                    pass
+            self.assertEqual(self.step(step), 1)
+        self.assertFalse(self.copy.exists())
+        self.assertFalse(list(self.folder.glob("home/.local/share/Trash/*/*")))
+
+    def test_the_bundle_stays_whole_on_every_file_system(self):
+        if "HELPER_MOUNTS" not in os.environ:
+            if subprocess.run([*self.OWN_MOUNTS, "true"], check=False).returncode != 0:
+                self.skipTest("no mounts can be made here")
+            subprocess.run([*self.OWN_MOUNTS, sys.executable, __file__, "MountsTest"], check=True,
+                           env=os.environ | {"HELPER_MOUNTS": "1"})
+            return
+        for condition in (self.on_a_read_only_one, self.on_another_one_than_home,
+                          self.with_a_home_that_is_read_only, self.on_a_full_one):
+            self.setUp()
+            with self.subTest(condition.__name__):
+                self.prepare()
+                condition()
+                self.assert_whole()
 
 
 class LastRunFaultsTest(TestCase):
