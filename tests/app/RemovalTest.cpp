@@ -240,6 +240,8 @@ TEST_F(Removal, StartsWithAWindowThatCanBeUsedByKeyboardAlone) {
         }
     }
     for (const auto* label : window->findChildren<QLabel*>()) {
+        EXPECT_TRUE(label->text().isEmpty() || label->textFormat() == Qt::PlainText);
+        EXPECT_FALSE(label->text().contains(QStringLiteral("account</b>")));
         EXPECT_LE(label->heightForWidth(label->width()), label->height())
             << label->objectName().toStdString();
     }
