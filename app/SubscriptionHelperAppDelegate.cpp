@@ -1,5 +1,6 @@
 #include "app/SubscriptionHelperAppDelegate.h"
 
+#include "app/Contrast.h"
 #include "app/ProgressSheet.h"
 #include "app/Spinner.h"
 #include "app/Texts.h"
@@ -48,13 +49,15 @@ void giveRoom(QPushButton& button) {
     button.setMinimumSize(button.sizeHint() + kButtonRoom);
 }
 
-/// Makes the button stand out as the one that is meant by default, in the user's own colours.
+/// Makes the button stand out as the one that is meant by default, in the user's own colours, made
+/// darker or lighter as far as its text needs it to be read.
 void setPrimary(QPushButton& button) {
     QPalette palette = button.palette();
     for (const auto group : {QPalette::Active, QPalette::Inactive}) {
-        palette.setColor(group, QPalette::Button, palette.color(group, QPalette::Highlight));
-        palette.setColor(group, QPalette::ButtonText,
-                         palette.color(group, QPalette::HighlightedText));
+        const QColor text = palette.color(group, QPalette::HighlightedText);
+        palette.setColor(group, QPalette::Button,
+                         readableBackground(palette.color(group, QPalette::Highlight), text));
+        palette.setColor(group, QPalette::ButtonText, text);
     }
     button.setPalette(palette);
 }
@@ -85,6 +88,7 @@ void SubscriptionHelperAppDelegate::loadWindow() {
     spinner_ = ui_->spinner;
     progressLabel_ = ui_->progressLabel;
 
+    window_->setLayoutDirection(textDirection());
     localizeTexts<QLabel>(*window_);
     localizeTexts<QPushButton>(*window_);
     cancelButton_->setShortcut(Qt::Key_Escape); // after its text, which resets the shortcut

@@ -3,6 +3,8 @@
 #include "platform/Bundle.h"
 #include "platform/Text.h"
 
+#include <QLocale>
+
 namespace app {
 namespace {
 
@@ -22,6 +24,13 @@ QString localized(std::string_view key) {
 
 std::string productName() {
     return entry("Product Name");
+}
+
+Qt::LayoutDirection textDirection() {
+    const auto bundle = platform::Bundle::mainBundle();
+    const auto table = bundle ? bundle->pathForResource("Localizable.strings") : std::nullopt;
+    const auto language = table ? table->parent_path().stem().native() : std::string();
+    return QLocale(QString::fromStdString(language)).textDirection();
 }
 
 } // namespace app

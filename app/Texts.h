@@ -15,4 +15,7 @@ namespace app {
 /// The product's display name: the entry "Product Name" of the same table.
 [[nodiscard]] std::string productName();
 
+/// The direction in which the language of these texts is written.
+[[nodiscard]] Qt::LayoutDirection textDirection();
+
 } // namespace app

@@ -4,8 +4,10 @@
 #include "platform/Log.h"
 #include "platform/UserDefaults.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <string_view>
 
 #include <dlfcn.h>
 
@@ -25,10 +27,32 @@ int runApplication(const platform::Bundle& bundle, int argumentCount, char** arg
                                                                                     arguments);
 }
 
+/// Answers a question about the program itself, which counts as no run. Gives whether it was one.
+bool answered(std::string_view question) {
+    if (question == "--version") {
+        std::puts("Subscription Helper " HELPER_VERSION);
+    } else if (question == "--help" || question == "-h") {
+        std::puts("Usage: \"Subscription Helper\" [--help | --version]\n\n"
+                  "Helps a customer to leave " HELPER_PRODUCT_NAME
+                  ": shows one window and, on request,\n"
+                  "cancels the subscription at the store, starts the uninstaller and moves itself\n"
+                  "to the Trash. Works at most once in four hours; a start in between, or one\n"
+                  "without a subscription, ends at once with status 0.\n\n"
+                  "The time of the last run is kept in " HELPER_IDENTIFIER ".conf in the\n"
+                  "user's configuration directory.");
+    } else {
+        return false;
+    }
+    return true;
+}
+
 } // namespace
 
 int main(int argumentCount, char** arguments) {
     platform::logUncaughtFailures();
+    if (argumentCount == 2 && answered(arguments[1])) {
+        return EXIT_SUCCESS;
+    }
     const auto bundle = platform::Bundle::mainBundle();
     if (!bundle) {
         platform::log("Not started from an application bundle, so there is nothing to do: %@",

@@ -11,6 +11,9 @@ set(HELPER_CONFIGURATION "${PROJECT_SOURCE_DIR}/resources/Configuration.strings"
 set(HELPER_UNINSTALLER "${PROJECT_SOURCE_DIR}/demo/product/Uninstall Acme Studio" CACHE FILEPATH
     "The product's uninstaller to bundle: a program, a script or an application bundle; may be empty")
 
+# For a text in quotes.
+string(REGEX REPLACE "([\\\\\"])" "\\\\\\1" HELPER_PRODUCT_NAME_ESCAPED "${HELPER_PRODUCT_NAME}")
+
 # The bundle, assembled in the build folder.
 set(HELPER_BUNDLE "${PROJECT_BINARY_DIR}/Subscription Helper.app")
 

@@ -6,8 +6,8 @@
 namespace platform {
 
 /// The user's languages for texts, the preferred one first, each followed by its parents and
-/// named as `.lproj` directories are: "de_AT", "de". On Linux from `LANGUAGE` and the locale for
-/// messages, as gettext does; empty when that locale is "C" or "POSIX".
+/// named as `.lproj` directories are: "de_AT", "de", "zh_Hans". On Linux from `LANGUAGE` and the
+/// locale for messages, as gettext does; empty when that locale is "C" or "POSIX".
 [[nodiscard]] std::vector<std::string> userLanguages();
 
 } // namespace platform

@@ -24,6 +24,9 @@ std::string_view messagesLocale() {
 
 void appendWithParents(std::vector<std::string>& languages, std::string_view locale) {
     locale = locale.substr(0, locale.find_first_of(".@"));
+    if (locale == "zh_CN" || locale == "zh_SG" || locale == "zh") {
+        languages.emplace_back("zh_Hans"); // a locale does not name the script
+    }
     while (!locale.empty() && locale.find('/') == std::string_view::npos) {
         languages.emplace_back(locale);
         const auto parent = locale.rfind('_');

@@ -3,11 +3,7 @@
 
 #include "app/ProgressSheet.h"
 #include "app/Spinner.h"
-#include "app/SubscriptionHelperAppDelegate.h"
-#include "tests/support/LoopbackServer.h"
-#include "tests/support/Seams.h"
-#include "tests/support/TestBundle.h"
-#include "tests/support/TestHome.h"
+#include "tests/app/DelegateTest.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -35,65 +31,12 @@ namespace fs = std::filesystem;
 using app::ProgressSheet;
 using app::SubscriptionHelperAppDelegate;
 using test::httpReply;
+using test::kRecord;
 using test::TestHome;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-const std::string kRecord =
-    "<subscription><customerUrl>http://127.0.0.1:9/<b>account</b></customerUrl></subscription>";
-
-class Removal : public testing::Test {
-  protected:
-    Removal() {
-        fs::remove_all(TestHome::path() / "data");
-        fs::remove_all(TestHome::temporaryDirectory());
-        bundle_.asMainBundle();
-        bundle_.withResource("Configuration.strings",
-                             "storeid = acme; \"Application Uninstaller\" = Uninstall;");
-        bundle_.withScript("Uninstall", "echo ran > '" + note_.native() + "'");
-        fs::remove(note_);
-        setReference("REF-1");
-        test::setStorePort(server_.port());
-    }
-
-    static void setReference(const std::string& reference) {
-        test::writeFile(TestHome::path() / "config" / "com.example.acme-studio.conf",
-                        "subscriptionReference=" + reference + "\n");
-    }
-
-    /// The window once the start-up has presented it.
-    QDialog* startUp() {
-        delegate_.awakeFromNib();
-        for (auto* widget : QApplication::topLevelWidgets()) {
-            if (auto* window = qobject_cast<QDialog*>(widget); window != nullptr) {
-                return QTest::qWaitForWindowActive(window) ? window : nullptr;
-            }
-        }
-        return nullptr;
-    }
-
-    template <class Widget>
-    static Widget& child(QDialog& window, const char* name) {
-        return *window.findChild<Widget*>(QString::fromLatin1(name));
-    }
-
-    void press(QDialog& window) {
-        QTest::mouseClick(&child<QPushButton>(window, "removeButton"), Qt::LeftButton);
-    }
-
-    bool waitUntilRemoved() {
-        return QTest::qWaitFor([this] { return !delegate_.isRemoving(); }, 20000);
-    }
-
-    test::TestHome home_;
-    test::TestBundle bundle_{TestHome::path() / "Applications" / "Subscription Helper.app"};
-    fs::path note_ = TestHome::path() / "note";
-    std::function<test::Reply()> cancelReply_ = [] { return httpReply(kRecord); };
-    test::LoopbackServer server_{[this](const std::string& target) {
-        return target.find("delete") == std::string::npos ? httpReply(kRecord) : cancelReply_();
-    }};
-    SubscriptionHelperAppDelegate delegate_;
-};
+class Removal : public test::DelegateTest {};
 
 TEST_F(Removal, GoesThroughItsStepsAndLeavesTheSheetUp) {
     QDialog* window = startUp();
@@ -220,31 +163,6 @@ TEST_F(Removal, NeverHoldsTheMainThreadUp) {
     EXPECT_LT(longest, 100'000'000);
     EXPECT_EQ(fs::file_size(TestHome::temporaryDirectory() / "Uninstall"), 256U << 20U);
     fs::remove_all(TestHome::path() / "data");
-}
-
-TEST_F(Removal, StartsWithAWindowThatCanBeUsedByKeyboardAlone) {
-    QDialog* window = startUp();
-    ASSERT_NE(window, nullptr);
-    auto& remove = child<QPushButton>(*window, "removeButton");
-    EXPECT_TRUE(child<QPushButton>(*window, "mainButton").isDefault());
-    EXPECT_TRUE(child<QPushButton>(*window, "mainButton").hasFocus());
-    QTest::keyClick(window, Qt::Key_Tab);
-    QTest::keyClick(window, Qt::Key_Tab);
-    EXPECT_TRUE(remove.hasFocus());
-    EXPECT_FALSE(remove.isDefault());
-    const QRect inside = window->rect();
-    for (const auto* widget : window->findChildren<QWidget*>()) {
-        if (widget->isVisible()) {
-            const QRect place(widget->mapTo(window, QPoint()), widget->size());
-            EXPECT_TRUE(inside.contains(place)) << widget->objectName().toStdString();
-        }
-    }
-    for (const auto* label : window->findChildren<QLabel*>()) {
-        EXPECT_TRUE(label->text().isEmpty() || label->textFormat() == Qt::PlainText);
-        EXPECT_FALSE(label->text().contains(QStringLiteral("account</b>")));
-        EXPECT_LE(label->heightForWidth(label->width()), label->height())
-            << label->objectName().toStdString();
-    }
 }
 
 } // namespace

@@ -108,6 +108,16 @@ class StartTest(TestCase):
         self.assertNotRegex(log, libraries)
         self.assertEqual(stage.last_run(), stored)
 
+    def test_a_question_about_itself_counts_as_no_run(self):
+        stage = self.make_stage()
+        for question, answer in (("--version", r"^Subscription Helper \d+\.\d+\.\d+\n$"),
+                                 ("--help", "Helps a customer to leave Acme Studio: ")):
+            result = subprocess.run([stage.program(), question], env=stage.environment(), text=True,
+                                    capture_output=True, check=True)
+            self.assertRegex(result.stdout, answer)
+            self.assertEqual(result.stderr, "")
+        self.assertFalse(list(stage.config.glob(f"{HELPER_DOMAIN}*")))
+
     def test_outside_a_bundle_it_does_nothing(self):
         stage = self.make_stage()
         lonely = self.folder / "lonely"

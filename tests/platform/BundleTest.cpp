@@ -69,6 +69,13 @@ TEST_F(BundleTest, LooksTextsUpInTheOrderOfLanguages) {
     setenv("LC_ALL", "de_AT.UTF-8", 1);
     EXPECT_EQ(bundle->localizedString("Close"), "Schlie\xc3\x9f"
                                                 "en");
+    files.withResource("zh_Hans.lproj/Localizable.strings", "\"Close\" = \"\\U5173\";");
+    for (const char* locale : {"zh_CN.UTF-8", "zh_SG", "zh"}) {
+        setenv("LC_ALL", locale, 1);
+        EXPECT_EQ(bundle->localizedString("Close"), "\xe5\x85\xb3") << locale;
+    }
+    setenv("LC_ALL", "zh_TW.UTF-8", 1);
+    EXPECT_EQ(bundle->localizedString("Close"), "Close it");
     // A copy directly among the resources goes before every language, and is read anew.
     files.withResource("Localizable.strings", "\"Close\" = \"Any\";");
     EXPECT_EQ(bundle->localizedString("Close"), "Any");
