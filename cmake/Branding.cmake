@@ -1,33 +1,61 @@
-# What a company sets to make the helper its own. Every value is compiled or bundled in; none can
-# be changed at run time.
-set(HELPER_PRODUCT_NAME "Acme Studio" CACHE STRING "The product's display name")
-set(HELPER_IDENTIFIER "com.example.subscription-helper" CACHE STRING
-    "The helper's own identifier: bundle identifier and user defaults domain")
-set(HELPER_PRODUCT_DOMAIN "com.example.acme-studio" CACHE STRING
-    "The user defaults domain in which the product keeps subscriptionReference")
-set(HELPER_STORE_HOST "127.0.0.1:8642" CACHE STRING "The store service: host or host:port")
-set(HELPER_CONFIGURATION "${PROJECT_SOURCE_DIR}/resources/Configuration.strings" CACHE FILEPATH
-    "The Configuration.strings to bundle")
-set(HELPER_UNINSTALLER "${PROJECT_SOURCE_DIR}/demo/product/Uninstall Acme Studio" CACHE FILEPATH
-    "The product's uninstaller to bundle: a program, a script or an application bundle; may be empty")
+# What a company sets to make the helper its own, in a brand file; docs/packaging.md says what each
+# setting is. Every value is compiled or bundled in; none can be changed at run time.
+set(HELPER_BRAND "${PROJECT_SOURCE_DIR}/demo/product/brand.cmake" CACHE FILEPATH
+    "The brand file: a set() line for each setting")
 
-# For a text in quotes.
-string(REGEX REPLACE "([\\\\\"])" "\\\\\\1" HELPER_PRODUCT_NAME_ESCAPED "${HELPER_PRODUCT_NAME}")
+# helper_setting(NAME PATTERN WHAT): the brand must set NAME to something that matches.
+function(helper_setting name pattern what)
+    if(NOT DEFINED ${name})
+        message(FATAL_ERROR "${HELPER_BRAND}: ${name} is missing; it must be ${what}")
+    elseif(NOT "${${name}}" MATCHES "^(${pattern})$")
+        message(FATAL_ERROR "${HELPER_BRAND}: ${name} must be ${what}, not '${${name}}'")
+    endif()
+endfunction()
+
+# helper_file_setting(NAME WHAT): makes the path of NAME absolute; it must be there.
+function(helper_file_setting name what)
+    get_filename_component(path "${${name}}" ABSOLUTE BASE_DIR "${brand_directory}")
+    if(NOT EXISTS "${path}")
+        message(FATAL_ERROR "${HELPER_BRAND}: ${name} must be ${what}; there is no '${path}'")
+    endif()
+    set(${name} "${path}" PARENT_SCOPE)
+endfunction()
+
+foreach(name COMPANY_NAME PRODUCT_NAME IDENTIFIER PRODUCT_DOMAIN STORE_HOST STORE_ID UNINSTALLER ICON)
+    unset(HELPER_${name})
+    unset(HELPER_${name} CACHE)
+endforeach()
+if(NOT EXISTS "${HELPER_BRAND}" OR IS_DIRECTORY "${HELPER_BRAND}")
+    message(FATAL_ERROR "HELPER_BRAND names no brand file: '${HELPER_BRAND}'; see docs/packaging.md")
+endif()
+include("${HELPER_BRAND}")
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${HELPER_BRAND}")
+get_filename_component(brand_directory "${HELPER_BRAND}" ABSOLUTE)
+get_filename_component(brand_directory "${brand_directory}" DIRECTORY)
+
+set(name "[^\n\r]*[^ \n\r][^\n\r]*")
+set(domain "[A-Za-z0-9][A-Za-z0-9-]*(\\.[A-Za-z0-9-]+)+")
+helper_setting(HELPER_COMPANY_NAME "${name}" "the company's name")
+helper_setting(HELPER_PRODUCT_NAME "${name}" "the product's display name")
+helper_setting(HELPER_IDENTIFIER "${domain}" "a reverse domain name")
+helper_setting(HELPER_PRODUCT_DOMAIN "${domain}" "a reverse domain name")
+helper_setting(HELPER_STORE_HOST "[A-Za-z0-9._-]+(:[0-9]+)?" "a host or host:port")
+helper_setting(HELPER_STORE_ID "${name}" "the store's identifier at the store service")
+helper_setting(HELPER_UNINSTALLER "|${name}" "a program, a script or an application bundle, or empty")
+helper_setting(HELPER_ICON "${name}\\.svg" "an SVG file")
+helper_file_setting(HELPER_ICON "an SVG file")
+if(HELPER_UNINSTALLER)
+    helper_file_setting(HELPER_UNINSTALLER "a program, a script or an application bundle, or empty")
+endif()
+if(HELPER_PRODUCT_DOMAIN STREQUAL HELPER_IDENTIFIER)
+    message(FATAL_ERROR "${HELPER_BRAND}: HELPER_PRODUCT_DOMAIN and HELPER_IDENTIFIER must differ")
+endif()
+
+# What stands in quotes, in C++ and in strings tables.
+get_filename_component(HELPER_UNINSTALLER_NAME "${HELPER_UNINSTALLER}" NAME)
+foreach(name PRODUCT_NAME STORE_ID UNINSTALLER_NAME)
+    string(REGEX REPLACE "([\\\\\"])" "\\\\\\1" HELPER_${name}_ESCAPED "${HELPER_${name}}")
+endforeach()
 
 # The bundle, assembled in the build folder.
 set(HELPER_BUNDLE "${PROJECT_BINARY_DIR}/Subscription Helper.app")
-
-foreach(setting HELPER_IDENTIFIER HELPER_PRODUCT_DOMAIN)
-    if(NOT ${setting} MATCHES "^[A-Za-z0-9][A-Za-z0-9._-]*$")
-        message(FATAL_ERROR "${setting} must be a reverse domain name, not '${${setting}}'")
-    endif()
-endforeach()
-if(NOT HELPER_STORE_HOST MATCHES "^[A-Za-z0-9._-]+(:[0-9]+)?$")
-    message(FATAL_ERROR "HELPER_STORE_HOST must be host or host:port, not '${HELPER_STORE_HOST}'")
-endif()
-if(NOT EXISTS "${HELPER_CONFIGURATION}")
-    message(FATAL_ERROR "HELPER_CONFIGURATION names no file: '${HELPER_CONFIGURATION}'")
-endif()
-if(HELPER_UNINSTALLER AND NOT EXISTS "${HELPER_UNINSTALLER}")
-    message(FATAL_ERROR "HELPER_UNINSTALLER names no file: '${HELPER_UNINSTALLER}'")
-endif()

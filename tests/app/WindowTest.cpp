@@ -20,7 +20,7 @@ using platform::StringsTable;
 
 class Window : public test::DelegateTest {
   protected:
-    ~Window() override { unsetenv("LANGUAGE"); }
+    void TearDown() override { unsetenv("LANGUAGE"); }
 };
 
 std::ptrdiff_t occurrences(const std::string& text, const char* part) {

@@ -19,7 +19,11 @@ LONG = os.environ.get("HELPER_LONG") == "ON"
 def content(folder):
     """Everything below a folder, comparable; None when there is no such folder."""
     def entry(path):
-        what = path.readlink() if path.is_symlink() else path.is_file() and path.read_bytes()
+        what = None
+        if path.is_symlink():
+            what = path.readlink()
+        elif path.is_file() and path.stat().st_mode & 0o400:  # a half copy may be unreadable
+            what = path.read_bytes()
         return str(path.relative_to(folder)), path.lstat().st_mode, what
     return sorted(map(entry, folder.rglob("*"))) if folder.is_dir() else None
 

@@ -141,7 +141,7 @@ TEST_F(Fetch, NoticesAtOnceWhatIsTooLarge) {
     const auto start = std::chrono::steady_clock::now();
     const std::string head = "HTTP/1.1 200 OK\r\n";
     const Reply replies[] = {
-        {head + "\r\n" + std::string(64 * 1024, 'x'), Reply::End::Close, true},
+        {head + "\r\n" + std::string(65536, 'x'), Reply::End::Close, true},
         {head + "X: " + std::string(1024, 'y') + "\r\n", Reply::End::Close, true},
         {head + "Content-Length: 10737418240\r\n\r\n", Reply::End::Silence},
     };

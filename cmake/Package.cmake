@@ -1,0 +1,11 @@
+# cpack: the bundle as a .tar.gz, with its SHA-256 beside it, the same bytes from each build of a commit.
+set(CPACK_GENERATOR External)
+set(CPACK_PACKAGE_NAME "${HELPER_IDENTIFIER}")
+set(CPACK_PACKAGE_VENDOR "${HELPER_COMPANY_NAME}")
+set(CPACK_PACKAGE_FILE_NAME
+    "${HELPER_IDENTIFIER}-${PROJECT_VERSION}-${CMAKE_SYSTEM_NAME}-${CMAKE_SYSTEM_PROCESSOR}")
+set(CPACK_EXTERNAL_PACKAGE_SCRIPT "${PROJECT_SOURCE_DIR}/cmake/PackageBundle.cmake")
+set(CPACK_EXTERNAL_ENABLE_STAGING OFF)
+set(CPACK_HELPER_BUNDLE "${HELPER_BUNDLE}")
+set(CPACK_INSTALL_CMAKE_PROJECTS "") # the bundle lies in the build folder as it is shipped
+include(CPack)

@@ -1,0 +1,20 @@
+# Run by cpack. The times in the archive are that of the commit, or SOURCE_DATE_EPOCH where it is set.
+set(epoch "$ENV{SOURCE_DATE_EPOCH}")
+if(NOT epoch)
+    execute_process(COMMAND git log -1 --format=%ct WORKING_DIRECTORY "${CMAKE_CURRENT_LIST_DIR}"
+        OUTPUT_VARIABLE epoch OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
+endif()
+if(NOT epoch MATCHES "^[0-9]+$")
+    message(FATAL_ERROR "Not in a git checkout: set SOURCE_DATE_EPOCH to the time of the release")
+endif()
+
+get_filename_component(folder "${CPACK_HELPER_BUNDLE}" DIRECTORY)
+get_filename_component(name "${CPACK_HELPER_BUNDLE}" NAME)
+set(archive "${CPACK_PACKAGE_DIRECTORY}/${CPACK_PACKAGE_FILE_NAME}.tar")
+execute_process(COMMAND_ERROR_IS_FATAL ANY
+    COMMAND tar --create --format=gnu --sort=name --mtime=@${epoch} --owner=0 --group=0
+            --numeric-owner --mode=u+rwX,go+rX,go-w "--file=${archive}" "--directory=${folder}" "${name}")
+execute_process(COMMAND_ERROR_IS_FATAL ANY COMMAND gzip --force --best --no-name "${archive}")
+file(SHA256 "${archive}.gz" sum)
+file(WRITE "${archive}.gz.sha256" "${sum}  ${CPACK_PACKAGE_FILE_NAME}.tar.gz\n")
+set(CPACK_EXTERNAL_BUILT_PACKAGES "${archive}.gz" "${archive}.gz.sha256")
