@@ -42,10 +42,10 @@ check_pie_supported()
 # "folder/Header.h".
 function(helper_library name)
     add_library(${name} STATIC ${ARGN})
-    add_library(SubscriptionHelper::${name} ALIAS ${name})
+    add_library(SubscriptionStore::${name} ALIAS ${name})
     target_include_directories(${name} PUBLIC
         $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
-        $<INSTALL_INTERFACE:include/subscription-helper>)
+        $<INSTALL_INTERFACE:include/subscription-store>)
     target_compile_features(${name} PUBLIC cxx_std_20)
-    set_target_properties(${name} PROPERTIES OUTPUT_NAME subscription-helper-${name})
+    set_target_properties(${name} PROPERTIES OUTPUT_NAME subscription-store-${name})
 endfunction()

@@ -1,23 +1,26 @@
-# The store client as a library for other programs: find_package(SubscriptionHelper), then link
-# SubscriptionHelper::store. The bundle is not installed: it is shipped from the build folder.
+# The store client as a library for other programs: find_package(SubscriptionStore), then link
+# SubscriptionStore::store. The bundle is not installed: it is shipped from the build folder.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
-set(package_directory "${CMAKE_INSTALL_LIBDIR}/cmake/SubscriptionHelper")
-install(TARGETS platform store EXPORT SubscriptionHelperTargets)
+set(package_directory "${CMAKE_INSTALL_LIBDIR}/cmake/SubscriptionStore")
+install(TARGETS platform store EXPORT SubscriptionStoreTargets)
 foreach(folder platform store)
-    install(DIRECTORY ${folder}/ DESTINATION include/subscription-helper/${folder}
+    install(DIRECTORY ${folder}/ DESTINATION include/subscription-store/${folder}
         FILES_MATCHING PATTERN "*.h")
 endforeach()
-install(EXPORT SubscriptionHelperTargets NAMESPACE SubscriptionHelper::
+install(EXPORT SubscriptionStoreTargets NAMESPACE SubscriptionStore::
     DESTINATION ${package_directory})
-configure_package_config_file(cmake/SubscriptionHelperConfig.cmake.in
-    "${PROJECT_BINARY_DIR}/SubscriptionHelperConfig.cmake"
+configure_package_config_file(cmake/SubscriptionStoreConfig.cmake.in
+    "${PROJECT_BINARY_DIR}/SubscriptionStoreConfig.cmake"
     INSTALL_DESTINATION ${package_directory})
-write_basic_package_version_file("${PROJECT_BINARY_DIR}/SubscriptionHelperConfigVersion.cmake"
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/SubscriptionStoreConfigVersion.cmake"
     COMPATIBILITY SameMinorVersion)
 install(FILES
-    "${PROJECT_BINARY_DIR}/SubscriptionHelperConfig.cmake"
-    "${PROJECT_BINARY_DIR}/SubscriptionHelperConfigVersion.cmake"
+    "${PROJECT_BINARY_DIR}/SubscriptionStoreConfig.cmake"
+    "${PROJECT_BINARY_DIR}/SubscriptionStoreConfigVersion.cmake"
     DESTINATION ${package_directory})
 install(TARGETS storectl)
+install(FILES tools/storectl.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
+install(FILES tools/storectl.bash-completion RENAME storectl
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions")

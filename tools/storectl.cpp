@@ -1,17 +1,21 @@
 // The command line of the store client: asks the store service about a subscription or an order,
-// or parses an answer from a file, and prints one JSON object.
+// or parses an answer from a file, and prints one JSON object or a table.
 
+#include "platform/Fetch.h"
 #include "platform/Log.h"
+#include "platform/URL.h"
 #include "store/FastSpringOrderParser.h"
 #include "store/FastSpringSubscriptionParser.h"
 #include "store/FastSpringUtilities.h"
 #include "store/ScriptURL.h"
 #include "tools/RecordJSON.h"
 
+#include <algorithm>
 #include <fstream>
 #include <functional>
 #include <iostream>
 #include <iterator>
+#include <map>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -24,10 +28,50 @@ using nlohmann::ordered_json;
 
 enum ExitStatus : int { kRecord = 0, kNone = 1, kUsage = 2, kFailure = 3 };
 
+/// How the result is printed.
+enum class Format { JSON, Table };
+Format format = Format::JSON;
+
+/// Answers hold any text; what is no UTF-8 must not end the command.
+std::string dumped(const ordered_json& value, int indent) {
+    return value.dump(indent, ' ', false, ordered_json::error_handler_t::replace);
+}
+
+/// One line for each value that is there, its name, such as "orderItems/0/quantity", before it.
+/// Texts stay escaped: a terminal acts on some control characters.
+void printTable(const ordered_json& object) {
+    const auto values = object.flatten();
+    std::size_t width = 0;
+    for (const auto& [name, value] : values.items()) {
+        width = std::max(width, value.is_null() ? 0 : name.size());
+    }
+    for (const auto& [name, value] : values.items()) {
+        if (!value.is_null()) {
+            const std::string text = dumped(value, -1);
+            std::cout << name.substr(1) << std::string(width - name.size() + 2, ' ')
+                      << (value.is_string() ? text.substr(1, text.size() - 2) : text) << "\n";
+        }
+    }
+}
+
 int print(const ordered_json& object, ExitStatus status) {
-    // Answers hold any text; what is no UTF-8 must not end the command.
-    std::cout << object.dump(2, ' ', false, ordered_json::error_handler_t::replace) << std::endl;
+    if (format == Format::Table) {
+        printTable(object.contains("record") && object["record"].is_object() ? object["record"]
+                                                                             : object);
+    } else {
+        std::cout << dumped(object, 2) << "\n";
+    }
+    std::cout.flush();
     return std::cout ? status : kFailure;
+}
+
+/// Tells a store that cannot be reached from one that said no, which a request does not.
+int explained(int status, const char* consequence) {
+    const auto script = platform::URL::make(store::scriptURL());
+    if (status == kNone && (!script || !platform::fetch(*script))) {
+        std::cerr << "storectl: nothing answers at " << store::scriptURL() << consequence << "\n";
+    }
+    return status;
 }
 
 template <class Record>
@@ -76,6 +120,10 @@ void declareCommands(CLI::App& command, Arguments& arguments, std::function<int(
     command.option_defaults()->always_capture_default(false);
     const auto add = [&](const char* name, const char* help, std::function<int()> run) {
         CLI::App* sub = command.add_subcommand(name, help);
+        sub->add_option("--format", format, "How the result is printed")
+            ->transform(CLI::CheckedTransformer(
+                std::map<std::string, Format>{{"json", Format::JSON}, {"table", Format::Table}}))
+            ->option_text("json|table");
         sub->callback([&action, run = std::move(run)] { action = run; });
         return sub;
     };
@@ -87,16 +135,19 @@ void declareCommands(CLI::App& command, Arguments& arguments, std::function<int(
                                "The store identifier; it is checked for presence and never sent");
     };
     addRequest("subscription", "Print a subscription", [&] {
-        return printRecord(
-            store::FastSpringUtilities::subscriptionForStore(arguments.store, arguments.reference));
+        return explained(printRecord(store::FastSpringUtilities::subscriptionForStore(
+                             arguments.store, arguments.reference)),
+                         "");
     });
     addRequest("cancel", "Cancel a subscription", [&] {
-        return printCancellation(store::FastSpringUtilities::cancelSubscriptionForStore(
-            arguments.store, arguments.reference));
+        return explained(printCancellation(store::FastSpringUtilities::cancelSubscriptionForStore(
+                             arguments.store, arguments.reference)),
+                         "; look the subscription up before you cancel it again");
     })->required();
     addRequest("order", "Print an order", [&] {
-        return printRecord(
-            store::FastSpringUtilities::orderForStore(arguments.store, arguments.reference));
+        return explained(printRecord(store::FastSpringUtilities::orderForStore(
+                             arguments.store, arguments.reference)),
+                         "");
     })->required();
 
     CLI::App* parse = add("parse", "Parse an answer of the store service from a file", [&] {
@@ -112,10 +163,10 @@ void declareCommands(CLI::App& command, Arguments& arguments, std::function<int(
 }
 
 int run(int argumentCount, char** words) {
-    CLI::App command(
-        "Asks the store service at " + std::string(store::scriptURL()) +
-        " about subscriptions and orders.\nPrints one JSON object. Exit status: 0 record or "
-        "confirmed, 1 none or refused, 2 wrong usage,\n3 the answer cannot be read.");
+    CLI::App command("Asks the store service at " + std::string(store::scriptURL()) +
+                     " about subscriptions and orders.\nPrints one JSON object, or a table. Exit "
+                     "status: 0 record or "
+                     "confirmed, 1 none or refused, 2 wrong usage,\n3 the answer cannot be read.");
     Arguments arguments;
     std::function<int()> action;
     declareCommands(command, arguments, action);

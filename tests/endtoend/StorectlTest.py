@@ -5,7 +5,7 @@ import subprocess
 import unittest
 
 from support import BUILD, TestCase
-from stage import Store
+from stage import PROJECT, Store
 
 RECORD, NONE, USAGE, FAILURE = range(4)
 PROPERTIES = ["reference", "status", "statusChangedDate", "statusReason", "isCancelable", "isTest",
@@ -14,9 +14,13 @@ PROPERTIES = ["reference", "status", "statusChangedDate", "statusReason", "isCan
               "customerURL", "productName", "quantity", "endDate"]
 
 
+def run(*words, given=None):
+    return subprocess.run([f"{BUILD}/tools/storectl", *words], text=True, capture_output=True,
+                          input=given, check=False)
+
+
 def storectl(*words, given=None):
-    result = subprocess.run([f"{BUILD}/tools/storectl", *words], text=True, capture_output=True,
-                            input=given, check=False)
+    result = run(*words, given=given)
     return result.returncode, json.loads(result.stdout) if result.stdout else result.stderr
 
 
@@ -101,10 +105,45 @@ class StorectlTest(TestCase):
             status, message = storectl(*words)
             self.assertEqual(status, USAGE, (words, message))
             self.assertTrue(message.strip(), words)
-        result = subprocess.run([f"{BUILD}/tools/storectl", "--help"], text=True,
-                                capture_output=True, check=False)
-        self.assertEqual(result.returncode, 0)
-        self.assertIn("subscription", result.stdout)
+        self.assertEqual(run("subscription", "A", "--format", "xml").returncode, USAGE)
+
+    def test_a_table_has_one_line_for_each_value(self):
+        result = run("parse", "--format", "table", "order", "-", given="<order><total>7</total>"
+                     "<city>a\n\"</city><orderItems><orderItem><quantity>1</quantity>"
+                     "</orderItem></orderItems></order>")
+        self.assertEqual([line.split(None, 1) for line in result.stdout.splitlines()], [
+            ["isTest", "false"], ["total", "7"], ["city", 'a\\n\\"'],
+            ["orderItems/0/quantity", "1"]])
+        result = run("parse", "--format", "table", "order", "-", given="<order><orderItems/></order>")
+        self.assertEqual(result.returncode, FAILURE)
+        self.assertRegex(result.stdout, "(?m)^reason  +invalid_argument$")
+
+    def test_a_store_that_cannot_be_reached_is_told_from_one_that_says_no(self):
+        reachable = "nothing answers at http://127.0.0.1:8642/fastspring.php"
+        for words in (("subscription", "A"), ("cancel", "A", "--store", "s"),
+                      ("order", "A", "--store", "s")):
+            result = run(*words)
+            self.assertEqual(result.returncode, NONE)
+            self.assertIn(reachable, result.stderr)
+            with Store(BUILD):
+                self.assertEqual(run(*words).stderr, "")
+
+    def test_help_manual_and_completion_know_every_command(self):
+        manual = (PROJECT / "tools/storectl.1").read_text()
+        for command in ("subscription", "cancel", "order", "parse"):
+            result = run(command, "--help")
+            self.assertEqual(result.returncode, RECORD)
+            self.assertIn("--format", result.stdout)
+            self.assertIn(f"storectl {command}", manual)
+        for words, expected in ((["storectl", "su"], ["subscription"]),
+                                (["storectl", "order", "A", "--format", ""], ["json", "table"]),
+                                (["storectl", "parse", "o"], ["order"]),
+                                (["storectl", "cancel", "--s"], ["--store"])):
+            script = (f". '{PROJECT}/tools/storectl.bash-completion'; COMP_WORDS=(\"$@\"); "
+                      "COMP_CWORD=$(($# - 1)); _storectl; echo \"${COMPREPLY[@]}\"")
+            result = subprocess.run(["bash", "-c", script, "bash", *words], text=True,
+                                    capture_output=True, check=True)
+            self.assertEqual(result.stdout.split(), expected, words)
 
 
 if __name__ == "__main__":
