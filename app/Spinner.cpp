@@ -2,6 +2,7 @@
 
 #include <chrono>
 
+#include <QAccessibleWidget>
 #include <QPainter>
 
 namespace app {
@@ -10,9 +11,16 @@ namespace {
 constexpr int kSpokes = 12;
 constexpr std::chrono::milliseconds kStep{83}; // one turn a second
 
+/// Tells assistive technology that a spinner is an animation; by default it would be a mere panel.
+QAccessibleInterface* accessibleSpinner(const QString& /*className*/, QObject* object) {
+    auto* spinner = qobject_cast<Spinner*>(object);
+    return spinner != nullptr ? new QAccessibleWidget(spinner, QAccessible::Animation) : nullptr;
+}
+
 } // namespace
 
 Spinner::Spinner(QWidget* parent) : QWidget(parent) {
+    QAccessible::installFactory(accessibleSpinner); // more than once makes no difference
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     connect(&timer_, &QTimer::timeout, this, &Spinner::advance);
 }

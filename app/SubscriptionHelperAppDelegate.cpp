@@ -45,6 +45,19 @@ void localizeTexts(const QWidget& window) {
     }
 }
 
+/// The same for what assistive technology says.
+void localizeAccessibleTexts(const QWidget& window) {
+    for (auto* widget : window.findChildren<QWidget*>()) {
+        if (!widget->accessibleName().isEmpty()) {
+            widget->setAccessibleName(localized(widget->accessibleName().toStdString()));
+        }
+        if (!widget->accessibleDescription().isEmpty()) {
+            widget->setAccessibleDescription(
+                localized(widget->accessibleDescription().toStdString()));
+        }
+    }
+}
+
 void giveRoom(QPushButton& button) {
     button.setMinimumSize(button.sizeHint() + kButtonRoom);
 }
@@ -91,6 +104,7 @@ void SubscriptionHelperAppDelegate::loadWindow() {
     window_->setLayoutDirection(textDirection());
     localizeTexts<QLabel>(*window_);
     localizeTexts<QPushButton>(*window_);
+    localizeAccessibleTexts(*window_);
     cancelButton_->setShortcut(Qt::Key_Escape); // after its text, which resets the shortcut
     setHeading(*ui_->headingLabel);
     setPrimary(*mainButton_);

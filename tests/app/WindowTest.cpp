@@ -9,9 +9,12 @@
 #include <cstdlib>
 #include <set>
 #include <string>
+#include <vector>
 
+#include <QAccessible>
 #include <QImage>
 #include <QLabel>
+#include <QProcess>
 
 namespace {
 
@@ -113,6 +116,35 @@ double leastContrast(QPushButton& button) {
         least = std::min(least, app::contrast(image.pixelColor(6, y), text));
     }
     return least;
+}
+
+/// Says on the session bus that there is a screen reader, and waits until this process has heard.
+bool screenReaderStarts() {
+    QProcess::execute(QStringLiteral("gdbus"),
+                      QStringLiteral("call --session --dest org.a11y.Bus --object-path "
+                                     "/org/a11y/bus --method org.freedesktop.DBus.Properties.Set "
+                                     "org.a11y.Status IsEnabled <true>")
+                          .split(u' '));
+    return QTest::qWaitFor([] { return QAccessible::isActive(); }, 10000);
+}
+
+std::vector<std::string> announced;
+
+TEST_F(Window, TellsAssistiveTechnologyOfEachStep) {
+    QDialog* window = startUp();
+    ASSERT_NE(window, nullptr);
+    ASSERT_TRUE(screenReaderStarts());
+    QAccessible::installUpdateHandler([](QAccessibleEvent* event) {
+        if (event->type() == QAccessible::NameChanged) {
+            announced.push_back(
+                event->accessibleInterface()->text(QAccessible::Name).toStdString());
+        }
+    });
+    for (const char* text : {"one", "two", "three"}) {
+        delegate_.updateProgress(QString::fromLatin1(text));
+    }
+    QAccessible::installUpdateHandler(nullptr);
+    EXPECT_EQ(announced, (std::vector<std::string>{"one", "two", "three"}));
 }
 
 TEST_F(Window, CanBeReadInLightAndDarkColours) {
