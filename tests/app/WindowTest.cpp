@@ -2,6 +2,7 @@
 #include "app/Contrast.h"
 #include "app/ProgressSheet.h"
 #include "app/Texts.h"
+#include "platform/ChildProcess.h"
 #include "platform/StringsTable.h"
 #include "tests/app/DelegateTest.h"
 
@@ -14,7 +15,6 @@
 #include <QAccessible>
 #include <QImage>
 #include <QLabel>
-#include <QProcess>
 
 namespace {
 
@@ -120,11 +120,10 @@ double leastContrast(QPushButton& button) {
 
 /// Says on the session bus that there is a screen reader, and waits until this process has heard.
 bool screenReaderStarts() {
-    QProcess::execute(QStringLiteral("gdbus"),
-                      QStringLiteral("call --session --dest org.a11y.Bus --object-path "
-                                     "/org/a11y/bus --method org.freedesktop.DBus.Properties.Set "
-                                     "org.a11y.Status IsEnabled <true>")
-                          .split(u' '));
+    EXPECT_TRUE(platform::startChildProcess({"/usr/bin/gdbus", "call", "--session", "--dest",
+                                             "org.a11y.Bus", "--object-path", "/org/a11y/bus",
+                                             "--method", "org.freedesktop.DBus.Properties.Set",
+                                             "org.a11y.Status", "IsEnabled", "<true>"}));
     return QTest::qWaitFor([] { return QAccessible::isActive(); }, 10000);
 }
 
