@@ -36,6 +36,8 @@ int subscriptionHelperApplicationMain(int argumentCount, char** arguments) {
     platform::logUncaughtFailures();
     dropLinkerSettings(); // before there are threads
     const auto handler = qInstallMessageHandler(reportMissingDisplay);
+    // By this name a Wayland desktop finds the entry, and so the icon, that belongs to the window.
+    QApplication::setDesktopFileName(QStringLiteral(HELPER_IDENTIFIER));
     QApplication application(argumentCount, arguments);
     qInstallMessageHandler(handler);
     // The delegate alone decides when the application ends.

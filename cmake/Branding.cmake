@@ -51,7 +51,12 @@ if(HELPER_PRODUCT_DOMAIN STREQUAL HELPER_IDENTIFIER)
     message(FATAL_ERROR "${HELPER_BRAND}: HELPER_PRODUCT_DOMAIN and HELPER_IDENTIFIER must differ")
 endif()
 
-# What stands in quotes, in C++ and in strings tables.
+# What stands in XML, and in quotes in C++ and in strings tables.
+foreach(name COMPANY_NAME PRODUCT_NAME)
+    string(REPLACE "&" "&amp;" HELPER_${name}_XML "${HELPER_${name}}")
+    string(REPLACE "<" "&lt;" HELPER_${name}_XML "${HELPER_${name}_XML}")
+    string(REPLACE ">" "&gt;" HELPER_${name}_XML "${HELPER_${name}_XML}")
+endforeach()
 get_filename_component(HELPER_UNINSTALLER_NAME "${HELPER_UNINSTALLER}" NAME)
 foreach(name PRODUCT_NAME STORE_ID UNINSTALLER_NAME)
     string(REGEX REPLACE "([\\\\\"])" "\\\\\\1" HELPER_${name}_ESCAPED "${HELPER_${name}}")

@@ -74,6 +74,24 @@ def desktop(environment=None):
         yield environment
 
 
+@contextlib.contextmanager
+def wayland_desktop(runtime, environment=None):
+    """Yields an environment for programs that are to run on a new Wayland desktop without a screen;
+    its socket lies in the folder `runtime`."""
+    environment = dict(environment if environment is not None else os.environ)
+    environment.pop("DISPLAY", None)
+    runtime.mkdir(mode=0o700)
+    environment |= {"XDG_RUNTIME_DIR": str(runtime), "WAYLAND_DISPLAY": "wayland-own",
+                    "QT_QPA_PLATFORM": "wayland"}
+    with contextlib.ExitStack() as stack:
+        compositor = subprocess.Popen(
+            ["weston", "--backend=headless-backend.so", "--socket=wayland-own", "--no-config"],
+            env=environment, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        stack.callback(end, compositor)
+        wait_for((runtime / "wayland-own").exists)
+        yield environment
+
+
 def screenshot(environment, path):
     subprocess.run(["import", "-window", "root", path], env=environment, check=True)
 

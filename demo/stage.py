@@ -66,7 +66,8 @@ class Stage:
         """The variables of a session of this home's user."""
         environment = dict(base if base is not None else os.environ)
         for name in list(environment):
-            if name.startswith("XDG_") or name.lower().endswith("_proxy") or name == "LANGUAGE":
+            is_place = name.startswith("XDG_") and name != "XDG_RUNTIME_DIR"
+            if is_place or name.lower().endswith("_proxy") or name == "LANGUAGE":
                 del environment[name]
         return environment | {"HOME": str(self.home), "TMPDIR": str(self.home / "tmp"),
                               "LC_ALL": "C.UTF-8"}

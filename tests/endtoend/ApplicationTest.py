@@ -6,13 +6,14 @@ import os
 import re
 import shutil
 import signal
+import struct
 import subprocess
 import threading
 import time
 import unittest
 
 from support import BUILD, LONG, SANITIZE, TestCase, content
-from desktop import desktop, wait_for
+from desktop import desktop, wait_for, wayland_desktop
 from stage import HELPER_DOMAIN, Store, Window
 
 NO_DISPLAY = "No window can be shown"
@@ -210,6 +211,42 @@ class DesktopTest(TestCase):
                     self.assertEqual(self.finish(process), "")
             self.assertEqual([line for line in store.requests if "delete" in line], [])
         self.assertTrue(stage.bundle.exists())
+
+    def test_each_kind_of_desktop_finds_its_entry_and_its_icons(self):
+        stage = self.make_stage()
+        share = stage.bundle / "Contents/Resources/share"
+        entry = self.folder / f"{HELPER_DOMAIN}.desktop"
+        entry.write_text((share / f"applications/{HELPER_DOMAIN}.desktop").read_text()
+                         .replace("@BUNDLE@", str(stage.bundle)))
+        self.assertIn(f'Exec="{stage.program()}"', entry.read_text())
+        for command in (["desktop-file-validate", entry],
+                        ["appstreamcli", "validate", "--no-net", *share.glob("metainfo/*.xml")]):
+            result = subprocess.run(command, text=True, capture_output=True, check=False)
+            self.assertEqual(result.returncode, 0, result.stdout + result.stderr)
+        for side in (16, 32, 48, 128, 256):
+            icon = share / f"icons/hicolor/{side}x{side}/apps/{HELPER_DOMAIN}.png"
+            self.assertEqual(struct.unpack(">II", icon.read_bytes()[16:24]), (side, side))
+
+        with Store(BUILD):
+            process = self.begin(stage)
+            window = subprocess.run(["xdotool", "getactivewindow"], env=self.desktop, text=True,
+                                    capture_output=True, check=True).stdout.strip()
+            names = subprocess.run(["xprop", "-id", window, "WM_CLASS"], env=self.desktop, text=True,
+                                   capture_output=True, check=True).stdout
+            self.assertIn('"Subscription Helper"', names)
+            self.assertIn("StartupWMClass=Subscription Helper\n", entry.read_text())
+            self.window.keys("Return")
+            self.finish(process)
+
+            stage.forget_last_run()
+            log = self.folder / "wayland"
+            with wayland_desktop(self.folder / "runtime") as environment, log.open("w") as file:
+                process = stage.start(environment | {"WAYLAND_DEBUG": "1"}, log=file)
+                self.addCleanup(process.wait)
+                self.addCleanup(process.kill)
+                self.assertTrue(wait_for(lambda: "set_title(" in log.read_text()), log.read_text())
+            self.assertRegex(log.read_text(), rf'set_app_id\("{HELPER_DOMAIN}"\)')
+            self.assertRegex(log.read_text(), r'set_title\("Acme Studio"\)')
 
     def test_the_removal_from_a_place_with_a_difficult_name(self):
         stage = self.make_stage(applications="Zo\u00eb's \"own\" place")
