@@ -1,5 +1,7 @@
 #include "app/Spinner.h"
 
+#include "platform/Motion.h"
+
 #include <chrono>
 
 #include <QAccessibleWidget>
@@ -26,7 +28,10 @@ Spinner::Spinner(QWidget* parent) : QWidget(parent) {
 }
 
 void Spinner::startAnimation() {
-    timer_.start(kStep);
+    isStarted_ = true;
+    if (!platform::wantsReducedMotion()) {
+        timer_.start(kStep);
+    }
     update();
 }
 
@@ -42,7 +47,7 @@ void Spinner::advance() {
 }
 
 void Spinner::paintEvent(QPaintEvent* /*event*/) {
-    if (!timer_.isActive()) {
+    if (!isStarted_) {
         return;
     }
     QPainter painter(this);

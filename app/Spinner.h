@@ -13,7 +13,8 @@ class Spinner final : public QWidget {
   public:
     explicit Spinner(QWidget* parent = nullptr);
 
-    /// Starts to turn. Nothing stops it again.
+    /// Becomes visible and starts to turn, or stands still where the user wants no motion. Nothing
+    /// stops it again.
     void startAnimation();
     /// How often it has moved on by one spoke.
     [[nodiscard]] int steps() const { return steps_; }
@@ -28,6 +29,7 @@ class Spinner final : public QWidget {
 
     QTimer timer_;
     int steps_ = 0;
+    bool isStarted_ = false;
 };
 
 } // namespace app

@@ -273,6 +273,22 @@ class DesktopTest(TestCase):
             status, log, _ = stage.run(self.desktop, bundle=stage.trashed_bundle())
             self.assertEqual((status, log, len(store.requests)), (0, "", 2))
 
+    def test_the_spinner_stands_still_where_no_motion_is_wanted(self):
+        stage = self.make_stage()
+        settings = stage.config / "glib-2.0/settings/keyfile"
+        settings.parent.mkdir(parents=True)
+        for wanted in ("true", "false"):
+            settings.write_text(f"[org/gnome/desktop/interface]\nenable-animations={wanted}\n")
+            stage.forget_last_run()
+            with Store(BUILD, "--delay", "4000"):
+                process = self.begin(stage, GSETTINGS_BACKEND="keyfile")
+                self.window.press_remove()
+                time.sleep(0.4)
+                pictures = {(time.sleep(0.25), self.window.picture())[1] for _ in range(3)}
+                self.assertEqual(len(pictures) > 1, wanted == "true")
+                self.window.keys("ctrl+q")
+                self.finish(process)
+
     def test_a_refused_cancellation_opens_the_account_page(self):
         stage = self.make_stage(reference="DEMO-KEEP")
         opened = self.folder / "opened"

@@ -1,0 +1,14 @@
+#include "platform/Motion.h"
+
+#include <QDir>
+#include <QSettings>
+
+namespace platform {
+
+bool wantsReducedMotion() {
+    const QString file =
+        QDir::homePath() + QStringLiteral("/Library/Preferences/com.apple.universalaccess.plist");
+    return QSettings(file, QSettings::NativeFormat).value(QStringLiteral("reduceMotion")).toBool();
+}
+
+} // namespace platform
