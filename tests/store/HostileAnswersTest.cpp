@@ -146,6 +146,11 @@ TEST(HostileAnswers, EndSoonAndInLittleMemory) {
         {"a long name", Outcome::Broken, "<" + std::string(kMiB, 'A')},
         {"a long comment", Outcome::Broken, "<!--" + std::string(kMiB, '-')},
         {"an open section", Outcome::Broken, start + "<![CDATA[" + std::string(kMiB, ']')},
+        {"Latin-1", Outcome::Whole,
+         "<?xml version='1.0' encoding='ISO-8859-1'?><a>" + std::string(kMiB, '\xe9') + "</a>"},
+        {"windows-1252", Outcome::Whole,
+         "<?xml version='1.0' encoding='windows-1252'?><a>" + std::string(kMiB, '\x80') + "</a>"},
+        {"bytes that are no UTF-8", Outcome::Broken, start + std::string(kMiB, '\xff')},
         {"UTF-16, and no more than its mark", Outcome::Broken, "\xff\xfe"},
         {"nothing but zeros", Outcome::Broken, std::string(kMiB, '\0')},
     };
@@ -153,6 +158,10 @@ TEST(HostileAnswers, EndSoonAndInLittleMemory) {
     onSmallStack([&] {
         for (const auto& row : rows) {
             expectOutcome(row, memory);
+        }
+        const std::string whole = declaring("<!ENTITY a 'b'>", "&a;<![CDATA[c]]>&#233;");
+        for (std::size_t length = 0; length < whole.size(); ++length) {
+            expectOutcome({"a cut answer", Outcome::Broken, whole.substr(0, length)}, memory);
         }
     });
 }
