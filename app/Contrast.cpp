@@ -6,8 +6,9 @@
 namespace app {
 namespace {
 
-// Percent of its lightness by which a style may draw a colour lighter or darker; Qt's own Fusion
-// style draws a default button that much lighter (seen 2026-11-23 in what it drew).
+// Percent of its lightness by which a style may draw a colour lighter or darker. For a default
+// button of Qt's own Fusion style 125 was too little, 170 is enough (seen 2026-11-23 in what it
+// drew).
 constexpr int kVariation = 170;
 constexpr int kStep = 105; // percent of the lightness from one shade that is tried to the next
 
