@@ -27,7 +27,7 @@ int main(int argumentCount, char** arguments) {
     if (argumentCount != 2) {
         return 2;
     }
-    std::string answer(std::filesystem::file_size(arguments[1]), '\0');
+    std::string answer(static_cast<std::size_t>(std::filesystem::file_size(arguments[1])), '\0');
     std::ifstream(arguments[1], std::ios::binary)
         .read(answer.data(), static_cast<std::streamsize>(answer.size()));
     const auto start = std::chrono::steady_clock::now();

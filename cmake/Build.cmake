@@ -16,6 +16,8 @@ add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-s
 if(HELPER_WERROR)
     add_compile_options(-Werror)
 endif()
+# 32-bit programs cannot look at files with larger inode numbers without this (fstat: EOVERFLOW).
+add_compile_definitions(_FILE_OFFSET_BITS=64)
 if(HELPER_SANITIZE)
     add_compile_options(-fsanitize=${HELPER_SANITIZE} -fno-omit-frame-pointer
         -fno-sanitize-recover=all)
