@@ -2,6 +2,7 @@
 
 #include "platform/DateText.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
@@ -37,6 +38,16 @@ std::string programName() {
 #endif
 }
 
+/// The program's name as the system log can tell it from the message: without a space.
+const std::string& systemLogTag() {
+    static const std::string tag = [] {
+        std::string name = programName();
+        std::replace(name.begin(), name.end(), ' ', '-');
+        return name;
+    }();
+    return tag;
+}
+
 [[noreturn]] void logAndAbort() {
     try {
         if (const auto failure = std::current_exception()) {
@@ -63,7 +74,7 @@ void log(std::string_view format, std::initializer_list<TextArgument> arguments)
     if (write(STDERR_FILENO, line.data(), line.size()) < 0) {
         // Standard error may be closed; the system log still gets the message.
     }
-    openlog(nullptr, LOG_PID, LOG_USER); // sets the form only; called again it changes nothing
+    openlog(systemLogTag().c_str(), LOG_PID, LOG_USER); // called again it changes nothing
     syslog(LOG_NOTICE, "%s", message.c_str());
 }
 
