@@ -6,6 +6,7 @@ import pathlib
 import re
 import shutil
 import signal
+import socket
 import subprocess
 import sys
 import unittest
@@ -70,6 +71,7 @@ class RemovalCase(TestCase):
         (uninstaller / "Remove").chmod(0o755)
         (uninstaller / "data").write_bytes(bytes(100000))
         (uninstaller / "link").symlink_to("data")
+        (uninstaller / "dangling").symlink_to("/nowhere")
         self.copy = home / f"tmp/subscription-helper-{os.geteuid()}/Remove.app"
         self.kept = self.folder / "kept"
         shutil.copytree(self.bundle, self.kept, symlinks=True)
@@ -144,7 +146,7 @@ class RemovalFaultsTest(RemovalCase):
 class MountsTest(RemovalCase):
     """Runs itself again where it may mount."""
 
-    OWN_MOUNTS = ["unshare", "--user", "--map-root-user", "--mount"]
+    OWN_MOUNTS = ["unshare", "--mount", *(["--user", "--map-root-user"] if os.geteuid() else [])]
 
     def step(self, step):
         return subprocess.run([STEP, step, str(self.bundle)], env=self.environment, check=False,
@@ -171,6 +173,16 @@ class MountsTest(RemovalCase):
         self.mount_tmpfs(self.bundle.parent, "8m")
         self.assert_whole(self.step("trash"))
 
+    def on_one_with_large_inode_numbers(self):
+        other = self.folder / "other"
+        other.mkdir()
+        self.mount("-t", "tmpfs", "tmpfs", other)
+        self.mount_tmpfs(self.bundle.parent, "8m")  # on which others can be laid
+        self.mount("-t", "overlay", "-o", f"lowerdir={self.bundle.parent}:{other},xino=on", "overlay",
+                   self.bundle.parent)
+        self.assertGreater(self.bundle.stat().st_ino, 2 ** 32)
+        self.assertEqual(self.step("launch"), 0)
+
     def with_a_home_that_is_read_only(self):
         home = self.folder / "home"
         self.mount("--bind", home, home)
@@ -188,7 +200,17 @@ class MountsTest(RemovalCase):
         self.assertFalse(self.copy.exists())
         self.assertFalse(list(self.folder.glob("home/.local/share/Trash/*/*")))
 
-    def test_the_bundle_stays_whole_on_every_file_system(self):
+    def with_a_system_log(self):
+        self.mount("-t", "tmpfs", "tmpfs", "/dev")
+        pathlib.Path("/dev/null").touch()
+        with socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM) as log:
+            log.bind("/dev/log")
+            log.settimeout(5)
+            subprocess.run(["a step", "launch", "/none"], executable=STEP, env=self.environment,
+                           stderr=subprocess.DEVNULL, check=False)
+            self.assertRegex(log.recv(1000), rb"^<13>.{15} a-step\[\d+\]: Uninstaller is not found")
+
+    def test_each_file_system_and_the_system_log(self):
         if "HELPER_MOUNTS" not in os.environ:
             if subprocess.run([*self.OWN_MOUNTS, "true"], check=False).returncode != 0:
                 self.skipTest("no mounts can be made here")
@@ -196,7 +218,8 @@ class MountsTest(RemovalCase):
                            env=os.environ | {"HELPER_MOUNTS": "1"})
             return
         for condition in (self.on_a_read_only_one, self.on_another_one_than_home,
-                          self.with_a_home_that_is_read_only, self.on_a_full_one):
+                          self.on_one_with_large_inode_numbers, self.with_a_home_that_is_read_only,
+                          self.on_a_full_one, self.with_a_system_log):
             self.setUp()
             with self.subTest(condition.__name__):
                 self.prepare()
