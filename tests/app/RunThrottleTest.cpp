@@ -3,9 +3,7 @@
 #include "tests/support/TestHome.h"
 
 #include <chrono>
-#include <cstdlib>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace app {
@@ -55,14 +53,6 @@ TEST(RunThrottle, StoresTheMomentOfARunThatPassesAndOfNoOther) {
     const auto held = defaults.lock();
     EXPECT_FALSE(passRunThrottle(defaults, later(8h)));
     EXPECT_EQ(defaults.date(key), kNow);
-}
-
-TEST(RunThrottle, GoesOnWhenTheMomentCannotBeStored) {
-    setenv("XDG_CONFIG_HOME", "/dev/null", 1);
-    testing::internal::CaptureStderr();
-    EXPECT_TRUE(passRunThrottle(platform::UserDefaults("com.example.throttle"), fixedNow));
-    EXPECT_THAT(testing::internal::GetCapturedStderr(),
-                testing::HasSubstr("The time of this run cannot be stored"));
 }
 
 } // namespace

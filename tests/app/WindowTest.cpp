@@ -1,4 +1,4 @@
-// The window as people meet it: by keyboard, in every language.
+// The window as people meet it: in every language, read aloud, in light and dark.
 #include "app/Contrast.h"
 #include "app/ProgressSheet.h"
 #include "app/Texts.h"
@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -46,19 +45,6 @@ void expectAllTextsShown(QDialog& window) {
     for (const auto* button : window.findChildren<QPushButton*>()) {
         EXPECT_GE(button->width(), button->sizeHint().width()) << button->text().toStdString();
     }
-}
-
-TEST_F(Window, CanBeUsedByKeyboardAlone) {
-    QDialog* window = startUp();
-    ASSERT_NE(window, nullptr);
-    auto& remove = child<QPushButton>(*window, "removeButton");
-    EXPECT_TRUE(child<QPushButton>(*window, "mainButton").isDefault());
-    EXPECT_TRUE(child<QPushButton>(*window, "mainButton").hasFocus());
-    QTest::keyClick(window, Qt::Key_Tab);
-    QTest::keyClick(window, Qt::Key_Tab);
-    EXPECT_TRUE(remove.hasFocus());
-    EXPECT_FALSE(remove.isDefault());
-    expectAllTextsShown(*window);
 }
 
 TEST_F(Window, ShowsItsTextsWholeInEveryLanguage) {

@@ -8,10 +8,12 @@ from support import BUILD, TestCase
 from stage import PROJECT, Store
 
 RECORD, NONE, USAGE, FAILURE = range(4)
-PROPERTIES = ["reference", "status", "statusChangedDate", "statusReason", "isCancelable", "isTest",
-              "referrer", "sourceName", "sourceKey", "sourceCampaign", "customerFirstName",
-              "customerLastName", "customerCompany", "customerEmail", "customerPhoneNumber",
-              "customerURL", "productName", "quantity", "endDate"]
+ORDER = ["reference", "status", "statusChangedDate", "isTest", "dueDate", "currency", "referrer",
+         "originIP", "total", "tax", "shipping", "sourceName", "sourceKey", "sourceCampaign",
+         "customerFirstName", "customerLastName", "customerCompany", "customerEmail",
+         "customerPhoneNumber", "purchaserFirstName", "purchaserLastName", "purchaserCompany",
+         "purchaserEmail", "purchaserPhoneNumber", "addressLine1", "addressLine2", "city", "region",
+         "regionCustom", "postalCode", "country", "orderItems", "payments"]
 
 
 def run(*words, given=None):
@@ -24,20 +26,11 @@ def storectl(*words, given=None):
     return result.returncode, json.loads(result.stdout) if result.stdout else result.stderr
 
 
-ORDER = ["reference", "status", "statusChangedDate", "isTest", "dueDate", "currency", "referrer",
-         "originIP", "total", "tax", "shipping", "sourceName", "sourceKey", "sourceCampaign",
-         "customerFirstName", "customerLastName", "customerCompany", "customerEmail",
-         "customerPhoneNumber", "purchaserFirstName", "purchaserLastName", "purchaserCompany",
-         "purchaserEmail", "purchaserPhoneNumber", "addressLine1", "addressLine2", "city", "region",
-         "regionCustom", "postalCode", "country", "orderItems", "payments"]
-
-
 class StorectlTest(TestCase):
     def test_requests(self):
         with Store(BUILD) as store:
             status, answer = storectl("subscription", "DEMO-1002")
             self.assertEqual((status, answer["result"]), (RECORD, "record"))
-            self.assertEqual(list(answer["record"]), PROPERTIES)
             self.assertEqual(answer["record"] | {"customerURL": None}, {
                 "reference": "DEMO-1002", "status": "active",
                 "statusChangedDate": "2026-03-15T08:30:00Z", "statusReason": "",

@@ -87,22 +87,6 @@ TEST_F(HelperUtilitiesTest, StartACopyOfTheUninstallerInPlaceOfAnEarlierOne) {
     }
 }
 
-TEST_F(HelperUtilitiesTest, CopyABundleWithItsLinksAndModes) {
-    configure("Uninstall.app");
-    const test::TestBundle inner(bundle_.executable("Uninstall.app"));
-    inner.withScript("Uninstall", leaveNote_);
-    test::writeFile(inner.path() / "Contents" / "Resources" / "data", "x");
-    fs::create_symlink("data", inner.path() / "Contents" / "Resources" / "link");
-    fs::create_symlink("/nowhere", inner.path() / "Contents" / "Resources" / "dangling");
-    EXPECT_TRUE(launch().first);
-    ASSERT_TRUE(test::appears(ran_));
-    const auto resources = copies_ / "Uninstall.app" / "Contents" / "Resources";
-    EXPECT_EQ(fs::read_symlink(resources / "link"), "data");
-    EXPECT_EQ(fs::read_symlink(resources / "dangling"), "/nowhere");
-    EXPECT_EQ(fs::status(copies_ / "Uninstall.app/Contents/Linux/Uninstall").permissions(),
-              fs::perms::owner_all);
-}
-
 TEST_F(HelperUtilitiesTest, StartACompiledProgram) {
     configure("true");
     fs::copy_file("/bin/true", bundle_.executable("true"));

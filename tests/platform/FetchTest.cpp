@@ -58,7 +58,7 @@ const std::string kBomb = "\x1f\x8b\x08" + std::string(5, '\0') + "\x02\x03\xed\
 struct Row {
     const char* what;
     Reply reply;
-    std::optional<std::string> data;
+    std::optional<std::string> data = std::nullopt;
 };
 
 class Fetch : public testing::Test {
@@ -76,51 +76,38 @@ TEST_F(Fetch, GivesTheBodyOrNothingWhateverTheServerDoes) {
         {"a body of the largest size", httpReply(std::string(1000, 'x')), std::string(1000, 'x')},
         {"a body that ends with the connection", {head + "\r\n<a/>"}, "<a/>"},
         {"a length too short", {head + "Content-Length: 2\r\n\r\n<a/>"}, "<a"},
-        {"a length too long", {head + "Content-Length: 9\r\n\r\n<a/>"}, std::nullopt},
-        {"an answer cut in its head", {head + "Content-Length: 4\r\n"}, std::nullopt},
+        {"a length too long", {head + "Content-Length: 9\r\n\r\n<a/>"}},
+        {"an answer cut in its head", {head + "Content-Length: 4\r\n"}},
         {"an answer that is a status line", {head}, ""},
-        {"a chunk that is cut",
-         {head + "Transfer-Encoding: chunked\r\n\r\n9\r\n<a/>"},
-         std::nullopt},
-        {"a body one byte too large", httpReply(std::string(1001, 'x')), std::nullopt},
-        {"10 GiB announced", {head + "Content-Length: 10737418240\r\n\r\n"}, std::nullopt},
-        {"an endless body", {head + "\r\n", Reply::End::Close, true}, std::nullopt},
-        {"endless headers", {head + "X: y\r\n", Reply::End::Close, true}, std::nullopt},
-        {"a header too large", httpReply("<a/>", "200 OK", "X: " + std::string(2000, 'y') + "\r\n"),
-         std::nullopt},
-        {"no HTTP", {"<a/>"}, std::nullopt},
-        {"a reset", {head + "Content-Length: 9\r\n\r\n<a/>", Reply::End::Reset}, std::nullopt},
-        {"a reset after what looks whole", {head + "\r\n<a/>", Reply::End::Reset}, std::nullopt},
-        {"endless interim answers",
-         {"HTTP/1.1 100 Continue\r\n\r\n", Reply::End::Close, true},
-         std::nullopt},
+        {"a chunk that is cut", {head + "Transfer-Encoding: chunked\r\n\r\n9\r\n<a/>"}},
+        {"a body one byte too large", httpReply(std::string(1001, 'x'))},
+        {"10 GiB announced", {head + "Content-Length: 10737418240\r\n\r\n"}},
+        {"an endless body", {head + "\r\n", Reply::End::Close, true}},
+        {"endless headers", {head + "X: y\r\n", Reply::End::Close, true}},
+        {"a header too large",
+         httpReply("<a/>", "200 OK", "X: " + std::string(2000, 'y') + "\r\n")},
+        {"no HTTP", {"<a/>"}},
+        {"a reset", {head + "Content-Length: 9\r\n\r\n<a/>", Reply::End::Reset}},
+        {"a reset after what looks whole", {head + "\r\n<a/>", Reply::End::Reset}},
+        {"endless interim answers", {"HTTP/1.1 100 Continue\r\n\r\n", Reply::End::Close, true}},
         {"an endless chunk extension",
          {head + "Transfer-Encoding: chunked\r\n\r\n1;" + std::string(100000, 'x'),
-          Reply::End::Close, true},
-         std::nullopt},
-        {"compression that was not asked for",
-         {head + "Transfer-Encoding: gzip\r\n\r\n" + kBomb},
-         std::nullopt},
+          Reply::End::Close, true}},
+        {"compression that was not asked for", {head + "Transfer-Encoding: gzip\r\n\r\n" + kBomb}},
         {"a compressed body, named for the content",
          {head + "Content-Encoding: gzip\r\n\r\n" + kBomb},
          kBomb},
-        {"silence", {"", Reply::End::Silence}, std::nullopt},
-        {"silence in the body",
-         {head + "Content-Length: 9\r\n\r\n<a/>", Reply::End::Silence},
-         std::nullopt},
+        {"silence", {"", Reply::End::Silence}},
+        {"silence in the body", {head + "Content-Length: 9\r\n\r\n<a/>", Reply::End::Silence}},
         {"a byte now and then, in the head",
-         {httpReply("<a/>").bytes, Reply::End::Close, false, 50},
-         std::nullopt},
+         {httpReply("<a/>").bytes, Reply::End::Close, false, 50}},
         {"a byte now and then, in the body",
-         {httpReply(std::string(64, 'x')).bytes, Reply::End::Close, false, 10},
-         std::nullopt},
-        {"a redirect to a file", httpReply("<a/>", "302 Found", "Location: file:///etc/passwd\r\n"),
-         std::nullopt},
-        {"a redirect to ftp", httpReply("", "302 Found", "Location: ftp://127.0.0.1/\r\n"),
-         std::nullopt},
-        {"a redirect to gopher", httpReply("", "302 Found", "Location: gopher://127.0.0.1/\r\n"),
-         std::nullopt},
-        {"a redirect in a circle", httpReply("", "302 Found", "Location: /\r\n"), std::nullopt},
+         {httpReply(std::string(64, 'x')).bytes, Reply::End::Close, false, 10}},
+        {"a redirect to a file",
+         httpReply("<a/>", "302 Found", "Location: file:///etc/passwd\r\n")},
+        {"a redirect to ftp", httpReply("", "302 Found", "Location: ftp://127.0.0.1/\r\n")},
+        {"a redirect to gopher", httpReply("", "302 Found", "Location: gopher://127.0.0.1/\r\n")},
+        {"a redirect in a circle", httpReply("", "302 Found", "Location: /\r\n")},
     };
     const auto memory = test::peakMemory();
     for (const auto& row : rows) {
@@ -182,16 +169,6 @@ TEST_F(Fetch, SendsOnePlainGet) {
     EXPECT_THAT(server.heads()[0], HasSubstr("GET /s.php?f=x&r=A&B HTTP/1.1\r\n"));
     EXPECT_THAT(server.heads()[0], Not(HasSubstr("Cookie")));
     EXPECT_THAT(server.heads()[0], Not(HasSubstr("Accept-Encoding")));
-}
-
-TEST_F(Fetch, GivesNothingFromAPortWhereNobodyListens) {
-    std::string url;
-    {
-        const LoopbackServer server(httpReply("x"));
-        url = server.url();
-    }
-    EXPECT_EQ(fetch(URL::make(url).value(), kShort), std::nullopt);
-    EXPECT_EQ(fetch(URL::make("http://no-such-host.invalid/").value(), kShort), std::nullopt);
 }
 
 } // namespace

@@ -1,12 +1,7 @@
 #include "platform/StringsTable.h"
 
-#include "tests/support/TestHome.h"
-
-#include <filesystem>
 #include <string>
 #include <utility>
-
-#include <sys/stat.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -77,20 +72,6 @@ TEST(StringsTable, IsEmptyWithOneLineAboutTheFirstError) {
         EXPECT_THAT(log, HasSubstr("'some.strings'"));
         EXPECT_THAT(log, HasSubstr(expected));
     }
-}
-
-TEST(StringsTable, IsReadFromRegularFilesOfModestSizeOnly) {
-    const test::TestHome home;
-    const auto folder = test::TestHome::path() / "tables";
-    test::writeFile(folder / "good.strings", "a = b;");
-    test::writeFile(folder / "large.strings", "a = b;" + std::string(1U << 20U, ' '));
-    ASSERT_EQ(mkfifo((folder / "fifo.strings").c_str(), 0600), 0);
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(readStringsTable(folder / "good.strings").size(), 1U);
-    for (const char* name : {"large.strings", "fifo.strings", "missing.strings", "."}) {
-        EXPECT_THAT(readStringsTable(folder / name), IsEmpty()) << name;
-    }
-    testing::internal::GetCapturedStderr();
 }
 
 } // namespace

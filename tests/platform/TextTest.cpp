@@ -4,7 +4,6 @@
 #include "platform/UserLanguages.h"
 
 #include <algorithm>
-#include <csignal>
 #include <cstdlib>
 #include <string>
 
@@ -33,14 +32,6 @@ TEST(Log, WritesOneLineWithControlCharactersEscaped) {
     EXPECT_THAT(line, HasSubstr("Could not trash 'a\\x0ab\\x1b[31m\\x7f'\n"));
     EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1);
     EXPECT_THAT(line, HasSubstr("[" + std::to_string(getpid()) + "] "));
-}
-
-TEST(LogDeathTest, NamesAnUncaughtFailureBeforeItAborts) {
-    const auto fail = [] {
-        logUncaughtFailures();
-        []() noexcept { static_cast<void>(std::string().at(7)); }();
-    };
-    EXPECT_EXIT(fail(), testing::KilledBySignal(SIGABRT), "Uncaught failure: .*at");
 }
 
 TEST(DateText, RoundsTripsMomentsAndRefusesOtherTexts) {

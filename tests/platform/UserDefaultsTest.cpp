@@ -6,7 +6,6 @@
 #include <string>
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 namespace platform {
 namespace {
@@ -51,36 +50,6 @@ TEST_F(UserDefaultsTest, ReadTextsAsTheyStand) {
     EXPECT_EQ(defaults_.text("not a line"), std::nullopt);
     EXPECT_EQ(defaults_.text("missing"), std::nullopt);
     EXPECT_EQ(defaults_.date("a"), std::nullopt);
-}
-
-TEST_F(UserDefaultsTest, LoseNothingThatTheyCannotRead) {
-    const std::string large = "other=1\n" + std::string(65536, '#');
-    test::writeFile(file_, large);
-    EXPECT_EQ(defaults_.text("other"), std::nullopt);
-    EXPECT_FALSE(defaults_.setDate("key", moment_));
-    EXPECT_EQ(test::readFile(file_), large);
-
-    fs::remove(file_);
-    ASSERT_EQ(mkfifo(file_.c_str(), 0600), 0);
-    EXPECT_EQ(defaults_.text("other"), std::nullopt); // and does not wait for a writer
-    EXPECT_FALSE(defaults_.setDate("key", moment_));
-    EXPECT_TRUE(fs::is_fifo(file_));
-
-    fs::remove(file_);
-    fs::create_directory(file_);
-    EXPECT_FALSE(defaults_.setDate("key", moment_));
-}
-
-TEST_F(UserDefaultsTest, WriteThroughALinkAndClearUpAfterAKilledWriter) {
-    const fs::path real = test::TestHome::path() / "dotfiles" / "real.conf";
-    test::writeFile(real, "a=1\n");
-    fs::create_directories(file_.parent_path());
-    fs::create_symlink(real, file_);
-    test::writeFile(real.native() + ".new", "half");
-    ASSERT_TRUE(defaults_.setDate("key", moment_));
-    EXPECT_TRUE(fs::is_symlink(file_));
-    EXPECT_EQ(test::readFile(real), "a=1\nkey=2026-03-15T08:30:00.123456Z\n");
-    EXPECT_FALSE(fs::exists(real.native() + ".new"));
 }
 
 TEST_F(UserDefaultsTest, DoWithoutAHome) {

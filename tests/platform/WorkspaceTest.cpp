@@ -2,7 +2,6 @@
 
 #include "platform/TemporaryDirectory.h"
 #include "tests/support/HostileAddresses.h"
-#include "tests/support/TestBundle.h"
 #include "tests/support/TestHome.h"
 
 #include <filesystem>
@@ -46,17 +45,6 @@ TEST_F(WorkspaceTest, RecyclesEntriesWithARestorePath) {
     EXPECT_TRUE(fs::exists(folder_ / longest));
 }
 
-TEST_F(WorkspaceTest, RecyclesThousandsOfFilesWhereThereWasNoTrash) {
-    fs::remove_all(TestHome::path() / "data");
-    for (int number = 0; number < 5000; ++number) {
-        test::writeFile(folder_ / "Large.app" / std::to_string(number), "x");
-    }
-    ASSERT_TRUE(workspace::recycle(folder_, "Large.app"));
-    EXPECT_FALSE(fs::exists(folder_ / "Large.app"));
-    const fs::directory_iterator trashed(TestHome::trashedFile("Large.app"));
-    EXPECT_EQ(std::distance(fs::begin(trashed), fs::end(trashed)), 5000);
-}
-
 TEST_F(WorkspaceTest, RecyclesALinkAndNotWhatItPointsTo) {
     test::writeFile(folder_ / "target", "x");
     fs::create_symlink(folder_ / "target", folder_ / "link");
@@ -71,19 +59,6 @@ TEST_F(WorkspaceTest, RecyclesNothingButAnEntryOfTheDirectory) {
         EXPECT_FALSE(workspace::recycle(folder_, name)) << name;
     }
     EXPECT_TRUE(fs::exists(folder_ / "inner" / "file"));
-}
-
-TEST_F(WorkspaceTest, StartsExecutablesAndBundlesThemselves) {
-    const auto note = [this](const char* name) { return (folder_ / name).native(); };
-    const std::string script = "#!/bin/sh\necho \"$#\" > '" + note("script") + "'\n";
-    test::writeFile(folder_ / "run me", script, true);
-    EXPECT_TRUE(workspace::openFile(folder_ / "run me"));
-    ASSERT_TRUE(test::appears(note("script")));
-
-    const test::TestBundle bundle(folder_ / "Some Program.app");
-    bundle.withScript("Some Program", "touch '" + note("bundle") + "'");
-    EXPECT_TRUE(workspace::openFile(bundle.path()));
-    EXPECT_TRUE(test::appears(note("bundle")));
 }
 
 TEST_F(WorkspaceTest, OpensWebAddressesOnlyAndEachAsOneArgument) {

@@ -23,14 +23,6 @@ constexpr std::size_t kMiB = std::size_t{1} << 20U; // as much as is taken from 
 constexpr std::size_t kStack = (test::kIsSanitized ? 4096 : 512) * std::size_t{1024};
 constexpr auto kLongest = 100ms;
 
-std::string repeated(std::string_view text, std::size_t count) {
-    std::string result;
-    for (std::size_t done = 0; done < count; ++done) {
-        result += text;
-    }
-    return result;
-}
-
 /// A name of its own, three letters long, for each number.
 std::string name(std::size_t number) {
     constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
@@ -48,6 +40,10 @@ std::string joined(std::size_t count, const std::function<std::string(std::size_
         result += part(number);
     }
     return result;
+}
+
+std::string repeated(const std::string& text, std::size_t count) {
+    return joined(count, [&](std::size_t) { return text; });
 }
 
 /// A document with an internal document type, whose status is `status`.

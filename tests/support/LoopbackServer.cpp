@@ -1,5 +1,6 @@
 #include "tests/support/LoopbackServer.h"
 
+#include <algorithm>
 #include <chrono>
 #include <stdexcept>
 
@@ -33,6 +34,11 @@ bool sendSlowly(int client, std::string_view bytes, int pause, const std::atomic
         std::this_thread::sleep_for(std::chrono::milliseconds(pause));
     }
     return true;
+}
+
+std::string targetOf(const std::string& head) {
+    const auto start = head.find(' ') + 1;
+    return head.substr(start, head.find(' ', start) - start);
 }
 
 } // namespace
@@ -71,8 +77,9 @@ std::string LoopbackServer::url(const std::string& target) const {
 }
 
 std::vector<std::string> LoopbackServer::targets() const {
-    const std::lock_guard lock(mutex_);
-    return targets_;
+    std::vector<std::string> result = heads();
+    std::transform(result.begin(), result.end(), result.begin(), targetOf);
+    return result;
 }
 
 std::vector<std::string> LoopbackServer::heads() const {
@@ -110,14 +117,11 @@ void LoopbackServer::answer(int client) {
         }
         head.append(bytes, static_cast<std::size_t>(got));
     }
-    const auto start = head.find(' ') + 1;
-    const std::string target = head.substr(start, head.find(' ', start) - start);
     {
         const std::lock_guard lock(mutex_);
-        targets_.push_back(target);
         heads_.push_back(head);
     }
-    const Reply reply = handler_(target);
+    const Reply reply = handler_(targetOf(head));
     bool connected = reply.pause > 0 ? sendSlowly(client, reply.bytes, reply.pause, stopping_)
                                      : sendAll(client, reply.bytes);
     while (connected && reply.repeatsForever && !stopping_) {

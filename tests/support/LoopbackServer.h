@@ -51,7 +51,6 @@ class LoopbackServer {
     int port_ = 0;
     std::atomic<bool> stopping_ = false;
     mutable std::mutex mutex_;
-    std::vector<std::string> targets_;
     std::vector<std::string> heads_;
     std::thread thread_;
 };
