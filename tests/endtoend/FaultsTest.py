@@ -41,14 +41,16 @@ def calls(command, environment, marker, end="exit_group"):
 
 
 def with_fault(command, environment, name, when, fault):
-    """The status of a command in which one call has a fault; None when that killed it, as it must."""
-    status = subprocess.run(["strace", "-qq", "-o", "/dev/null", "-e", f"trace={name}", "-e",
-                             f"inject={name}:{fault}:when={when}", *command], env=environment,
-                            capture_output=True, check=False).returncode
-    was_killed = status in (-signal.SIGKILL, 128 + signal.SIGKILL)
-    if was_killed != (fault == KILL):
-        raise AssertionError(f"ended with status {status}")
-    return None if was_killed else status
+    """The status of a command in which one call has a fault, or None when that killed it; and whether
+    the fault happened. It does not if the call never comes: ext4 gives the same small directory in
+    more parts in one run of forty."""
+    result = subprocess.run(["strace", "-qq", "-o", "|cat >&2", "-e", f"trace={name}", "-e",
+                             f"inject={name}:{fault}:when={when}", *command], env=environment, text=True,
+                            capture_output=True, check=False)
+    if fault != KILL:
+        return result.returncode, "(INJECTED)" in result.stderr
+    was_killed = result.returncode in (-signal.SIGKILL, 128 + signal.SIGKILL)
+    return None if was_killed else result.returncode, was_killed
 
 
 class RemovalCase(TestCase):
@@ -114,14 +116,17 @@ class RemovalFaultsTest(RemovalCase):
         own = calls(command, self.environment, str(self.bundle))
         self.assertGreater(len(own), 15)
         wait_for(self.ran, 0.3)
+        happened = []
         for index, (name, when) in enumerate(own):
             errors = FAULTY[name] if LONG else [FAULTY[name][index % len(FAULTY[name])]]
             for fault in [f"error={error}" for error in errors] + [KILL]:
                 self.prepare()
                 with self.subTest(f"{step}: {name} {when} {fault}"):
-                    status = with_fault(command, self.environment, name, when, fault)
+                    status, came = with_fault(command, self.environment, name, when, fault)
+                    happened.append(came)
                     self.assertIn(status, (0, 1, None))
                     check(status)
+        self.assertGreater(sum(happened), 0.95 * len(happened))
 
     def test_the_uninstaller_is_started_whole_or_not_at_all(self):
         def check(status):
@@ -266,7 +271,8 @@ class LastRunFaultsTest(TestCase):
                     self.prepare(before, is_link)
                     kills += fault == KILL
                     with self.subTest(f"{before!r} {name} {when} {fault}"):
-                        with_fault(self.command, self.environment, name, when, fault)
+                        self.assertTrue(
+                            with_fault(self.command, self.environment, name, when, fault)[1])
                         passes = self.stored() == before
                         if not passes:
                             self.assertRegex(self.stored(), new)
