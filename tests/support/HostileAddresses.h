@@ -3,7 +3,8 @@
 namespace test {
 
 /// What a store could send for the address of the account page and no browser may ever get.
-// clang-format off: one a line otherwise
+// One a line otherwise.
+// clang-format off
 inline constexpr const char* kHostileAddresses[] = {
     "", "h", "http:", "http://", "http:///path", "example.com", "//example.com", "/etc/passwd",
     "file:///etc/passwd", "javascript:alert(1)", "-h", "--help", "ftp://host/", "mailto:a@b",
