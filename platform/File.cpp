@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <system_error>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -46,7 +47,7 @@ std::optional<Data> readRegularFile(const std::filesystem::path& path, std::size
     const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct stat status {};
     if (!file.isOpen() || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode) ||
-        static_cast<std::size_t>(status.st_size) > limit) {
+        std::cmp_greater(status.st_size, limit)) {
         return std::nullopt;
     }
     // One byte more than allowed, to notice a file that grows while it is read.

@@ -23,13 +23,17 @@ FAULTY = {name: ERRORS for name in (
     "sendfile symlink unlink unlinkat write").split()} | {"clone3": ["EAGAIN"]}
 
 
+def traced(options, command, environment):
+    """A command run under strace, whose lines are in its standard error."""
+    return subprocess.run(["strace", *options, "-o", "|cat >&2", *command], env=environment, text=True,
+                          capture_output=True, check=False)
+
+
 def calls(command, environment, marker, end="exit_group"):
     """The calls of a command from the first that names `marker` to the first that names `end`, each
     as its name and its how manieth of that name it is."""
-    log = subprocess.run(["strace", "-o", "|cat >&2", *command], env=environment, text=True,
-                         capture_output=True, check=False).stderr
     counts, result, isOwn = {}, [], False
-    for line in log.splitlines():
+    for line in traced([], command, environment).stderr.splitlines():
         name = line.split("(")[0]
         counts[name] = counts.get(name, 0) + 1
         isOwn = isOwn or marker in line and name != "execve"
@@ -44,9 +48,8 @@ def with_fault(command, environment, name, when, fault):
     """The status of a command in which one call has a fault, or None when that killed it; and whether
     the fault happened. It does not if the call never comes: ext4 gives the same small directory in
     more parts in one run of forty."""
-    result = subprocess.run(["strace", "-qq", "-o", "|cat >&2", "-e", f"trace={name}", "-e",
-                             f"inject={name}:{fault}:when={when}", *command], env=environment, text=True,
-                            capture_output=True, check=False)
+    result = traced(["-qq", "-e", f"trace={name}", "-e", f"inject={name}:{fault}:when={when}"], command,
+                    environment)
     if fault != KILL:
         return result.returncode, "(INJECTED)" in result.stderr
     was_killed = result.returncode in (-signal.SIGKILL, 128 + signal.SIGKILL)
