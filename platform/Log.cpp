@@ -49,6 +49,8 @@ const std::string& systemLogTag() {
 }
 
 [[noreturn]] void logAndAbort() {
+    // Without memory the line itself fails, which must not come here again.
+    std::set_terminate(std::abort);
     try {
         if (const auto failure = std::current_exception()) {
             std::rethrow_exception(failure);

@@ -18,7 +18,8 @@ namespace platform {
 void log(std::string_view format, std::initializer_list<TextArgument> arguments = {});
 
 /// Makes an uncaught failure end the process with one log line that carries the failure's text,
-/// followed by an abort. Call once, at the start of main().
+/// followed by an abort; by the abort alone where the line itself fails, for want of memory. Call
+/// once, at the start of main().
 void logUncaughtFailures();
 
 } // namespace platform

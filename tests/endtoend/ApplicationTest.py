@@ -98,6 +98,19 @@ class StartTest(TestCase):
                     self.assertLessEqual(lines - {b""}, set(file.read_bytes().split(b"\n")))
                 shutil.rmtree(file) if file.is_dir() else file.unlink()
 
+    @unittest.skipIf(SANITIZE, "sanitizers need more memory than these limits leave")
+    def test_without_memory_it_aborts_and_says_so_if_it_can(self):
+        stage = self.make_stage()
+        stage.run({"PATH": "/usr/bin"})
+        ends = set()
+        for kibibytes in range(192, 480, 8):  # with far less, the linker ends it
+            result = subprocess.run(["prlimit", f"--data={kibibytes * 1024}", stage.program()], text=True,
+                                    env=stage.environment(), capture_output=True, check=False)
+            ends.add((result.returncode, result.stderr.partition("] ")[2]))
+        named = (-signal.SIGABRT, "Uncaught failure: std::bad_alloc\n")
+        self.assertLessEqual({named, (0, "")}, ends)
+        self.assertLessEqual(ends, {named, (0, ""), (-signal.SIGABRT, "")})
+
     def test_a_throttled_start_loads_neither_qt_nor_curl(self):
         stage = self.make_stage()
         base = {"PATH": "/usr/bin", "LD_DEBUG": "files"}
