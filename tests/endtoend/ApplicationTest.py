@@ -8,6 +8,7 @@ import shutil
 import signal
 import struct
 import subprocess
+import sys
 import threading
 import time
 import unittest
@@ -108,8 +109,9 @@ class StartTest(TestCase):
                                     env=stage.environment(), capture_output=True, check=False)
             ends.add((result.returncode, result.stderr.partition("] ")[2]))
         named = (-signal.SIGABRT, "Uncaught failure: std::bad_alloc\n")
-        self.assertLessEqual({named, (0, "")}, ends)
         self.assertLessEqual(ends, {named, (0, ""), (-signal.SIGABRT, "")})
+        if sys.maxsize > 2**32:  # else the heap's first piece holds all, or there is nothing for a line
+            self.assertLessEqual({named, (0, "")}, ends)
 
     def test_a_throttled_start_loads_neither_qt_nor_curl(self):
         stage = self.make_stage()
