@@ -38,7 +38,8 @@ std::string programName() {
 #endif
 }
 
-/// The program's name as the system log can tell it from the message: without a space.
+/// The program's name as the system log can tell it from the message: without a space. openlog()
+/// keeps no copy of it.
 const std::string& systemLogTag() {
     static const std::string tag = [] {
         std::string name = programName();

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <stdexcept>
 #include <thread>
@@ -38,6 +39,12 @@ class Directory {
 const Directory& directory() {
     static const Directory directory;
     return directory;
+}
+
+void waitUntil(const std::function<bool()>& condition) {
+    for (int round = 0; round < 1000 && !condition(); ++round) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
 }
 
 } // namespace
@@ -84,10 +91,13 @@ std::string readFile(const fs::path& path) {
 }
 
 bool appears(const fs::path& path) {
-    for (int round = 0; round < 1000 && !fs::exists(path); ++round) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
+    waitUntil([&] { return fs::exists(path); });
     return fs::exists(path);
+}
+
+std::string readFileThatGets(const fs::path& path, const std::string& content) {
+    waitUntil([&] { return readFile(path) == content; });
+    return readFile(path);
 }
 
 } // namespace test

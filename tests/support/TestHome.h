@@ -26,5 +26,8 @@ void writeFile(const std::filesystem::path& path, std::string_view content,
 [[nodiscard]] std::string readFile(const std::filesystem::path& path);
 /// Waits, for at most ten seconds, until the file is there; gives whether it is.
 [[nodiscard]] bool appears(const std::filesystem::path& path);
+/// Waits, for at most ten seconds, until the file has this content; gives what it has.
+[[nodiscard]] std::string readFileThatGets(const std::filesystem::path& path,
+                                           const std::string& content);
 
 } // namespace test
