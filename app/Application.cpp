@@ -21,20 +21,11 @@ void reportMissingDisplay(QtMsgType type, const QMessageLogContext& /*context*/,
     }
 }
 
-/// What the dynamic linker was told for this program is not meant for the ones that it starts: the
-/// uninstaller and the browser.
-void dropLinkerSettings() {
-    for (const char* const name : {"LD_AUDIT", "LD_LIBRARY_PATH", "LD_PRELOAD"}) {
-        unsetenv(name);
-    }
-}
-
 } // namespace
 
 int subscriptionHelperApplicationMain(int argumentCount, char** arguments) {
     // Once more: the process entry has a C++ library of its own.
     platform::logUncaughtFailures();
-    dropLinkerSettings(); // before there are threads
     const auto handler = qInstallMessageHandler(reportMissingDisplay);
     // By this name a Wayland desktop finds the entry, and so the icon, that belongs to the window.
     QApplication::setDesktopFileName(QStringLiteral(HELPER_IDENTIFIER));

@@ -15,6 +15,19 @@ namespace app {
 
 using housekeeping::HelperUtilities;
 
+namespace {
+
+/// Where the customer can cancel what the store did not. The worker goes on whatever becomes of it.
+void openAccountPage(const AtomicText::Value& url) {
+    if (url) {
+        static_cast<void>(platform::workspace::openURL(*url));
+    } else {
+        platform::log("The cancellation was not confirmed, and the store named no account page");
+    }
+}
+
+} // namespace
+
 void SubscriptionHelperAppDelegate::startCancellation() noexcept {
     ++workers_;
     std::thread([this] {
@@ -31,9 +44,7 @@ void SubscriptionHelperAppDelegate::cancelSubscriptionAndLaunchUninstaller() noe
     postProgress("Canceling your subscription ...");
     const std::string store = HelperUtilities::storeID();
     if (!store::FastSpringUtilities::cancelSubscriptionForStore(store, subscriptionReference())) {
-        if (const auto url = customerURL()) {
-            static_cast<void>(platform::workspace::openURL(*url));
-        }
+        openAccountPage(customerURL());
     }
     postProgress("Launching the Uninstaller ...");
     static_cast<void>(HelperUtilities::launchUninstaller());

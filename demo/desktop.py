@@ -47,7 +47,8 @@ def _start_display():
     return server, ":" + number
 
 
-def _start_bus(environment):
+def start_bus(environment):
+    """A session bus, and its address."""
     bus = subprocess.Popen(["dbus-daemon", "--session", "--nofork", "--print-address=1"],
                            stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True,
                            env=environment)
@@ -62,7 +63,7 @@ def desktop(environment=None):
     with contextlib.ExitStack() as stack:
         server, environment["DISPLAY"] = _start_display()
         stack.callback(end, server)
-        bus, environment["DBUS_SESSION_BUS_ADDRESS"] = _start_bus(environment)
+        bus, environment["DBUS_SESSION_BUS_ADDRESS"] = start_bus(environment)
         stack.callback(bus.stdout.close)
         stack.callback(end, bus)
         manager = subprocess.Popen(["openbox"], env=environment, stdout=subprocess.DEVNULL,

@@ -2,6 +2,8 @@
 
 #include <cerrno>
 #include <csignal>
+#include <memory>
+#include <string_view>
 #include <system_error>
 #include <thread>
 
@@ -15,7 +17,7 @@ extern char** environ; // NOLINT(readability-redundant-declaration): POSIX decla
 namespace platform {
 namespace {
 
-/// What a child gets: null streams, a session of its own, default signals.
+/// What a child gets of its own, in place of this process's streams, descriptors and signals.
 class SpawnSettings {
   public:
     SpawnSettings() {
@@ -24,10 +26,18 @@ class SpawnSettings {
             posix_spawn_file_actions_addopen(&streams, stream, "/dev/null", O_RDWR, 0);
         }
         posix_spawnattr_init(&attributes);
-        sigset_t none;
-        sigemptyset(&none);
-        posix_spawnattr_setsigmask(&attributes, &none);
-        posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK);
+        sigset_t signals;
+        sigemptyset(&signals);
+        posix_spawnattr_setsigmask(&attributes, &signals);
+        sigfillset(&signals);
+        posix_spawnattr_setsigdefault(&attributes, &signals);
+        int flags = POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
+#ifdef POSIX_SPAWN_CLOEXEC_DEFAULT
+        flags |= POSIX_SPAWN_CLOEXEC_DEFAULT;
+#else
+        posix_spawn_file_actions_addclosefrom_np(&streams, STDERR_FILENO + 1);
+#endif
+        posix_spawnattr_setflags(&attributes, static_cast<short>(flags));
     }
     SpawnSettings(const SpawnSettings&) = delete;
     SpawnSettings& operator=(const SpawnSettings&) = delete;
@@ -40,21 +50,39 @@ class SpawnSettings {
     posix_spawnattr_t attributes{};
 };
 
-void reap(pid_t child) {
-    const auto wait = [child] {
-        while (::waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
+std::vector<char*> environmentWithoutLinkerSettings() {
+    std::vector<char*> variables;
+    for (char** variable = environ; *variable != nullptr; ++variable) {
+        const std::string_view text = *variable;
+        if (!text.starts_with("LD_") && !text.starts_with("DYLD_")) {
+            variables.push_back(*variable);
         }
-    };
+    }
+    variables.push_back(nullptr);
+    return variables;
+}
+
+int statusOf(pid_t child) {
+    int status = 0;
+    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    return status;
+}
+
+std::future<int> reap(pid_t child) {
+    const auto status = std::make_shared<std::promise<int>>();
     try {
-        std::thread(wait).detach();
+        std::thread([=] { status->set_value(statusOf(child)); }).detach();
     } catch (const std::system_error&) {
         // Without a thread to spare the child stays a zombie until this process ends.
+        status->set_value(0);
     }
+    return status->get_future();
 }
 
 } // namespace
 
-bool startChildProcess(const std::vector<std::string>& arguments) {
+std::future<int> startChildProcess(const std::vector<std::string>& arguments) {
     std::vector<char*> words;
     words.reserve(arguments.size() + 1);
     for (const auto& argument : arguments) {
@@ -63,12 +91,11 @@ bool startChildProcess(const std::vector<std::string>& arguments) {
     words.push_back(nullptr);
     const SpawnSettings settings;
     pid_t child = 0;
-    if (posix_spawn(&child, words.front(), &settings.streams, &settings.attributes, words.data(),
-                    environ) != 0) {
-        return false;
+    if (posix_spawnp(&child, words.front(), &settings.streams, &settings.attributes, words.data(),
+                     environmentWithoutLinkerSettings().data()) != 0) {
+        return {};
     }
-    reap(child);
-    return true;
+    return reap(child);
 }
 
 } // namespace platform

@@ -1,16 +1,21 @@
 #pragma once
 
+#include <future>
 #include <string>
 #include <vector>
 
 namespace platform {
 
-/// Starts a program and returns at once; nobody waits for it and its exit status is not read. Its
-/// standard streams are on the null device, it inherits no other descriptor, and it runs in a
-/// session of its own, so it outlives this process. It is reaped when it ends.
+/// Starts a program and returns at once. It is on its own from then on and outlives this process: a
+/// session of its own, standard streams on the null device, no other descriptor, default signal
+/// actions with none blocked, and this process's environment without what the dynamic linker was
+/// told for it (`LD_…`, `DYLD_…`). It is reaped when it ends. Any thread.
 ///
-/// @param arguments the program's absolute path, followed by its arguments; not empty.
-/// @return whether the program was started.
-[[nodiscard]] bool startChildProcess(const std::vector<std::string>& arguments);
+/// @param arguments the program, by an absolute path or by a name that `PATH` is searched for,
+/// followed by its arguments; not empty.
+/// @return not valid() when the program could not be started; else ready once it has ended, with
+/// its status as waitpid() gives it, or with 0 when no thread could be had to wait for it. To drop
+/// it waits for nothing.
+[[nodiscard]] std::future<int> startChildProcess(const std::vector<std::string>& arguments);
 
 } // namespace platform

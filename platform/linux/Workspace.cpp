@@ -6,9 +6,13 @@
 #include "platform/Log.h"
 #include "platform/URL.h"
 
+#include <chrono>
 #include <cstdio>
+#include <future>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <fcntl.h>
 #include <gio/gio.h>
@@ -24,13 +28,14 @@ struct Unref {
 };
 using File = std::unique_ptr<GFile, Unref>;
 
-struct Free {
-    void operator()(gchar* text) const { g_free(text); }
-};
-using Text = std::unique_ptr<gchar, Free>;
+// For both openers together. They end once the application is on its way; one that runs a browser
+// itself, or waits for a session bus that does not answer, is left to itself after this time.
+constexpr std::chrono::seconds kLongestOpening{5};
 
+/// A file of the local system only: other kinds would have GIO connect to the session bus first and
+/// wait for ever for one that does not answer.
 File fileFor(const fs::path& path) {
-    return File(g_file_new_for_path(path.c_str()));
+    return File(g_vfs_get_file_for_path(g_vfs_get_local(), path.c_str()));
 }
 
 bool isExecutable(const fs::file_status& status) {
@@ -38,8 +43,26 @@ bool isExecutable(const fs::file_status& status) {
     return fs::is_regular_file(status) && (status.permissions() & kAnyone) != fs::perms::none;
 }
 
-bool openWithDefaultApplication(const char* uri) {
-    return g_app_info_launch_default_for_uri(uri, nullptr, nullptr) != FALSE;
+/// Has the desktop's own opener, or else GIO's, open an address or a file. As programs they give
+/// the application a session of its own, and nothing that they wait for holds this process.
+bool openWithDefaultApplication(const std::string& target) {
+    const auto deadline = std::chrono::steady_clock::now() + kLongestOpening;
+    const std::vector<std::string> commands[] = {{"xdg-open", target}, {"gio", "open", target}};
+    for (const auto& command : commands) {
+        auto status = startChildProcess(command);
+        if (!status.valid()) {
+            continue;
+        }
+        if (status.wait_until(deadline) != std::future_status::ready) {
+            log("%@ has not ended after %@ seconds and may not have opened %@",
+                {command.front(), std::to_string(kLongestOpening.count()), target});
+            return true;
+        }
+        if (status.get() == 0) {
+            return true;
+        }
+    }
+    return false;
 }
 
 /// Undoes the move of an item to the Trash when no note lies beside it that says where it came
@@ -66,6 +89,10 @@ bool recycle(const fs::path& directory, const fs::path& name) {
     if (name.empty() || name == "." || name == ".." || name.has_parent_path()) {
         return false;
     }
+    // GIO takes a relative data directory, which is not valid, as one below the working directory.
+    if (g_path_is_absolute(g_get_user_data_dir()) == FALSE) {
+        return false;
+    }
     const fs::path path = directory / name;
     const FileDescriptor item(::open(path.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     return item.isOpen() && g_file_trash(fileFor(path).get(), nullptr, nullptr) != FALSE &&
@@ -82,9 +109,9 @@ bool openFile(const fs::path& file) {
     const bool isBundle = file.extension() == ".app" && fs::is_directory(status);
     const fs::path program = isBundle ? Bundle::executableOf(file) : file;
     if (isExecutable(isBundle ? fs::status(program, error) : status)) {
-        return startChildProcess({program.native()});
+        return startChildProcess({program.native()}).valid();
     }
-    return !isBundle && openWithDefaultApplication(Text(g_file_get_uri(fileFor(file).get())).get());
+    return !isBundle && openWithDefaultApplication(file.native());
 }
 
 bool openURL(std::string_view address) {
@@ -92,7 +119,11 @@ bool openURL(std::string_view address) {
     if (!url) {
         return false;
     }
-    return openWithDefaultApplication(url->text().c_str());
+    if (!openWithDefaultApplication(url->text())) {
+        log("No browser could be started for %@", {url->text()});
+        return false;
+    }
+    return true;
 }
 
 } // namespace platform::workspace

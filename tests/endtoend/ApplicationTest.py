@@ -14,7 +14,7 @@ import time
 import unittest
 
 from support import BUILD, LONG, SANITIZE, TestCase, content
-from desktop import desktop, wait_for, wayland_desktop
+from desktop import desktop, end, start_bus, wait_for, wayland_desktop
 from stage import HELPER_DOMAIN, Store, Window
 
 NO_DISPLAY = "No window can be shown"
@@ -308,24 +308,37 @@ class DesktopTest(TestCase):
             self.assertTrue(stage.bundle.exists())
 
     def test_a_refused_cancellation_opens_the_account_page(self):
+        # In a browser that stays open, and then over a session bus that stops answering.
         stage = self.make_stage(reference="DEMO-KEEP")
-        opened = self.folder / "opened"
+        kept, opened = self.folder / "kept", self.folder / "opened"
+        shutil.copytree(stage.bundle, kept, symlinks=True)
         browser = self.folder / "browser"
         browser.write_text(f"#!/bin/sh\nprintf '%s\\n' \"$@\" >'{opened}.new'\n"
-                           f"env >'{self.folder}/environment'\nmv '{opened}.new' '{opened}'\n")
+                           f"mv '{opened}.new' '{opened}'\nexec sleep 30\n")
         browser.chmod(0o755)
-        stage.set_browser(f"{browser} %u")
+        bus, address = start_bus(self.desktop)
+        self.addCleanup(bus.stdout.close)
+        self.addCleanup(end, bus)
+        self.addCleanup(bus.send_signal, signal.SIGCONT)
         with Store(BUILD):
-            process = self.begin(stage, LD_LIBRARY_PATH="/nowhere", LD_AUDIT="")
-            self.window.press_remove()
-            self.assertTrue(wait_for(opened.exists))
-            self.assertNotIn("LD_", (self.folder / "environment").read_text())
-            self.assertEqual(opened.read_text(), "http://127.0.0.1:8642/account/DEMO-KEEP\n")
-            self.assertTrue(wait_for(stage.trashed_bundle))
-            self.assertTrue(wait_for(stage.note.exists))
-            time.sleep(0.3)
-            self.window.keys("Return")
-            self.finish(process)
+            for answers in (True, False):
+                stage.set_browser(f"{browser} %u")
+                stage.forget_last_run()
+                process = self.begin(stage, DBUS_SESSION_BUS_ADDRESS=address)
+                bus.send_signal(signal.SIGCONT if answers else signal.SIGSTOP)
+                self.window.press_remove()
+                self.assertTrue(wait_for(stage.trashed_bundle))
+                self.assertTrue(wait_for(stage.note.exists))
+                self.assertEqual(opened.exists(), answers)
+                time.sleep(0.3)
+                self.window.keys("Return")
+                self.assertIn("not ended after 5 seconds and may not have opened http://", self.finish(process))
+                stage.note.unlink()
+                shutil.rmtree(stage.home / ".local")
+                shutil.copytree(kept, stage.bundle, symlinks=True)
+                if answers:
+                    self.assertEqual(opened.read_text(), "http://127.0.0.1:8642/account/DEMO-KEEP\n")
+                    opened.unlink()
 
     def test_an_end_at_any_point_of_the_removal_leaves_the_bundle_whole(self):
         stage = self.make_stage()

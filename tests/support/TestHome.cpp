@@ -56,6 +56,7 @@ TestHome::TestHome() {
     setenv("XDG_DATA_HOME", (home / "data").c_str(), 1);
     setenv("XDG_CACHE_HOME", (home / "cache").c_str(), 1);
     setenv("TMPDIR", (home / "tmp").c_str(), 1);
+    setenv("BROWSER", "false", 1); // no browser of this machine
     for (const char* proxy : {"http_proxy", "HTTP_PROXY", "ALL_PROXY", "all_proxy"}) {
         unsetenv(proxy);
     }
