@@ -34,6 +34,21 @@ bool isPresent(const fs::path& path) {
     return fs::exists(fs::symlink_status(path, error));
 }
 
+/// About what a copy of a file, or of a directory with everything in it, takes on the disk.
+std::uintmax_t sizeOf(const fs::path& item) {
+    constexpr std::uintmax_t kBlock = 4096;
+    std::error_code error;
+    const auto size = fs::file_size(item, error);
+    std::uintmax_t total = kBlock + (error ? 0 : size);
+    for (fs::recursive_directory_iterator entry(item, error), end; !error && entry != end;
+         entry.increment(error)) {
+        std::error_code isNoFile;
+        const auto entrySize = entry->file_size(isNoFile);
+        total += kBlock + (isNoFile ? 0 : entrySize);
+    }
+    return total;
+}
+
 /// Copies a file, or a directory with everything in it, to a path where nothing may be. Links stay
 /// links. Gives false, with nothing left at the target, when anything of it could not be copied.
 bool copyItem(const fs::path& source, const fs::path& target) {
@@ -85,8 +100,9 @@ bool HelperUtilities::launchUninstaller() {
         return false;
     }
     clearQuarantineAttribute(*source);
-    const auto directory = platform::userTemporaryDirectory();
+    const auto directory = platform::userTemporaryDirectory(sizeOf(*source));
     if (!directory) {
+        platform::log("There is no place from which a copy of the uninstaller can be started");
         return false;
     }
     const fs::path copy = *directory / name;

@@ -32,8 +32,9 @@ class HelperUtilities {
     /// copy stays.
     ///
     /// @return true when the copy was opened, or when the configured name is empty and there is
-    /// nothing to do. False when there is no such executable (one log line), when it cannot be
-    /// copied (what was copied is removed again), or when the copy cannot be opened.
+    /// nothing to do. False when there is no such executable or no place for the copy (one log line
+    /// each), when it cannot be copied (what was copied is removed again), or when the copy cannot
+    /// be opened.
     [[nodiscard]] static bool launchUninstaller();
 };
 

@@ -165,37 +165,79 @@ TEST_F(WorkspaceTest, OpensNothingThatCannotBeStarted) {
     }
 }
 
-TEST_F(WorkspaceTest, TakesOnlyAnOwnPrivateTemporaryDirectory) {
-    const auto directory = TestHome::temporaryDirectory();
-    fs::remove_all(directory);
-    ASSERT_EQ(userTemporaryDirectory(), directory);
-    EXPECT_EQ(fs::status(directory).permissions(), fs::perms::owner_all);
-
-    fs::permissions(directory, fs::perms::group_read, fs::perm_options::add);
-    EXPECT_EQ(userTemporaryDirectory(), std::nullopt);
-    fs::remove(directory);
-    fs::create_directory(folder_.parent_path() / "elsewhere");
-    fs::permissions(folder_.parent_path() / "elsewhere", fs::perms::owner_all);
-    fs::create_directory_symlink(folder_.parent_path() / "elsewhere", directory);
-    EXPECT_EQ(userTemporaryDirectory(), std::nullopt);
-    fs::remove(directory);
-    test::writeFile(directory, "a file");
-    EXPECT_EQ(userTemporaryDirectory(), std::nullopt);
-    fs::remove(directory);
-    // Where others can move it away after it was checked.
-    fs::permissions(directory.parent_path(), fs::perms::all);
-    EXPECT_EQ(userTemporaryDirectory(), std::nullopt);
-    fs::permissions(directory.parent_path(), fs::perms::all | fs::perms::sticky_bit);
-    EXPECT_EQ(userTemporaryDirectory(), directory);
-    fs::permissions(directory.parent_path(), fs::perms::owner_all);
-    fs::remove(directory);
-    if (geteuid() == 0) { // only root can plant a directory of somebody else
-        fs::create_directory(directory);
-        fs::permissions(directory, fs::perms::owner_all);
-        ASSERT_EQ(chown(directory.c_str(), 65534, 65534), 0);
-        EXPECT_EQ(userTemporaryDirectory(), std::nullopt);
-        fs::remove(directory);
+TEST_F(WorkspaceTest, TakesTheFirstPlaceThatIsTheUsersOwn) {
+    const auto tmp = TestHome::path() / "tmp";
+    const auto runtime = TestHome::path() / "runtime";
+    const auto own = TestHome::temporaryDirectory();
+    const auto next = runtime / own.filename();
+    const auto second = own.native() + "-1";
+    const auto elsewhere = TestHome::path() / "elsewhere";
+    setenv("XDG_RUNTIME_DIR", runtime.c_str(), 1);
+    const auto plant = [&](auto make) { return [&, make] { fs::remove(own), make(own); }; };
+    const auto allow = [&](const fs::path& path, fs::perms permissions) {
+        return [=] { fs::permissions(path, permissions); };
+    };
+    const auto ownByOther = [](const fs::path& path) {
+        fs::create_directory(path);
+        ASSERT_EQ(chown(path.c_str(), 65534, 65534), 0);
+    };
+    fs::remove_all(elsewhere);
+    constexpr auto kGroup = fs::perms::owner_all | fs::perms::group_all;
+    struct Row {
+        const char* what;
+        std::function<void()> arrange;
+        fs::path expected;
+        std::uintmax_t room = 0;
+        bool needsRoot = false;
+    };
+    const Row rows[] = {
+        {"nothing in the way", [] {}, own},
+        {"found again", [&] { fs::create_directory(own), allow(own, fs::perms::owner_all)(); },
+         own},
+        {"open to the group", plant([&](auto& path) { fs::create_directory(path); }), second},
+        {"a link", plant([&](auto& path) { fs::create_directory_symlink(runtime, path); }), second},
+        {"a file", plant([](auto& path) { test::writeFile(path, "x"); }), second},
+        {"somebody else's", plant(ownByOther), second, 0, true},
+        {"no room", [] {}, "", std::uintmax_t{1} << 60U},
+        {"changed by the group", allow(tmp, kGroup), next},
+        {"changed by all", allow(tmp, fs::perms::all), next},
+        {"sticky", allow(tmp, fs::perms::all | fs::perms::sticky_bit), own},
+        {"moved by the group", allow(TestHome::path(), kGroup), "/tmp" / own.filename()},
+        {"owned by another", [&] { ASSERT_EQ(chown(tmp.c_str(), 65534, 65534), 0); }, next, 0,
+         true},
+        {"missing", [&] { fs::remove_all(tmp); }, next},
+        {"relative", [] { setenv("TMPDIR", "tmp", 1); }, next},
+        {"a link that others could change",
+         [&] {
+             fs::create_directories(elsewhere / "inner");
+             allow(elsewhere, fs::perms::all)();
+             fs::create_directory_symlink(tmp, elsewhere / "inner" / "tmp");
+             setenv("TMPDIR", (elsewhere / "inner" / "tmp").c_str(), 1);
+         },
+         own},
+        {"below what others can change",
+         [&] { setenv("TMPDIR", (elsewhere / "inner").c_str(), 1); }, next},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        for (const auto& place : {tmp, runtime}) {
+            fs::remove_all(place);
+            fs::create_directory(place);
+            fs::permissions(place, fs::perms::owner_all);
+        }
+        if (row.needsRoot && geteuid() != 0) {
+            continue;
+        }
+        row.arrange();
+        const auto found = userTemporaryDirectory(row.room);
+        EXPECT_EQ(found.value_or(""), row.expected);
+        EXPECT_TRUE(!found || fs::status(*found).permissions() == fs::perms::owner_all);
+        fs::permissions(TestHome::path(), fs::perms::owner_all);
+        setenv("TMPDIR", tmp.c_str(), 1);
     }
+    unsetenv("XDG_RUNTIME_DIR");
+    std::error_code isNotEmpty;
+    fs::remove("/tmp" / own.filename(), isNotEmpty);
 }
 
 } // namespace
