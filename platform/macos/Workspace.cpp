@@ -1,5 +1,6 @@
 #include "platform/Workspace.h"
 
+#include "platform/Log.h"
 #include "platform/URL.h"
 
 #include <string>
@@ -23,7 +24,14 @@ bool openFile(const std::filesystem::path& file) {
 
 bool openURL(std::string_view address) {
     const auto url = webAddress(address);
-    return url && QDesktopServices::openUrl(QUrl(QString::fromStdString(url->text())));
+    if (!url) {
+        return false;
+    }
+    if (!QDesktopServices::openUrl(QUrl(QString::fromStdString(url->text())))) {
+        log("No browser could be started for %@", {url->text()});
+        return false;
+    }
+    return true;
 }
 
 } // namespace platform::workspace
