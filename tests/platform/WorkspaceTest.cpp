@@ -81,7 +81,7 @@ class OpenedAddress : public WorkspaceTest {
         fs::remove(opened_);
         setenv("DISPLAY", ":4711", 1); // xdg-open asks whether there is one
     }
-    ~OpenedAddress() override {
+    void TearDown() override {
         fs::remove_all(applications_);
         fs::remove_all(folder_);
         setenv("PATH", path_.c_str(), 1);
