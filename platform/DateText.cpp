@@ -32,14 +32,17 @@ int digits(std::string_view text, std::size_t at, std::size_t count) {
 } // namespace
 
 std::optional<sys_seconds> pointInTime(const CalendarTime& time) {
-    if (time.month < 1 || time.day < 1 || time.year < 1 || time.year > 9999) {
+    const auto within = [](int value, int least, int most) {
+        return value >= least && value <= most;
+    };
+    // Before they become a month and a day, which keep no more than a byte of them.
+    if (!within(time.year, 1, 9999) || !within(time.month, 1, 12) || !within(time.day, 1, 31) ||
+        !within(time.hour, 0, 23) || !within(time.minute, 0, 59) || !within(time.second, 0, 59)) {
         return std::nullopt;
     }
     const year_month_day date{year{time.year}, month{static_cast<unsigned>(time.month)},
                               day{static_cast<unsigned>(time.day)}};
-    const auto within = [](int value, int limit) { return value >= 0 && value < limit; };
-    if (!date.ok() || !within(time.hour, 24) || !within(time.minute, 60) ||
-        !within(time.second, 60)) {
+    if (!date.ok()) {
         return std::nullopt;
     }
     return sys_days{date} + hours{time.hour} + minutes{time.minute} + seconds{time.second};

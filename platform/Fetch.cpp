@@ -51,6 +51,9 @@ bool configure(CURL* handle, const URL& url, Transfer& transfer) {
            set(handle, CURLOPT_FOLLOWLOCATION, 1L) &&
            set(handle, CURLOPT_MAXREDIRS, limits.redirects) &&
            set(handle, CURLOPT_HTTP09_ALLOWED, 0L) && set(handle, CURLOPT_NOSIGNAL, 1L) &&
+           // On a kept connection that closes without an answer libcurl sends a request again: a
+           // cancellation after a redirect would be sent twice.
+           set(handle, CURLOPT_FORBID_REUSE, 1L) &&
            // A resolver that never answers must not hold the caller up when the time is over.
            set(handle, CURLOPT_QUICK_EXIT, 1L) &&
            set(handle, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limits.connect.count())) &&

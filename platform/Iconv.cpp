@@ -40,18 +40,20 @@ std::optional<std::string> Iconv::convert(std::string_view text) const {
     // iconv takes a pointer to non-const by its old signature but never writes to the source.
     char* from = const_cast<char*>(text.data());
     std::size_t left = text.size();
-    std::size_t status = kFailed;
-    do {
-        std::array<char, 4096> buffer{};
-        char* to = buffer.data();
-        std::size_t space = buffer.size();
-        status = iconv(handle_, &from, &left, &to, &space);
-        const bool full = status == kFailed && errno == E2BIG;
-        if (status == kFailed && !full) {
-            return std::nullopt;
-        }
-        result.append(buffer.data(), buffer.size() - space);
-    } while (status == kFailed);
+    // Without a source it gives what it held back: a letter that a mark could have followed.
+    for (char** const source : {&from, static_cast<char**>(nullptr)}) {
+        std::size_t status = kFailed;
+        do {
+            std::array<char, 4096> buffer{};
+            char* to = buffer.data();
+            std::size_t space = buffer.size();
+            status = iconv(handle_, source, &left, &to, &space);
+            if (status == kFailed && errno != E2BIG) {
+                return std::nullopt;
+            }
+            result.append(buffer.data(), buffer.size() - space);
+        } while (status == kFailed);
+    }
     return result;
 }
 

@@ -10,11 +10,15 @@ namespace {
 
 constexpr std::string_view kKelvinSign = "\xe2\x84\xaa";
 
+/// In one pass: a text may consist of nothing else.
 void replaceKelvinSigns(std::string& text) {
-    for (auto at = text.find(kKelvinSign); at != std::string::npos;
-         at = text.find(kKelvinSign, at)) {
-        text.replace(at, kKelvinSign.size(), "k");
+    std::size_t to = 0;
+    for (std::size_t from = 0; from < text.size(); ++to) {
+        const bool found = text.compare(from, kKelvinSign.size(), kKelvinSign) == 0;
+        text[to] = found ? 'k' : text[from];
+        from += found ? kKelvinSign.size() : 1;
     }
+    text.resize(to);
 }
 
 } // namespace
@@ -39,7 +43,9 @@ void lowercase(std::string_view text, std::string& result) {
 }
 
 bool flagFromText(std::string_view text) {
-    return lowercased(text) == "true";
+    constexpr std::string_view kTrue = "true";
+    // By its length first, which spares long texts the copy: no letter of it is longer in capitals.
+    return text.size() == kTrue.size() && lowercased(text) == kTrue;
 }
 
 std::uint64_t numberFromText(std::string_view text) {

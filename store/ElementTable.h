@@ -1,8 +1,7 @@
 #pragma once
 
-#include "store/Conversions.h"
+#include "store/ElementText.h"
 #include "store/FastSpringItem.h"
-#include "store/FastSpringRootParser.h"
 
 #include <algorithm>
 #include <span>
@@ -39,17 +38,17 @@ constexpr bool isElementTable(std::span<const Element<Record>> table) {
 }
 
 /// The text of an element as a value of a property's type.
-/// @throws std::out_of_range for a date, by FastSpringRootParser::fromServerDate().
+/// @throws std::out_of_range for a date, by dateFromText().
 template <class Value>
-Value converted(std::string_view text) {
+Value converted(ElementText& text) {
     if constexpr (std::is_same_v<Value, Text>) {
-        return Text(text);
+        return text.text();
     } else if constexpr (std::is_same_v<Value, Date>) {
-        return FastSpringRootParser::fromServerDate(text);
+        return text.date();
     } else if constexpr (std::is_same_v<Value, Number>) {
-        return numberFromText(text);
+        return text.number();
     } else {
-        return flagFromText(text);
+        return text.flag();
     }
 }
 
@@ -61,7 +60,7 @@ Value converted(std::string_view text) {
 /// @throws what converted() throws; the record is then unchanged.
 template <class Record>
 bool storeElement(std::span<const Element<std::type_identity_t<Record>>> table,
-                  std::string_view name, std::string_view text, Record* record) {
+                  std::string_view name, ElementText& text, Record* record) {
     const auto row = std::lower_bound(table.begin(), table.end(), name,
                                       [](const auto& element, std::string_view wanted) {
                                           return isBefore(element.name, wanted);

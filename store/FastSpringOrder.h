@@ -23,8 +23,8 @@ struct FastSpringPaymentItem : FastSpringItem {
 };
 
 /// One order as the store service describes it. Every field is as sent: nothing is computed,
-/// validated or normalised. Amounts are in whole units; a negative one sent wraps round to 2^64
-/// minus it. No entry of a list is ever null. It holds one postal address, not one per person.
+/// validated or normalised. Amounts are in whole units; a negative one sent comes out as 2^64
+/// plus it. No entry of a list is ever null. It holds one postal address, not one per person.
 struct FastSpringOrder : FastSpringItem {
     Text reference;                       ///< the order's reference at the store service
     Text status;                          ///< its status, without a meaning given to it here

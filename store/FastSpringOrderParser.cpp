@@ -108,7 +108,7 @@ bool FastSpringOrderParser::startContainer(std::string_view elementName) {
     return true;
 }
 
-void FastSpringOrderParser::endElement(std::string_view elementName, std::string_view text) {
+void FastSpringOrderParser::endElement(std::string_view elementName, ElementText& text) {
     if (elementName == "orderitems") {
         append(order ? &order->orderItems : nullptr, orderItem);
         orderItem.reset();
@@ -123,7 +123,7 @@ void FastSpringOrderParser::endElement(std::string_view elementName, std::string
 }
 
 /// Looks the element up in the tables of the present context, the narrowest first.
-bool FastSpringOrderParser::storeField(std::string_view elementName, std::string_view text) {
+bool FastSpringOrderParser::storeField(std::string_view elementName, ElementText& text) {
     const std::span<const Element<Order>> contact =
         isPurchaser_ ? std::span(kPurchaserElements) : std::span(kCustomerElements);
     return (isPayments_ && storeElement(kPaymentElements, elementName, text, payment.get())) ||

@@ -32,8 +32,8 @@ class FastSpringOrderParser final : public FastSpringRootParser {
 
   private:
     bool startContainer(std::string_view elementName) override;
-    void endElement(std::string_view elementName, std::string_view text) override;
-    bool storeField(std::string_view elementName, std::string_view text);
+    void endElement(std::string_view elementName, ElementText& text) override;
+    bool storeField(std::string_view elementName, ElementText& text);
 
     bool isPurchaser_ = false;
     bool isPayments_ = false;

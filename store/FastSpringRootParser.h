@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/XMLEventParser.h"
+#include "store/ElementText.h"
 #include "store/FastSpringItem.h"
 
 #include <map>
@@ -22,12 +23,8 @@ class FastSpringRootParser : public platform::XMLEventParserDelegate {
     explicit FastSpringRootParser(std::string_view data);
     virtual ~FastSpringRootParser() = default;
 
-    /// Reads a date text of the store service: a timestamp "2026-01-31T08:30:00Z", also with a
-    /// fraction of exactly three digits, or a day "2026-01-31Z", both in GMT by the Gregorian
-    /// calendar. A day gives its first second. Other texts with a "Z" give none.
-    ///
-    /// @throws std::out_of_range when no "Z" is left once the first point and the three characters
-    /// after it are removed: a text without "Z", an empty one, a fraction of one or two digits.
+    /// Reads a date text of the store service, as dateFromText().
+    /// @throws std::out_of_range when no "Z" is left to take.
     [[nodiscard]] static Date fromServerDate(std::string_view text);
 
     /// Whether the (lowercased) element is an HTML page's root, so that the answer is no store
@@ -60,11 +57,11 @@ class FastSpringRootParser : public platform::XMLEventParserDelegate {
     /// Acts on the start of a container and gives true; gives false for any other element.
     virtual bool startContainer(std::string_view elementName) = 0;
     /// Stores `text` where the element that ends belongs, or does nothing.
-    virtual void endElement(std::string_view elementName, std::string_view text) = 0;
+    virtual void endElement(std::string_view elementName, ElementText& text) = 0;
 
     platform::XMLEventParser parser_;
     bool accumulatingParsedCharacterData_ = false;
-    std::string currentParsedCharacterData_;
+    ElementText currentParsedCharacterData_;
     std::string elementName_; // lowercased; a member so that its memory is used again
 };
 

@@ -24,8 +24,8 @@ struct FastSpringSubscription : FastSpringItem {
     Text customerPhoneNumber;  ///< customer's phone number
     Text customerURL;          ///< address of the customer's account page; untrusted
     Text productName;          ///< name of the subscribed product
-    Number quantity; ///< number of units; a negative one sent wraps round to 2^64 minus it
-    Date endDate;    ///< when the subscription ends
+    Number quantity;           ///< number of units; a negative one sent comes out as 2^64 plus it
+    Date endDate;              ///< when the subscription ends
 };
 
 } // namespace store

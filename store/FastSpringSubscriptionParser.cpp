@@ -45,7 +45,7 @@ bool FastSpringSubscriptionParser::startContainer(std::string_view elementName) 
     return true;
 }
 
-void FastSpringSubscriptionParser::endElement(std::string_view elementName, std::string_view text) {
+void FastSpringSubscriptionParser::endElement(std::string_view elementName, ElementText& text) {
     storeElement(kElements, elementName, text, subscription.get());
 }
 

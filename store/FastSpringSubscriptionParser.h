@@ -29,7 +29,7 @@ class FastSpringSubscriptionParser final : public FastSpringRootParser {
 
   private:
     bool startContainer(std::string_view elementName) override;
-    void endElement(std::string_view elementName, std::string_view text) override;
+    void endElement(std::string_view elementName, ElementText& text) override;
 };
 
 } // namespace store

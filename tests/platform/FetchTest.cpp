@@ -162,6 +162,17 @@ TEST_F(Fetch, FollowsFiveRedirectsAndNoSixth) {
     EXPECT_EQ(fetchFrom(LoopbackServer(redirects(6))), std::nullopt);
 }
 
+TEST_F(Fetch, SendsNoRequestTwiceWhenItsConnectionCloses) {
+    const LoopbackServer server([](const std::string& target) {
+        return target == "/" ? Reply{"HTTP/1.1 302 Found\r\nLocation: /cancel\r\n"
+                                     "Content-Length: 0\r\n\r\n",
+                                     Reply::End::NextRequest}
+                             : Reply{""};
+    });
+    EXPECT_EQ(fetchFrom(server), std::nullopt);
+    EXPECT_THAT(server.targets(), testing::ElementsAre("/", "/cancel"));
+}
+
 TEST_F(Fetch, SendsOnePlainGet) {
     const LoopbackServer server(httpReply("x"));
     ASSERT_TRUE(fetch(URL::make(server.url("/s.php?f=x&r=A&B")).value()));

@@ -12,6 +12,7 @@
 #include <string>
 #include <utility>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace store {
@@ -24,7 +25,8 @@ std::string outcomeOf(std::string_view text) {
     try {
         const Date date = FastSpringRootParser::fromServerDate(text);
         return date ? platform::dateText(*date) : kNone;
-    } catch (const std::out_of_range&) {
+    } catch (const std::out_of_range& failure) {
+        EXPECT_THAT(failure.what(), testing::HasSubstr("\"" + std::string(text) + "\""));
         return kFails;
     }
 }
@@ -53,6 +55,8 @@ const std::pair<const char*, const char*> kDates[] = {
     {"2012-03-15T24:00:00Z", kNone},
     {"2012-03-15T08:30:60Z", kNone},
     {"2012-13-01Z", kNone},
+    {"2012-268-15T08:30:00Z", kNone}, // 268 and 271 would be 12 and 15 if they were cut to a byte
+    {"2012-03-271T08:30:00Z", kNone},
     {"0000-01-01Z", kNone},
     {"2012-03-15T08:30:00ZZ", kNone},
     // Of a longer fraction only the first three digits go; the rest lengthens the seconds.

@@ -132,6 +132,8 @@ void LoopbackServer::answer(int client) {
         ::setsockopt(client, SOL_SOCKET, SO_LINGER, &hard, sizeof hard);
     } else if (reply.end == Reply::End::Silence) {
         static_cast<void>(isReadable(client));
+    } else if (reply.end == Reply::End::NextRequest) {
+        answer(client);
     }
 }
 

@@ -11,10 +11,11 @@ namespace test {
 
 /// What the server sends once it has read a request's head.
 struct Reply {
-    enum class End { Close, Reset, Silence };
+    enum class End { Close, Reset, Silence, NextRequest };
 
     std::string bytes;           ///< sent as they are, a status line included
-    End end = End::Close;        ///< what follows; silence lasts until the client goes
+    End end = End::Close;        ///< what follows; silence lasts until the client goes, and
+                                 ///< the next request comes on the same connection
     bool repeatsForever = false; ///< sends the bytes again and again until the client goes
     int pause = 0;               ///< milliseconds between two bytes; 0 sends all at once
 };
