@@ -23,10 +23,16 @@ constexpr int kIconSide = 64;
 constexpr QSize kButtonRoom{20, 6}; // around a button's text, beyond what the style gives
 constexpr double kHeadingScale = 1.5;
 
-/// A missing or empty reference counts as none.
+/// A missing or empty reference counts as none. Blanks around it are those of the line that the
+/// product wrote.
 AtomicText::Value userSubscriptionReference() {
-    auto reference = platform::UserDefaults(HELPER_PRODUCT_DOMAIN).text("subscriptionReference");
-    return reference && !reference->empty() ? reference : std::nullopt;
+    constexpr const char* kBlanks = " \t\n\v\f\r";
+    const auto text = platform::UserDefaults(HELPER_PRODUCT_DOMAIN).text("subscriptionReference");
+    const auto start = text ? text->find_first_not_of(kBlanks) : std::string::npos;
+    if (start == std::string::npos) {
+        return std::nullopt;
+    }
+    return text->substr(start, text->find_last_not_of(kBlanks) + 1 - start);
 }
 
 QIcon applicationIcon() {
@@ -119,14 +125,17 @@ void SubscriptionHelperAppDelegate::loadWindow() {
     connect(cancelButton_, &QPushButton::clicked, this,
             &SubscriptionHelperAppDelegate::cancelButton);
     connect(ui_->removeButton, &QPushButton::clicked, this, [this] {
-        // One press is one removal.
-        ui_->removeButton->setEnabled(false);
-        cancelButton_->setEnabled(false);
+        setRemovalEnabled(false); // one press is one removal
         startCancellation();
     });
     const auto* quit = new QShortcut(QKeySequence::Quit, window_.get());
     connect(quit, &QShortcut::activated, this, &SubscriptionHelperAppDelegate::exitApp);
     window_->installEventFilter(this);
+}
+
+void SubscriptionHelperAppDelegate::setRemovalEnabled(bool isEnabled) {
+    ui_->removeButton->setEnabled(isEnabled);
+    cancelButton_->setEnabled(isEnabled);
 }
 
 void SubscriptionHelperAppDelegate::awakeFromNib() noexcept {

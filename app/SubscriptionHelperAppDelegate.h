@@ -33,7 +33,7 @@ class SubscriptionHelperAppDelegate final : public QObject {
     ~SubscriptionHelperAppDelegate() override;
 
     /// The start-up: obtains the user's subscription reference (`subscriptionReference` in the
-    /// product's user defaults; a missing or empty one counts as none), asks the store service for
+    /// product's user defaults, without blanks around it; a missing or empty one counts as none), asks the store service for
     /// the subscription, blocking until it has answered, keeps the reference and the customer URL,
     /// and presents the window. Without a reference or a subscription it ends the application,
     /// silently. A date of the answer that cannot be read is an uncaught failure and ends the
@@ -50,7 +50,8 @@ class SubscriptionHelperAppDelegate final : public QObject {
     void exitApp();
 
     /// Starts the removal worker on a thread of its own, then shows the progress sheet, modal for
-    /// the window. Each call starts one worker.
+    /// the window. Each call starts one worker. When no thread can be started it says so in the log,
+    /// and the removal can be started again.
     void startCancellation() noexcept;
     /// The removal worker: cancels the subscription at the store service, or opens the customer's
     /// account page when that fails; starts the uninstaller; moves the helper's bundle to the
@@ -84,6 +85,8 @@ class SubscriptionHelperAppDelegate final : public QObject {
   private:
     void loadWindow();
     void presentWindow();
+    /// Whether the removal can be started, and the second button be pressed.
+    void setRemovalEnabled(bool isEnabled);
     void postProgress(std::string_view key);
 
     std::unique_ptr<QDialog> window_;

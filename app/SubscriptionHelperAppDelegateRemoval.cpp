@@ -9,6 +9,7 @@
 #include "store/FastSpringUtilities.h"
 #include "ui_MainWindow.h"
 
+#include <system_error>
 #include <thread>
 
 namespace app {
@@ -30,10 +31,17 @@ void openAccountPage(const AtomicText::Value& url) {
 
 void SubscriptionHelperAppDelegate::startCancellation() noexcept {
     ++workers_;
-    std::thread([this] {
-        cancelSubscriptionAndLaunchUninstaller();
+    try {
+        std::thread([this] {
+            cancelSubscriptionAndLaunchUninstaller();
+            --workers_;
+        }).detach();
+    } catch (const std::system_error& failure) {
         --workers_;
-    }).detach();
+        platform::log("The removal cannot be started: %@", {failure.what()});
+        setRemovalEnabled(true);
+        return;
+    }
     spinner_->startAnimation();
     progressSheet_->beginSheet(*ui_->content);
 }

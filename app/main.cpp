@@ -10,8 +10,20 @@
 #include <string_view>
 
 #include <dlfcn.h>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace {
+
+/// Opens the null device in place of each standard stream that is closed. The next file or
+/// connection would take its number otherwise, and log lines would go into that.
+void openClosedStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) < 0) {
+            static_cast<void>(open("/dev/null", O_RDWR)); // gets the lowest number that is free
+        }
+    }
+}
 
 /// Loads the application library of the bundle, with all that it needs, and runs it.
 int runApplication(const platform::Bundle& bundle, int argumentCount, char** arguments) {
@@ -49,6 +61,7 @@ bool answered(std::string_view question) {
 } // namespace
 
 int main(int argumentCount, char** arguments) {
+    openClosedStreams();
     platform::logUncaughtFailures();
     if (argumentCount == 2 && answered(arguments[1])) {
         return EXIT_SUCCESS;

@@ -27,10 +27,6 @@ bool isFile(const std::filesystem::path& path) {
 
 } // namespace
 
-std::optional<Bundle> Bundle::mainBundle() {
-    return around(executablePath());
-}
-
 std::optional<Bundle> Bundle::around(const std::filesystem::path& executable) {
     const auto contents = executable.parent_path().parent_path();
     const auto path = contents.parent_path();

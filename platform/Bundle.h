@@ -13,8 +13,8 @@ namespace platform {
 /// files is kept in memory, each look-up reads them anew. Safe to use from any thread.
 class Bundle {
   public:
-    /// The bundle in whose executable directory this process's executable lay when it was first
-    /// asked for, or none when it does not lie in one or the bundle is gone from there.
+    /// The bundle in whose executable directory this process's executable lay when this was first
+    /// asked, or none when it did not lie in one. Kept, whatever becomes of the bundle.
     [[nodiscard]] static std::optional<Bundle> mainBundle();
 
     /// The bundle whose executable directory holds `executable`, an absolute path; none when the

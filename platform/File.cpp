@@ -36,9 +36,11 @@ bool writeNewFile(const std::filesystem::path& path, std::string_view content) {
     return file.isOpen() && writeAll(file.get(), content) && ::fsync(file.get()) == 0;
 }
 
-bool flushDirectory(const std::filesystem::path& path) {
+void flushDirectory(const std::filesystem::path& path) {
     const FileDescriptor directory(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    return directory.isOpen() && ::fsync(directory.get()) == 0;
+    if (directory.isOpen()) {
+        ::fsync(directory.get());
+    }
 }
 
 } // namespace
@@ -84,7 +86,9 @@ bool replaceFile(const std::filesystem::path& path, std::string_view content) {
         ::unlink(fresh.c_str());
         return false;
     }
-    return flushDirectory(target.parent_path());
+    // The new content is there, whatever becomes of this: it may only be lost again in a crash.
+    flushDirectory(target.parent_path());
+    return true;
 }
 
 } // namespace platform

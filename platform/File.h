@@ -20,9 +20,9 @@ using Data = std::string;
 /// Replaces the file at `path` by one that holds `content`, mode 0600, so that at every moment, and
 /// after a crash, the path holds either the old content or the new: written to `path` + ".new",
 /// flushed to the disk, renamed, and the directory flushed. A link at `path` is followed, so that
-/// it stays a link. Gives false when any step fails: the old file is then unchanged, except when
-/// only the flush of the directory failed and the new one may not survive a crash. Of several
-/// writers of one path only one may run at a time.
+/// it stays a link. Gives false when it could not be replaced: the old file is then unchanged. When
+/// only the flush of the directory failed it is replaced, and may be the old one again after a
+/// crash. Of several writers of one path only one may run at a time.
 [[nodiscard]] bool replaceFile(const std::filesystem::path& path, std::string_view content);
 
 } // namespace platform

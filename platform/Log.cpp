@@ -16,16 +16,49 @@
 namespace platform {
 namespace {
 
+/// Characters that a terminal acts on or that change the order of others, as ranges of the last
+/// byte of their UTF-8 behind the bytes before it.
+struct Controls {
+    std::string_view lead;
+    unsigned char first;
+    unsigned char last;
+};
+constexpr Controls kControls[] = {
+    {"", 0x00, 0x1f},         // C0
+    {"", 0x7f, 0x7f},         // DEL
+    {"\xc2", 0x80, 0x9f},     // C1
+    {"\xd8", 0x9c, 0x9c},     // ARABIC LETTER MARK
+    {"\xe2\x80", 0x8e, 0x8f}, // marks of direction
+    {"\xe2\x80", 0xa8, 0xae}, // separators of lines and paragraphs, embeddings, overrides
+    {"\xe2\x81", 0xa6, 0xa9}, // isolates
+};
+
+/// The bytes of the control character that `text` starts with, or 0.
+std::size_t controlLength(std::string_view text) {
+    for (const auto& [lead, first, last] : kControls) {
+        if (text.starts_with(lead) && text.size() > lead.size()) {
+            const auto byte = static_cast<unsigned char>(text[lead.size()]);
+            if (byte >= first && byte <= last) {
+                return lead.size() + 1;
+            }
+        }
+    }
+    return 0;
+}
+
 std::string escaped(std::string_view text) {
     constexpr std::string_view kDigits = "0123456789abcdef";
     std::string result;
-    for (const char character : text) {
-        const auto byte = static_cast<unsigned char>(character);
-        if (byte < 0x20 || byte == 0x7f) {
+    while (!text.empty()) {
+        const auto length = controlLength(text);
+        for (const char character : text.substr(0, length)) {
+            const auto byte = static_cast<unsigned char>(character);
             result.append({'\\', 'x', kDigits[byte >> 4U], kDigits[byte & 0xfU]});
-        } else {
-            result.push_back(character);
         }
+        if (length == 0) {
+            result.push_back(text.front());
+        }
+        text.remove_prefix(std::max<std::size_t>(length, 1));
     }
     return result;
 }

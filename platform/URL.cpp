@@ -60,6 +60,11 @@ bool isWebURL(const std::string& text) {
     return std::string_view(scheme) == "http" || std::string_view(scheme) == "https";
 }
 
+bool hasUserInformation(std::string_view url) {
+    url.remove_prefix(url.find("://") + 3);
+    return url.substr(0, url.find_first_of("/?#")).find('@') != std::string_view::npos;
+}
+
 } // namespace
 
 std::optional<URL> URL::make(std::string_view text) {
@@ -73,6 +78,10 @@ std::optional<URL> URL::make(std::string_view text) {
 
 std::optional<URL> webAddress(std::string_view text) {
     auto url = text.size() <= kLongestWebAddress ? URL::make(text) : std::nullopt;
+    // What stands before the host is made to be taken for it.
+    if (url && hasUserInformation(text)) {
+        url.reset();
+    }
     if (!url) {
         log("Not opened, since it is no web address: %@", {text.substr(0, kLongestWebAddress)});
     }

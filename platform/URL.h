@@ -25,7 +25,8 @@ class URL {
     std::string text_;
 };
 
-/// The URL of an address that is to be shown to the user: as URL::make(), of at most 2048 bytes.
+/// The URL of an address that is to be shown to the user: as URL::make(), of at most 2048 bytes and
+/// without user information ("http://user@host/").
 /// Any other text gives none and logs one line.
 [[nodiscard]] std::optional<URL> webAddress(std::string_view text);
 

@@ -21,8 +21,9 @@ namespace platform::workspace {
 [[nodiscard]] bool openFile(const std::filesystem::path& file);
 
 /// Opens a web address in the user's browser. Addresses come unauthenticated over the network, so
-/// only what webAddress() takes is opened; any other text logs one line, and so does an address that
-/// no browser could be started for. Gives whether one could. Within five seconds, as openFile().
+/// only what webAddress() takes is opened; any other text logs one line, and so does an address
+/// that no browser could be started for. Gives whether one could. Within five seconds, as
+/// openFile().
 [[nodiscard]] bool openURL(std::string_view address);
 
 } // namespace platform::workspace

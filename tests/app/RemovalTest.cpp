@@ -6,6 +6,7 @@
 #include "tests/app/DelegateTest.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -16,6 +17,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <QApplication>
 #include <QDialog>
 #include <QElapsedTimer>
@@ -124,6 +126,28 @@ TEST_F(Removal, GoesOnAfterARefusalAndOpensNoAddressThatIsNone) {
         EXPECT_THAT(log, HasSubstr("Uninstaller is not found at path: (null)"));
         EXPECT_FALSE(fs::exists(bundle_.path()));
     }
+}
+
+TEST_F(Removal, CanBeStartedAgainWhenThereIsNoThreadForIt) {
+    QDialog* window = startUp();
+    ASSERT_NE(window, nullptr);
+    pthread_attr_t usual;
+    pthread_attr_t impossible;
+    ASSERT_EQ(pthread_getattr_default_np(&usual), 0);
+    ASSERT_EQ(pthread_getattr_default_np(&impossible), 0);
+    pthread_attr_setstacksize(&impossible, SIZE_MAX / 4 + 1);
+    ASSERT_EQ(pthread_setattr_default_np(&impossible), 0);
+    testing::internal::CaptureStderr();
+    press(*window);
+    pthread_setattr_default_np(&usual);
+    EXPECT_THAT(testing::internal::GetCapturedStderr(),
+                HasSubstr("The removal cannot be started: "));
+    EXPECT_FALSE(delegate_.isRemoving());
+    EXPECT_FALSE(child<ProgressSheet>(*window, "progressSheet").isVisible());
+    EXPECT_TRUE(child<QPushButton>(*window, "cancelButton").isEnabled());
+    press(*window);
+    EXPECT_TRUE(waitUntilRemoved());
+    EXPECT_EQ(server_.targets().size(), 2U);
 }
 
 TEST_F(Removal, LogsABundleThatCannotBeTrashed) {

@@ -109,7 +109,8 @@ bool screenReaderStarts() {
     EXPECT_TRUE(platform::startChildProcess({"/usr/bin/gdbus", "call", "--session", "--dest",
                                              "org.a11y.Bus", "--object-path", "/org/a11y/bus",
                                              "--method", "org.freedesktop.DBus.Properties.Set",
-                                             "org.a11y.Status", "IsEnabled", "<true>"}).valid());
+                                             "org.a11y.Status", "IsEnabled", "<true>"})
+                    .valid());
     return QTest::qWaitFor([] { return QAccessible::isActive(); }, 10000);
 }
 

@@ -46,13 +46,14 @@ class StartTest(TestCase):
 
     def test_without_a_display_it_says_so_once(self):
         stage = self.make_stage()
-        for display in ({}, {"DISPLAY": ":4711"}):
-            base = {"PATH": "/usr/bin:/bin"} | display
+        for variables, reason in (({}, "could not connect to display"),
+                                  ({"DISPLAY": ":4711"}, "could not connect to display :4711"),
+                                  ({"QT_QPA_PLATFORM": "nosuch"}, 'Qt platform plugin "nosuch"')):
             stage.forget_last_run()
-            status, log, _ = stage.run(base)
+            status, log, _ = stage.run({"PATH": "/usr/bin:/bin"} | variables)
             self.assertEqual(status, 1, log)
             self.assertEqual(len(log.splitlines()), 1, log)
-            self.assertIn(NO_DISPLAY, log)
+            self.assertRegex(log, f"{NO_DISPLAY}: .*{reason}")
 
     def test_of_simultaneous_starts_exactly_one_goes_on(self):
         # The one that goes on notices that there is no display and ends with status 1.
@@ -202,7 +203,7 @@ class DesktopTest(TestCase):
                 self.assertEqual((status, log), (0, ""))
                 self.assertIsNotNone(stage.last_run())
         with Store(BUILD) as store:
-            for reference in ("", None):
+            for reference in ("", " \t", None):
                 stage.forget_last_run()
                 file = stage.config / "com.example.acme-studio.conf"
                 file.unlink() if reference is None else stage.set_reference(reference)
@@ -227,6 +228,19 @@ class DesktopTest(TestCase):
                     self.assertEqual(self.finish(process), "")
             self.assertEqual([line for line in store.requests if "delete" in line], [])
         self.assertTrue(stage.bundle.exists())
+
+    def test_nothing_takes_the_place_of_a_closed_stream(self):
+        stage = self.make_stage()
+        with Store(BUILD):
+            process = subprocess.Popen(["sh", "-c", 'exec "$0" <&- >&- 2>&-', stage.program()],
+                                       env=stage.environment(self.desktop))
+            self.addCleanup(process.wait)
+            self.addCleanup(process.kill)
+            self.assertTrue(self.window.wait())
+            self.assertEqual({os.readlink(f"/proc/{process.pid}/fd/{stream}") for stream in range(3)},
+                             {"/dev/null"})
+            self.window.keys("Return")
+            self.assertEqual(process.wait(20), 0)
 
     def test_each_kind_of_desktop_finds_its_entry_and_its_icons(self):
         stage = self.make_stage()
@@ -265,11 +279,13 @@ class DesktopTest(TestCase):
             self.assertRegex(log.read_text(), r'set_title\("Acme Studio"\)')
 
     def test_the_removal_from_a_place_with_a_difficult_name(self):
-        stage = self.make_stage(applications="Zo\u00eb's \"own\" place")
+        stage = self.make_stage(applications="Zo\u00eb's \"own\" place", reference=" DEMO-1001\t")
+        plist = "Contents/Info.plist"
         with Store(BUILD, "--delay", "1500") as store:
             process = self.begin(stage)
             self.window.press_remove()
             self.assertTrue(wait_for(lambda: len(store.requests) == 1))
+            (stage.bundle / plist).rename(self.folder / "plist")  # it stays the bundle that it was
             self.window.keys("alt+F4", "Return", "Escape", "space", "alt+c")  # modal: all ignored
             self.assertTrue(wait_for(stage.trashed_bundle))
             self.assertTrue(wait_for(stage.note.exists))
@@ -283,6 +299,7 @@ class DesktopTest(TestCase):
                              ["f=getsubscription&subscriptionRef=DEMO-1001 200",
                               "f=deletesubscription&subscriptionRef=DEMO-1001 200"])
             # A second start, from where the bundle lies now, leaves at once.
+            (self.folder / "plist").rename(stage.trashed_bundle() / plist)
             status, log, _ = stage.run(self.desktop, bundle=stage.trashed_bundle())
             self.assertEqual((status, log, len(store.requests)), (0, "", 2))
 

@@ -45,15 +45,15 @@ def calls(command, environment, marker, end="exit_group"):
 
 
 def with_fault(command, environment, name, when, fault):
-    """The status of a command in which one call has a fault, or None when that killed it; and whether
-    the fault happened. It does not if the call never comes: ext4 gives the same small directory in
-    more parts in one run of forty."""
+    """The status of a command in which one call has a fault, or None when that killed it, whether the
+    fault happened, and what was logged. It does not happen if the call never comes: ext4 gives the same
+    small directory in more parts in one run of forty."""
     result = traced(["-qq", "-e", f"trace={name}", "-e", f"inject={name}:{fault}:when={when}"], command,
                     environment)
     if fault != KILL:
-        return result.returncode, "(INJECTED)" in result.stderr
+        return result.returncode, "(INJECTED)" in result.stderr, result.stderr
     was_killed = result.returncode in (-signal.SIGKILL, 128 + signal.SIGKILL)
-    return None if was_killed else result.returncode, was_killed
+    return None if was_killed else result.returncode, was_killed, result.stderr
 
 
 class RemovalCase(TestCase):
@@ -132,7 +132,7 @@ class RemovalFaultsTest(RemovalCase):
             for fault in [f"error={error}" for error in errors] + [KILL]:
                 self.prepare()
                 with self.subTest(f"{step}: {name} {when} {fault}"):
-                    status, came = with_fault(command, self.environment, name, when, fault)
+                    status, came, _ = with_fault(command, self.environment, name, when, fault)
                     happened.append(came)
                     self.assertIn(status, (0, 1, None))
                     check(status)
@@ -291,9 +291,10 @@ class LastRunFaultsTest(TestCase):
                     self.prepare(before, is_link)
                     kills += fault == KILL
                     with self.subTest(f"{before!r} {name} {when} {fault}"):
-                        self.assertTrue(
-                            with_fault(self.command, self.environment, name, when, fault)[1])
+                        _, came, log = with_fault(self.command, self.environment, name, when, fault)
+                        self.assertTrue(came)
                         passes = self.stored() == before
+                        self.assertEqual("cannot be stored" in log, passes and fault != KILL)
                         if not passes:
                             self.assertRegex(self.stored(), new)
                         status, log, seconds = self.stage.run({"PATH": "/usr/bin"})

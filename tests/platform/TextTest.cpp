@@ -27,9 +27,13 @@ TEST(FormatText, PutsArgumentsInOrderAndSearchesThemNotAgain) {
 
 TEST(Log, WritesOneLineWithControlCharactersEscaped) {
     testing::internal::CaptureStderr();
-    log("Could not trash '%@'", {"a\nb\x1b[31m\x7f"});
+    log("Could not trash '%@'",
+        {"a\nb\x1b[31m\x7f\u0085\u00a0\u061c\u200e\u2029\u202e\u2030\u2066\u206a"});
     const std::string line = testing::internal::GetCapturedStderr();
-    EXPECT_THAT(line, HasSubstr("Could not trash 'a\\x0ab\\x1b[31m\\x7f'\n"));
+    EXPECT_THAT(
+        line,
+        HasSubstr("Could not trash 'a\\x0ab\\x1b[31m\\x7f\\xc2\\x85\u00a0\\xd8\\x9c\\xe2\\x80\\x8e"
+                  "\\xe2\\x80\\xa9\\xe2\\x80\\xae\u2030\\xe2\\x81\\xa6\u206a'\n"));
     EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1);
     EXPECT_THAT(line, HasSubstr("[" + std::to_string(getpid()) + "] "));
 }

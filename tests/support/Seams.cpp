@@ -1,5 +1,5 @@
-// The test programs' own definitions of the two functions that say where a process is and where the
-// store service is.
+// The test programs' own definitions of the two functions that say which bundle a process belongs
+// to and where the store service is.
 #include "tests/support/Seams.h"
 
 #include "platform/Bundle.h"
@@ -7,9 +7,9 @@
 
 namespace {
 
-std::filesystem::path& testExecutable() {
-    static std::filesystem::path path;
-    return path;
+std::optional<platform::Bundle>& testBundle() {
+    static std::optional<platform::Bundle> bundle;
+    return bundle;
 }
 
 std::string& testScriptURL() {
@@ -20,8 +20,8 @@ std::string& testScriptURL() {
 } // namespace
 
 namespace platform {
-const std::filesystem::path& executablePath() {
-    return testExecutable();
+std::optional<Bundle> Bundle::mainBundle() {
+    return testBundle();
 }
 } // namespace platform
 
@@ -34,7 +34,7 @@ std::string_view scriptURL() {
 namespace test {
 
 void setExecutablePath(const std::filesystem::path& path) {
-    testExecutable() = path;
+    testBundle() = platform::Bundle::around(path);
 }
 
 void setStorePort(int port) {

@@ -5,8 +5,8 @@
 
 namespace test {
 
-/// What the process's executable is taken to be, in place of the test program: decides the main
-/// bundle. Set it before other threads run.
+/// What the process's executable is taken to be, in place of the test program: makes the bundle
+/// around it, as it is now, the main bundle. Set it before other threads run.
 void setExecutablePath(const std::filesystem::path& path);
 
 /// The store service that requests go to, by the port of a fixture server on loopback.
