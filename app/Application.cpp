@@ -11,12 +11,14 @@
 
 namespace {
 
-/// Stands in for Qt's own messages while it connects to the display: it ends a process without one
-/// by an abort, after several lines.
+/// Stands in for Qt's own messages while it connects to the display: where it cannot, it ends the
+/// process by an abort, after several lines that tell why. They become one.
 void reportMissingDisplay(QtMsgType type, const QMessageLogContext& /*context*/,
-                          const QString& /*message*/) {
+                          const QString& message) {
+    static std::string reasons;
+    reasons += " " + message.simplified().toStdString();
     if (type == QtFatalMsg) {
-        platform::log("No window can be shown: there is no display to connect to");
+        platform::log("No window can be shown:%@", {reasons});
         std::_Exit(EXIT_FAILURE);
     }
 }

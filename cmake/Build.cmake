@@ -16,8 +16,9 @@ add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-s
 if(HELPER_WERROR)
     add_compile_options(-Werror)
 endif()
-# 32-bit programs cannot look at files with larger inode numbers without this (fstat: EOVERFLOW).
-add_compile_definitions(_FILE_OFFSET_BITS=64)
+# 32-bit programs cannot look at files with larger inode numbers without the first (fstat: EOVERFLOW),
+# and have no time after January 2038 without the second, which needs the first.
+add_compile_definitions(_FILE_OFFSET_BITS=64 _TIME_BITS=64)
 if(HELPER_SANITIZE)
     add_compile_options(-fsanitize=${HELPER_SANITIZE} -fno-omit-frame-pointer
         -fno-sanitize-recover=all)
@@ -25,9 +26,6 @@ if(HELPER_SANITIZE)
 else()
     # Hardening; tests/endtoend/HardeningTest.py looks for it in what was built.
     add_compile_options(-fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
-    if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
-        add_compile_options(-fcf-protection=full)
-    endif()
     if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
         add_link_options(-Wl,-z,relro,-z,now)
     endif()
