@@ -41,11 +41,14 @@ class XMLEventParserDelegate {
 };
 
 /// Reads one XML document as a series of events, without namespaces and without opening anything
-/// that the document names. It is linear in the size of the document in time, and needs memory for
-/// at most a sixteenth of a large one (beyond 16 MiB) beside it: entities that the document
-/// declares are expanded under expat's amplification protection, which here ends a parse that has
-/// made more than 256 KiB and four times the document's bytes, and elements may nest 256 deep.
-/// Encodings: UTF-8, UTF-16, ISO-8859-1, US-ASCII, and the single-byte ones that iconv knows.
+/// that the document names. In time it is linear in the size of the document. In memory it holds,
+/// beside the document, a copy of what it was given at once (all, or a thirty-second of a document
+/// beyond 16 MiB) and the names and declarations that occur. Entities that the document declares
+/// are expanded under expat's amplification protection: it is a parse error when what was read and
+/// what was expanded come to more than 256 KiB and to more than four times what was read. So are
+/// more than 64 declared attributes.
+/// Encodings: UTF-8 (also as "utf8"), UTF-16, ISO-8859-1 to -16, US-ASCII, windows-1250 to -1258,
+/// KOI8-R and KOI8-U, in any letter case; any other one is a parse error at its declaration.
 class XMLEventParser {
   public:
     /// The deepest nesting of elements that is not a parse error.
