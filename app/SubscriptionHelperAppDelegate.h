@@ -33,11 +33,11 @@ class SubscriptionHelperAppDelegate final : public QObject {
     ~SubscriptionHelperAppDelegate() override;
 
     /// The start-up: obtains the user's subscription reference (`subscriptionReference` in the
-    /// product's user defaults, without blanks around it; a missing or empty one counts as none), asks the store service for
-    /// the subscription, blocking until it has answered, keeps the reference and the customer URL,
-    /// and presents the window. Without a reference or a subscription it ends the application,
-    /// silently. A date of the answer that cannot be read is an uncaught failure and ends the
-    /// process.
+    /// product's user defaults, without blanks around it; a missing or empty one counts as none),
+    /// asks the store service for the subscription, blocking until it has answered, keeps the
+    /// reference and the customer URL, and presents the window. Without a reference or a
+    /// subscription it ends the application, silently. A date of the answer that cannot be read is
+    /// an uncaught failure and ends the process.
     void awakeFromNib() noexcept;
     /// Does nothing: all is done once the window description is loaded.
     void applicationDidFinishLaunching() {}
@@ -50,8 +50,8 @@ class SubscriptionHelperAppDelegate final : public QObject {
     void exitApp();
 
     /// Starts the removal worker on a thread of its own, then shows the progress sheet, modal for
-    /// the window. Each call starts one worker. When no thread can be started it says so in the log,
-    /// and the removal can be started again.
+    /// the window. Each call starts one worker. When no thread can be started it says so in the
+    /// log, and the removal can be started again.
     void startCancellation() noexcept;
     /// The removal worker: cancels the subscription at the store service, or opens the customer's
     /// account page when that fails; starts the uninstaller; moves the helper's bundle to the

@@ -13,7 +13,7 @@ import threading
 import time
 import unittest
 
-from support import BUILD, LONG, SANITIZE, TestCase, content
+from support import BUILD, SANITIZE, TestCase
 from desktop import desktop, end, start_bus, wait_for, wayland_desktop
 from stage import HELPER_DOMAIN, Store, Window
 
@@ -356,40 +356,6 @@ class DesktopTest(TestCase):
                 if answers:
                     self.assertEqual(opened.read_text(), "http://127.0.0.1:8642/account/DEMO-KEEP\n")
                     opened.unlink()
-
-    def test_an_end_at_any_point_of_the_removal_leaves_the_bundle_whole(self):
-        stage = self.make_stage()
-        ran = self.folder / "ran"
-        script = stage.bundle / "Contents/Linux/Uninstall Acme Studio"
-        script.write_text(f"#!/bin/sh\necho ran >>'{ran}'\n")
-        whole, kept = content(stage.bundle), self.folder / "kept"
-        shutil.copytree(stage.bundle, kept, symlinks=True)
-        ends = [(lambda process: process.kill(), -signal.SIGKILL),
-                (lambda process: process.terminate(), -signal.SIGTERM),
-                (lambda process: self.window.keys("ctrl+q"), 0)]
-        places = []
-        with Store(BUILD, "--delay", "400"):
-            for point in range(20):
-                for act, status in ends if LONG else [ends[point % 3]]:
-                    stage.forget_last_run()
-                    ran.unlink(missing_ok=True)
-                    # Also of a note without a file, which would give the next bundle another name.
-                    shutil.rmtree(stage.home / ".local", ignore_errors=True)
-                    process = self.begin(stage)
-                    self.window.press_remove()
-                    time.sleep(0.15 + point * 0.015)
-                    act(process)
-                    self.finish(process, status)
-                    time.sleep(0.1)
-                    trashed = stage.trashed_bundle()
-                    places.append("Trash" if trashed else "place")
-                    self.assertEqual(content(trashed or stage.bundle), whole)
-                    self.assertNotEqual(bool(trashed), stage.bundle.exists())
-                    self.assertIn(ran.read_text() if ran.exists() else "", ("", "ran\n"))
-                    if trashed:
-                        self.assertEqual(stage.restore_path(), str(stage.bundle))
-                        shutil.copytree(kept, stage.bundle, symlinks=True)
-        self.assertEqual(set(places), {"Trash", "place"}, places)
 
     def test_no_state_of_the_tables_keeps_the_window_away(self):
         stage = self.make_stage()

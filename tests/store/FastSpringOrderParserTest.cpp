@@ -1,6 +1,5 @@
 #include "store/FastSpringOrderParser.h"
 
-#include "demo/DemoOrders.h"
 #include "tools/RecordJSON.h"
 
 #include <memory>
@@ -147,30 +146,6 @@ TEST(OrderParser, ConvertsAndFailsLikeEveryParser) {
     EXPECT_EQ(outcomeOf("<html><order><city>1</city></order></html>"), "{}");
     EXPECT_EQ(outcomeOf("<html/>"), "(no record)");
     EXPECT_EQ(outcomeOf("<subscription><city>1</city></subscription>"), "(no record)");
-}
-
-TEST(OrderParser, EndsWellWhereverAFullAnswerIsCut) {
-    const std::string full = demo::orderAnswer("ORDER-2001");
-    std::string last;
-    for (std::size_t length = 0; length <= full.size(); ++length) {
-        const auto order = FastSpringOrderParser(full.substr(0, length)).parseOrder();
-        for (const auto& item : order && order->orderItems
-                                    ? *order->orderItems
-                                    : decltype(order->orderItems)::value_type{}) {
-            EXPECT_TRUE(item) << length;
-        }
-        last = order ? order->country.value_or("") : "";
-    }
-    EXPECT_EQ(last, "US");
-    // And where it goes on with containers that hold nothing: a failure or whole lists, no other
-    // end.
-    int failures = 0;
-    for (std::size_t length = 0; length <= full.size(); ++length) {
-        const std::string outcome = outcomeOf(full.substr(0, length) + "<payments/><orderItems/>");
-        EXPECT_EQ(outcome.find("null"), std::string::npos) << length;
-        failures += outcome == "(invalid_argument)" ? 1 : 0;
-    }
-    EXPECT_GT(failures, 0);
 }
 
 } // namespace
