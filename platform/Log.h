@@ -10,9 +10,10 @@ namespace platform {
 /// Writes one line to standard error and to the system log (syslog, facility user): the moment,
 /// the program's name and process id, and the formatted text. In the system log a space in the name
 /// is "-": journald (252) does not find names with a space, or the process id after one. Control
-/// characters in the text, C1 and those of direction included, are escaped as `\xNN` for each byte,
-/// so a logged name can neither start a line of its own nor turn one round. A failure to write is
-/// ignored. May be called from any thread; lines of several threads do not mix.
+/// characters in the text, C1 and those of direction included, and bytes that are no UTF-8 are
+/// escaped as `\xNN` for each byte, so a logged name can neither start a line of its own nor turn
+/// one round, nor tell a terminal anything. A failure to write is ignored. May be called from any
+/// thread; lines of several threads do not mix.
 ///
 /// @param format the fixed message; each "%@" takes one argument (see formatText()).
 void log(std::string_view format, std::initializer_list<TextArgument> arguments = {});
