@@ -65,6 +65,9 @@ TEST_F(Removal, GoesThroughItsStepsAndLeavesTheSheetUp) {
     QTest::keyClick(window, Qt::Key_Return);
     QTest::keyClick(window, Qt::Key_Escape);
     EXPECT_FALSE(window->close());
+    QEvent endOfSession(QEvent::Quit); // what Qt makes of a session's end
+    QApplication::sendEvent(qApp, &endOfSession);
+    EXPECT_FALSE(endOfSession.isAccepted());
     ASSERT_TRUE(QTest::qWaitFor(
         [&] {
             const std::string text = label.text().toStdString();
