@@ -15,7 +15,7 @@ namespace {
 /// process by an abort, after several lines that tell why. They become one.
 void reportMissingDisplay(QtMsgType type, const QMessageLogContext& /*context*/,
                           const QString& message) {
-    static std::string reasons;
+    thread_local std::string reasons; // Qt has other threads, which have other troubles
     reasons += " " + message.simplified().toStdString();
     if (type == QtFatalMsg) {
         platform::log("No window can be shown:%@", {reasons});
