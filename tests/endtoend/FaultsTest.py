@@ -164,8 +164,8 @@ class MountsTest(RemovalCase):
     OWN_MOUNTS = ["unshare", "--mount", *(["--user", "--map-root-user"] if os.geteuid() else [])]
 
     def step(self, step):
-        return subprocess.run([STEP, step, str(self.bundle)], env=self.environment, check=False,
-                              capture_output=True).returncode
+        return subprocess.run([STEP, step, str(self.bundle)], env=self.environment, cwd=self.folder,
+                              check=False, capture_output=True).returncode
 
     def mount(self, *arguments):
         subprocess.run(["mount", *map(str, arguments)], check=True)
