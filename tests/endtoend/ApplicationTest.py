@@ -215,7 +215,7 @@ class DesktopTest(TestCase):
         with answering("<subscription><end>2026-01-31</end></subscription>"):
             status, log, _ = stage.run(self.desktop)
         self.assertEqual(status, -signal.SIGABRT)
-        self.assertIn("Uncaught failure: ", log)
+        self.assertRegex(log, 'Uncaught failure: .*"2026-01-31"')
 
     def test_each_way_out_of_the_window_ends_it(self):
         stage = self.make_stage()
