@@ -36,8 +36,9 @@ def wait_for(condition, seconds=15, interval=0.05):
 def _start_display():
     """A virtual display on a free number of the server's own choice."""
     reader, writer = os.pipe()
+    # It would start anew whenever its last client leaves, and drop the one that is just connecting.
     server = subprocess.Popen(
-        ["Xvfb", "-displayfd", str(writer), "-screen", "0", SCREEN, "-nolisten", "tcp"],
+        ["Xvfb", "-displayfd", str(writer), "-screen", "0", SCREEN, "-nolisten", "tcp", "-noreset"],
         pass_fds=[writer], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     os.close(writer)
     with os.fdopen(reader) as pipe:
