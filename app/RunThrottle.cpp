@@ -9,13 +9,13 @@ constexpr std::string_view kLastRun = "lastRunUserDefaultKey";
 
 } // namespace
 
-platform::Moment presentMoment() {
-    return std::chrono::floor<platform::Moment::duration>(std::chrono::system_clock::now());
+base::Timestamp presentMoment() {
+    return std::chrono::floor<base::Timestamp::duration>(std::chrono::system_clock::now());
 }
 
-bool isRecentRun(const std::optional<platform::Moment>& lastRun, const Clock& clock) {
+bool isRecentRun(const std::optional<base::Timestamp>& lastRun, const Clock& clock) {
     return lastRun && *lastRun - clock() > -kRunInterval &&
-           *lastRun - clock() <= platform::Moment::duration::zero();
+           *lastRun - clock() <= base::Timestamp::duration::zero();
 }
 
 bool passRunThrottle(const platform::UserDefaults& defaults, const Clock& clock) {

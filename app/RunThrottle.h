@@ -9,10 +9,10 @@
 namespace app {
 
 /// Gives the present moment.
-using Clock = std::function<platform::Moment()>;
+using Clock = std::function<base::Timestamp()>;
 
 /// The system's clock.
-[[nodiscard]] platform::Moment presentMoment();
+[[nodiscard]] base::Timestamp presentMoment();
 
 /// The helper works at most once in this time.
 inline constexpr std::chrono::hours kRunInterval{4};
@@ -20,7 +20,7 @@ inline constexpr std::chrono::hours kRunInterval{4};
 /// Whether `lastRun` is so recent that the helper does not work again: less than kRunInterval ago,
 /// and not in the future (as after a clock was set back). Exactly kRunInterval ago is not recent;
 /// the present moment is. Reads the clock anew for each of the two bounds.
-[[nodiscard]] bool isRecentRun(const std::optional<platform::Moment>& lastRun, const Clock& clock);
+[[nodiscard]] bool isRecentRun(const std::optional<base::Timestamp>& lastRun, const Clock& clock);
 
 /// Decides whether this start goes on, and if so stores the present moment as that of the last run
 /// under "lastRunUserDefaultKey", on the disk, before it returns. Of any number of simultaneous

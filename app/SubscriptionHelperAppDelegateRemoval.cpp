@@ -81,7 +81,7 @@ bool SubscriptionHelperAppDelegate::trashMe() {
         return true;
     }
     platform::log("Could not trash '%@'",
-                  {bundle ? platform::TextArgument(bundle->bundlePath().native()) : std::nullopt});
+                  {bundle ? base::TextArgument(bundle->bundlePath().native()) : std::nullopt});
     return false;
 }
 

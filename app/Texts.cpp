@@ -1,7 +1,7 @@
 #include "app/Texts.h"
 
+#include "base/Format.h"
 #include "platform/Bundle.h"
-#include "platform/Text.h"
 
 #include <QLocale>
 
@@ -19,7 +19,7 @@ QString localized(std::string_view key) {
     const std::string text = entry(key);
     return QString::fromStdString(text.find("%@") == std::string::npos
                                       ? text
-                                      : platform::formatText(text, {productName(), productName()}));
+                                      : base::formatText(text, {productName(), productName()}));
 }
 
 std::string productName() {

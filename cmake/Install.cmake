@@ -4,8 +4,8 @@ include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
 set(package_directory "${CMAKE_INSTALL_LIBDIR}/cmake/SubscriptionStore")
-install(TARGETS platform store EXPORT SubscriptionStoreTargets)
-foreach(folder platform store)
+install(TARGETS base store EXPORT SubscriptionStoreTargets)
+foreach(folder base store)
     install(DIRECTORY ${folder}/ DESTINATION include/subscription-store/${folder}
         FILES_MATCHING PATTERN "*.h")
 endforeach()

@@ -1,6 +1,6 @@
 #include "demo/DemoStore.h"
 
-#include "platform/DateText.h"
+#include "base/Timestamp.h"
 
 #include <chrono>
 
@@ -82,7 +82,7 @@ std::string DemoStore::cancelAnswer(const std::string& reference, const std::str
     }
     subscription.status = "canceled";
     subscription.statusReason = "canceled";
-    subscription.statusChanged = platform::dateText(
+    subscription.statusChanged = base::timestampText(
         std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now()));
     return answer(reference, subscription, host);
 }

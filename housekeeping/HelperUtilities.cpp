@@ -1,10 +1,10 @@
 #include "housekeeping/HelperUtilities.h"
 
+#include "base/Format.h"
 #include "platform/Bundle.h"
 #include "platform/ChildProcess.h"
 #include "platform/Log.h"
 #include "platform/TemporaryDirectory.h"
-#include "platform/Text.h"
 #include "platform/Workspace.h"
 
 #include <optional>
@@ -75,13 +75,11 @@ std::string HelperUtilities::storeID() {
 }
 
 bool HelperUtilities::trash(const fs::path& path) {
-    // A trailing slash does not make the last component empty.
-    const fs::path item = path.has_filename() ? path : path.parent_path();
-    return platform::workspace::recycle(item.parent_path(), item.filename());
+    return platform::workspace::moveToTrash(path);
 }
 
 void HelperUtilities::clearQuarantineAttribute(const fs::path& path) {
-    const std::string command = platform::formatText(
+    const std::string command = base::formatText(
         "/usr/bin/xattr -d com.apple.quarantine '%@' &> /dev/null", {path.native()});
     // Whether it started makes no difference to anyone: the mark is a nicety.
     static_cast<void>(platform::startChildProcess({"/bin/sh", "-c", command}));
@@ -96,7 +94,7 @@ bool HelperUtilities::launchUninstaller() {
     const auto source = auxiliaryExecutable(name);
     if (!source || !fs::exists(*source, error)) {
         platform::log("Uninstaller is not found at path: %@",
-                      {source ? platform::TextArgument(source->native()) : std::nullopt});
+                      {source ? base::TextArgument(source->native()) : std::nullopt});
         return false;
     }
     clearQuarantineAttribute(*source);

@@ -45,7 +45,7 @@ void flushDirectory(const std::filesystem::path& path) {
 
 } // namespace
 
-std::optional<Data> readRegularFile(const std::filesystem::path& path, std::size_t limit) {
+std::optional<base::Data> readRegularFile(const std::filesystem::path& path, std::size_t limit) {
     const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct stat status {};
     if (!file.isOpen() || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode) ||
@@ -53,7 +53,7 @@ std::optional<Data> readRegularFile(const std::filesystem::path& path, std::size
         return std::nullopt;
     }
     // One byte more than allowed, to notice a file that grows while it is read.
-    Data data(limit + 1, '\0');
+    base::Data data(limit + 1, '\0');
     std::size_t length = 0;
     while (length < data.size()) {
         const ssize_t got = ::read(file.get(), data.data() + length, data.size() - length);

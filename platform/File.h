@@ -1,21 +1,19 @@
 #pragma once
 
+#include "base/Data.h"
+
 #include <cstddef>
 #include <filesystem>
 #include <optional>
-#include <string>
 #include <string_view>
 
 namespace platform {
 
-/// Bytes as they came from a file or the network.
-using Data = std::string;
-
 /// The whole content of a regular file of at most `limit` bytes; links are followed. None when
 /// there is no such file, it cannot be read, it is larger, or it is not a regular file (a FIFO or
 /// a device is never waited for).
-[[nodiscard]] std::optional<Data> readRegularFile(const std::filesystem::path& path,
-                                                  std::size_t limit);
+[[nodiscard]] std::optional<base::Data> readRegularFile(const std::filesystem::path& path,
+                                                        std::size_t limit);
 
 /// Replaces the file at `path` by one that holds `content`, mode 0600, so that at every moment, and
 /// after a crash, the path holds either the old content or the new: written to `path` + ".new",

@@ -1,6 +1,6 @@
 #include "platform/Log.h"
 
-#include "platform/DateText.h"
+#include "base/Timestamp.h"
 
 #include <algorithm>
 #include <bit>
@@ -117,12 +117,13 @@ const std::string& systemLogTag() {
 
 } // namespace
 
-void log(std::string_view format, std::initializer_list<TextArgument> arguments) {
-    const std::string message = escaped(formatText(format, arguments));
+void log(std::string_view format, std::initializer_list<base::TextArgument> arguments) {
+    const std::string message = escaped(base::formatText(format, arguments));
     const auto now =
         std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now());
-    const std::string line = formatText(
-        "%@ %@[%@] %@\n", {dateText(now), programName(), std::to_string(getpid()), message});
+    const std::string line =
+        base::formatText("%@ %@[%@] %@\n", {base::timestampText(now), programName(),
+                                            std::to_string(getpid()), message});
     // One write, so that the lines of several threads do not mix.
     if (write(STDERR_FILENO, line.data(), line.size()) < 0) {
         // Standard error may be closed; the system log still gets the message.

@@ -1,7 +1,7 @@
 #include "platform/StringsTable.h"
 
+#include "base/Iconv.h"
 #include "platform/File.h"
-#include "platform/Iconv.h"
 #include "platform/Log.h"
 
 #include <algorithm>
@@ -32,7 +32,7 @@ std::u16string decoded(std::string_view bytes) {
     } else if (bytes.starts_with("\xef\xbb\xbf")) {
         bytes.remove_prefix(3);
     }
-    const auto units = Iconv(kNativeUTF16, encoding).convert(bytes);
+    const auto units = base::Iconv(kNativeUTF16, encoding).convert(bytes);
     if (!units) {
         throw Expected(std::string("text in ") + encoding);
     }
@@ -44,7 +44,7 @@ std::u16string decoded(std::string_view bytes) {
 std::string encoded(std::u16string_view text) {
     const std::string_view bytes(reinterpret_cast<const char*>(text.data()),
                                  text.size() * sizeof(char16_t));
-    const auto result = Iconv("UTF-8", kNativeUTF16).convert(bytes);
+    const auto result = base::Iconv("UTF-8", kNativeUTF16).convert(bytes);
     if (!result) {
         throw Expected("whole surrogate pairs");
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/DateText.h"
+#include "base/Timestamp.h"
 #include "platform/FileLock.h"
 
 #include <optional>
@@ -26,13 +26,13 @@ class UserDefaults {
 
     /// The date under `key`; none when there is none or the value is no date. On Linux a date is
     /// written in ISO 8601, UTC, with microseconds.
-    [[nodiscard]] std::optional<Moment> date(std::string_view key) const;
+    [[nodiscard]] std::optional<base::Timestamp> date(std::string_view key) const;
 
     /// Stores a date under `key`, on the disk before it returns; all other values and lines are
     /// kept. Gives false, with the stored values unchanged, when that cannot be done: no or
     /// unwritable home, a full disk, or a file that cannot be read whole and would lose its other
     /// values. Hold the lock() meanwhile where several processes may store.
-    [[nodiscard]] bool setDate(std::string_view key, Moment moment) const;
+    [[nodiscard]] bool setDate(std::string_view key, base::Timestamp moment) const;
 
     /// Tries to be the only one that changes this domain. See FileLock.
     [[nodiscard]] FileLock lock() const;

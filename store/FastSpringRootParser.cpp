@@ -12,7 +12,7 @@ Date FastSpringRootParser::fromServerDate(std::string_view text) {
 }
 
 bool FastSpringRootParser::checkForErrors(std::string_view elementName,
-                                          const platform::XMLAttributes& /*attributes*/) {
+                                          const base::XMLAttributes& /*attributes*/) {
     if (elementName != "html") {
         return false;
     }
@@ -25,7 +25,7 @@ bool FastSpringRootParser::cleanUpAnyErrors(std::string_view /*elementName*/) co
 }
 
 void FastSpringRootParser::didStartElement(std::string_view elementName,
-                                           const platform::XMLAttributes& attributes) {
+                                           const base::XMLAttributes& attributes) {
     lowercase(elementName, elementName_);
     if (checkForErrors(elementName_, attributes) || startContainer(elementName_)) {
         return;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/XMLEventParser.h"
+#include "base/XMLEventParser.h"
 #include "store/ElementText.h"
 #include "store/FastSpringItem.h"
 
@@ -17,7 +17,7 @@ namespace store {
 ///
 /// A subclass says which elements are containers and where the text of every other element goes.
 /// A parser serves one answer, once, on one thread.
-class FastSpringRootParser : public platform::XMLEventParserDelegate {
+class FastSpringRootParser : public base::XMLEventParserDelegate {
   public:
     /// @param data the complete answer; it must outlive the parser.
     explicit FastSpringRootParser(std::string_view data);
@@ -29,15 +29,14 @@ class FastSpringRootParser : public platform::XMLEventParserDelegate {
 
     /// Whether the (lowercased) element is an HTML page's root, so that the answer is no store
     /// answer; remembers it in isHTMLServerError.
-    bool checkForErrors(std::string_view elementName, const platform::XMLAttributes& attributes);
+    bool checkForErrors(std::string_view elementName, const base::XMLAttributes& attributes);
     /// Whether an HTML page was found. Clears nothing: the rest of such an answer is skipped.
     [[nodiscard]] bool cleanUpAnyErrors(std::string_view elementName) const;
 
     /// The events of the parse. Element names are matched in any letter case. The text of an
     /// element is what was gathered from the last start of an element that is no container to the
     /// first end after it, so an element with children has the text of its last child.
-    void didStartElement(std::string_view elementName,
-                         const platform::XMLAttributes& attributes) final;
+    void didStartElement(std::string_view elementName, const base::XMLAttributes& attributes) final;
     void didEndElement(std::string_view elementName) final;
     void foundCharacters(std::string_view characters) final;
     void parseErrorOccurred() final;
@@ -59,7 +58,7 @@ class FastSpringRootParser : public platform::XMLEventParserDelegate {
     /// Stores `text` where the element that ends belongs, or does nothing.
     virtual void endElement(std::string_view elementName, ElementText& text) = 0;
 
-    platform::XMLEventParser parser_;
+    base::XMLEventParser parser_;
     bool accumulatingParsedCharacterData_ = false;
     ElementText currentParsedCharacterData_;
     std::string elementName_; // lowercased; a member so that its memory is used again

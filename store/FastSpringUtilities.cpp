@@ -1,7 +1,7 @@
 #include "store/FastSpringUtilities.h"
 
-#include "platform/Fetch.h"
-#include "platform/Text.h"
+#include "base/Fetch.h"
+#include "base/Format.h"
 #include "store/FastSpringOrderParser.h"
 #include "store/FastSpringSubscriptionParser.h"
 #include "store/ScriptURL.h"
@@ -12,9 +12,9 @@ namespace store {
 namespace {
 
 /// The whole answer to a request whose format takes the script URL and the reference.
-std::optional<platform::Data> answerTo(std::string_view format, const std::string& reference) {
-    const auto url = platform::URL::make(platform::formatText(format, {scriptURL(), reference}));
-    return url ? platform::fetch(*url) : std::nullopt;
+std::optional<base::Data> answerTo(std::string_view format, const std::string& reference) {
+    const auto url = base::URL::make(base::formatText(format, {scriptURL(), reference}));
+    return url ? base::fetch(*url) : std::nullopt;
 }
 
 std::shared_ptr<FastSpringSubscription> requestSubscription(std::string_view format,

@@ -8,7 +8,7 @@
 namespace store {
 
 /// The requests to the store service. Each sends one HTTP GET to scriptURL(), waits for the whole
-/// answer on the calling thread (within the limits of platform::FetchLimits), and parses it there.
+/// answer on the calling thread (within the limits of base::FetchLimits), and parses it there.
 /// No state: call any of them from any thread, in any order. Nothing is retried, cached or logged.
 ///
 /// The reference goes into the request exactly as given, without escaping: one that holds an

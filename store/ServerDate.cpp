@@ -1,6 +1,6 @@
 #include "store/ServerDate.h"
 
-#include "platform/DateText.h"
+#include "base/Timestamp.h"
 
 #include <algorithm>
 #include <array>
@@ -13,7 +13,7 @@
 namespace store {
 namespace {
 
-using platform::CalendarTime;
+using base::CalendarTime;
 
 constexpr std::string_view kDayPattern = "yyyy-MM-dd";
 constexpr std::string_view kTimestampPattern = "yyyy-MM-ddTHH:mm:ss";
@@ -73,7 +73,7 @@ Date readByPattern(std::string_view text, std::string_view pattern) {
         }
         pattern.remove_prefix(width);
     }
-    return text.empty() ? platform::pointInTime(time) : std::nullopt;
+    return text.empty() ? base::pointInTime(time) : std::nullopt;
 }
 
 } // namespace

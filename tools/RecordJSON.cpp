@@ -1,6 +1,6 @@
 #include "tools/RecordJSON.h"
 
-#include "platform/DateText.h"
+#include "base/Timestamp.h"
 
 namespace tools {
 namespace {
@@ -16,7 +16,7 @@ ordered_json valueJSON(const store::Text& text) {
 }
 
 ordered_json valueJSON(const store::Date& date) {
-    return date ? ordered_json(platform::dateText(*date)) : ordered_json();
+    return date ? ordered_json(base::timestampText(*date)) : ordered_json();
 }
 
 ordered_json valueJSON(const store::Number& number) {

@@ -1,9 +1,9 @@
 // The command line of the store client: asks the store service about a subscription or an order,
 // or parses an answer from a file, and prints one JSON object or a table.
 
-#include "platform/Fetch.h"
+#include "base/Fetch.h"
+#include "base/URL.h"
 #include "platform/Log.h"
-#include "platform/URL.h"
 #include "store/FastSpringOrderParser.h"
 #include "store/FastSpringSubscriptionParser.h"
 #include "store/FastSpringUtilities.h"
@@ -67,8 +67,8 @@ int print(const ordered_json& object, ExitStatus status) {
 
 /// Tells a store that cannot be reached from one that said no, which a request does not.
 int explained(int status, const char* consequence) {
-    const auto script = platform::URL::make(store::scriptURL());
-    if (status == kNone && (!script || !platform::fetch(*script))) {
+    const auto script = base::URL::make(store::scriptURL());
+    if (status == kNone && (!script || !base::fetch(*script))) {
         std::cerr << "storectl: nothing answers at " << store::scriptURL() << consequence << "\n";
     }
     return status;

@@ -102,12 +102,12 @@ std::optional<std::string> UserDefaults::text(std::string_view key) const {
     return text;
 }
 
-std::optional<Moment> UserDefaults::date(std::string_view key) const {
+std::optional<base::Timestamp> UserDefaults::date(std::string_view key) const {
     const auto value = text(key);
-    return value ? momentFromText(*value) : std::nullopt;
+    return value ? base::timestampFromText(*value) : std::nullopt;
 }
 
-bool UserDefaults::setDate(std::string_view key, Moment moment) const {
+bool UserDefaults::setDate(std::string_view key, base::Timestamp moment) const {
     const auto directory = configurationDirectory();
     if (!directory) {
         return false;
@@ -119,7 +119,7 @@ bool UserDefaults::setDate(std::string_view key, Moment moment) const {
     if (!content && fs::symlink_status(file, error).type() == fs::file_type::not_found) {
         content.emplace();
     }
-    return content && replaceFile(file, contentWith(*content, key, dateText(moment)));
+    return content && replaceFile(file, contentWith(*content, key, base::timestampText(moment)));
 }
 
 FileLock UserDefaults::lock() const {

@@ -36,17 +36,17 @@ std::optional<std::string> UserDefaults::text(std::string_view key) const {
     return value.toString().toStdString();
 }
 
-std::optional<Moment> UserDefaults::date(std::string_view key) const {
+std::optional<base::Timestamp> UserDefaults::date(std::string_view key) const {
     const QVariant value = valueOf(domain_, key);
     const QDateTime date =
         value.userType() == QMetaType::QDateTime ? value.toDateTime() : QDateTime();
     if (!date.isValid()) {
         return std::nullopt;
     }
-    return Moment(std::chrono::milliseconds(date.toMSecsSinceEpoch()));
+    return base::Timestamp(std::chrono::milliseconds(date.toMSecsSinceEpoch()));
 }
 
-bool UserDefaults::setDate(std::string_view key, Moment moment) const {
+bool UserDefaults::setDate(std::string_view key, base::Timestamp moment) const {
     QSettings settings(fileOf(domain_, ".plist"), QSettings::NativeFormat);
     const auto milliseconds = std::chrono::floor<std::chrono::milliseconds>(moment);
     settings.setValue(QString::fromUtf8(key.data(), static_cast<qsizetype>(key.size())),

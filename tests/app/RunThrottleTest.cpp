@@ -10,16 +10,16 @@ namespace app {
 namespace {
 
 using namespace std::chrono_literals;
-using platform::Moment;
+using base::Timestamp;
 
-const Moment kNow = platform::momentFromText("2026-03-15T08:30:00.000000Z").value();
+const Timestamp kNow = base::timestampFromText("2026-03-15T08:30:00.000000Z").value();
 
-Moment fixedNow() {
+Timestamp fixedNow() {
     return kNow;
 }
 
 TEST(RunThrottle, CountsARunAsRecentWithinItsBounds) {
-    const std::pair<Moment::duration, bool> rows[] = {
+    const std::pair<Timestamp::duration, bool> rows[] = {
         {0us, true},        {-1us, true}, {-4h + 1us, true}, {-4h, false},
         {-4h - 1us, false}, {1us, false}, {24h, false},      {-365 * 24h, false},
     };
@@ -31,7 +31,7 @@ TEST(RunThrottle, CountsARunAsRecentWithinItsBounds) {
 
 TEST(RunThrottle, ReadsTheClockForEachBound) {
     // The second reading is later: a moment just in the future at the first is past at the second.
-    Moment now = kNow;
+    Timestamp now = kNow;
     const auto clock = [&now] { return now += 2us; };
     EXPECT_TRUE(isRecentRun(kNow + 3us, clock));
 }
@@ -42,7 +42,7 @@ TEST(RunThrottle, StoresTheMomentOfARunThatPassesAndOfNoOther) {
     const char* const key = "lastRunUserDefaultKey";
     EXPECT_TRUE(passRunThrottle(defaults, fixedNow));
     EXPECT_EQ(defaults.date(key), kNow);
-    const auto later = [](Moment::duration by) { return [by] { return kNow + by; }; };
+    const auto later = [](Timestamp::duration by) { return [by] { return kNow + by; }; };
     EXPECT_FALSE(passRunThrottle(defaults, later(4h - 1us)));
     EXPECT_EQ(defaults.date(key), kNow);
     EXPECT_TRUE(passRunThrottle(defaults, later(4h)));

@@ -26,7 +26,9 @@ class InstallationTest(TestCase):
             self.assertEqual(self.run_command(example, "DEMO-1001"), "active\n")
             self.assertEqual(self.run_command(example, "NO-SUCH", status=1), "none\n")
         self.assertTrue((prefix / "bin" / "storectl").exists())
-        self.assertFalse((prefix / "include" / "subscription-store" / "app").exists())
+        self.assertEqual({folder.name for folder in (prefix / "include/subscription-store").iterdir()},
+                         {"base", "store"})
+        self.assertNotRegex(self.run_command("ldd", example), "lib(glib|gio|Qt)")
 
 
 if __name__ == "__main__":

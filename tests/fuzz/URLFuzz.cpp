@@ -1,5 +1,5 @@
 // A URL is the text that it was made of, of the web, and nothing in it can be read differently.
-#include "platform/URL.h"
+#include "base/URL.h"
 #include "tests/fuzz/Fuzz.h"
 
 #include <algorithm>
@@ -7,7 +7,7 @@
 #include <strings.h>
 
 void fuzz(std::string_view input) {
-    const auto url = platform::URL::make(input);
+    const auto url = base::URL::make(input);
     if (!url) {
         return;
     }

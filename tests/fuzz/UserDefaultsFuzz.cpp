@@ -11,11 +11,11 @@ void fuzz(std::string_view input) {
     static const auto file = test::TestHome::path() / "config" / "fuzz.conf";
     constexpr std::string_view kKey = "lastRunUserDefaultKey";
     const platform::UserDefaults defaults("fuzz");
-    const auto moment = platform::momentFromText("2026-03-15T08:30:00.123456Z").value();
+    const auto moment = base::timestampFromText("2026-03-15T08:30:00.123456Z").value();
 
     test::writeFile(file, input);
     const auto before = defaults.date(kKey);
-    require(!before || defaults.text(kKey) == platform::dateText(*before));
+    require(!before || defaults.text(kKey) == base::timestampText(*before));
     const auto other = defaults.text("other");
     if (defaults.setDate(kKey, moment)) {
         require(defaults.date(kKey) == moment);

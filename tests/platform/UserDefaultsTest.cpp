@@ -23,7 +23,7 @@ class UserDefaultsTest : public testing::Test {
     test::TestHome home_;
     UserDefaults defaults_{"com.example.test"};
     fs::path file_ = test::TestHome::path() / "config" / "com.example.test.conf";
-    Moment moment_ = momentFromText("2026-03-15T08:30:00.123456Z").value();
+    base::Timestamp moment_ = base::timestampFromText("2026-03-15T08:30:00.123456Z").value();
 };
 
 TEST_F(UserDefaultsTest, KeepADateAndAllOtherLines) {

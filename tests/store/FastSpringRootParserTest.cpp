@@ -1,6 +1,6 @@
 #include "store/FastSpringRootParser.h"
 
-#include "platform/DateText.h"
+#include "base/Timestamp.h"
 #include "store/Conversions.h"
 
 #include <clocale>
@@ -24,7 +24,7 @@ constexpr const char* kFails = "out_of_range";
 std::string outcomeOf(std::string_view text) {
     try {
         const Date date = FastSpringRootParser::fromServerDate(text);
-        return date ? platform::dateText(*date) : kNone;
+        return date ? base::timestampText(*date) : kNone;
     } catch (const std::out_of_range& failure) {
         EXPECT_THAT(failure.what(), testing::HasSubstr("\"" + std::string(text) + "\""));
         return kFails;
@@ -110,8 +110,8 @@ void expectOutcomes(const char* where) {
     }
     EXPECT_EQ(lowercased("TITLE I"), "title i");
     EXPECT_TRUE(flagFromText("TRUE"));
-    const auto moment = platform::momentFromText("2026-03-29T01:30:00.012345Z");
-    EXPECT_EQ(platform::dateText(moment.value()), "2026-03-29T01:30:00.012345Z");
+    const auto moment = base::timestampFromText("2026-03-29T01:30:00.012345Z");
+    EXPECT_EQ(base::timestampText(moment.value()), "2026-03-29T01:30:00.012345Z");
 }
 
 TEST(DatesAndNumbers, AreReadTheSameInEveryTimeZoneAndLocale) {

@@ -1,10 +1,9 @@
-#include "platform/Workspace.h"
+#include "platform/Desktop.h"
 
 #include "platform/Bundle.h"
 #include "platform/ChildProcess.h"
 #include "platform/FileDescriptor.h"
 #include "platform/Log.h"
-#include "platform/URL.h"
 
 #include <chrono>
 #include <cstdio>
@@ -18,7 +17,7 @@
 #include <gio/gio.h>
 #include <unistd.h>
 
-namespace platform::workspace {
+namespace platform::desktop {
 namespace {
 
 namespace fs = std::filesystem;
@@ -84,19 +83,14 @@ bool undoMoveWithoutNote(const FileDescriptor& item, const fs::path& origin) {
 
 } // namespace
 
-bool recycle(const fs::path& directory, const fs::path& name) {
-    // A name such as ".." would move something else than the caller named.
-    if (name.empty() || name == "." || name == ".." || name.has_parent_path()) {
-        return false;
-    }
+bool moveToTrash(const fs::path& item) {
     // GIO takes a relative data directory, which is not valid, as one below the working directory.
     if (g_path_is_absolute(g_get_user_data_dir()) == FALSE) {
         return false;
     }
-    const fs::path path = directory / name;
-    const FileDescriptor item(::open(path.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
-    return item.isOpen() && g_file_trash(fileFor(path).get(), nullptr, nullptr) != FALSE &&
-           !undoMoveWithoutNote(item, path);
+    const FileDescriptor opened(::open(item.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    return opened.isOpen() && g_file_trash(fileFor(item).get(), nullptr, nullptr) != FALSE &&
+           !undoMoveWithoutNote(opened, item);
 }
 
 bool openFile(const fs::path& file) {
@@ -114,16 +108,8 @@ bool openFile(const fs::path& file) {
     return !isBundle && openWithDefaultApplication(file.native());
 }
 
-bool openURL(std::string_view address) {
-    const auto url = webAddress(address);
-    if (!url) {
-        return false;
-    }
-    if (!openWithDefaultApplication(url->text())) {
-        log("No browser could be started for %@", {url->text()});
-        return false;
-    }
-    return true;
+bool openAddress(const std::string& address) {
+    return openWithDefaultApplication(address);
 }
 
-} // namespace platform::workspace
+} // namespace platform::desktop

@@ -1,4 +1,4 @@
-#include "platform/XMLEventParser.h"
+#include "base/XMLEventParser.h"
 
 #include <stdexcept>
 #include <string>
@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-namespace platform {
+namespace base {
 namespace {
 
 /// Writes the events down: "<a" a start, "a>" an end, "!" the error, texts joined.
@@ -124,4 +124,4 @@ TEST(XMLEventParser, PassesTheDelegatesFailureOnAndStops) {
 }
 
 } // namespace
-} // namespace platform
+} // namespace base

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-namespace platform {
+namespace base {
 
 /// The attributes of one start element: a view that is valid during the event only. Nothing of them
 /// is copied.
@@ -67,4 +67,4 @@ class XMLEventParser {
     std::string_view document_;
 };
 
-} // namespace platform
+} // namespace base

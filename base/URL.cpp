@@ -1,16 +1,12 @@
-#include "platform/URL.h"
-
-#include "platform/Log.h"
+#include "base/URL.h"
 
 #include <algorithm>
 #include <memory>
 
 #include <curl/curl.h>
 
-namespace platform {
+namespace base {
 namespace {
-
-constexpr std::size_t kLongestWebAddress = 2048;
 
 bool isHexDigit(char character) {
     return (character >= '0' && character <= '9') || (character >= 'a' && character <= 'f') ||
@@ -60,11 +56,6 @@ bool isWebURL(const std::string& text) {
     return std::string_view(scheme) == "http" || std::string_view(scheme) == "https";
 }
 
-bool hasUserInformation(std::string_view url) {
-    url.remove_prefix(url.find("://") + 3);
-    return url.substr(0, url.find_first_of("/?#")).find('@') != std::string_view::npos;
-}
-
 } // namespace
 
 std::optional<URL> URL::make(std::string_view text) {
@@ -76,16 +67,4 @@ std::optional<URL> URL::make(std::string_view text) {
     return URL(std::move(copy));
 }
 
-std::optional<URL> webAddress(std::string_view text) {
-    auto url = text.size() <= kLongestWebAddress ? URL::make(text) : std::nullopt;
-    // What stands before the host is made to be taken for it.
-    if (url && hasUserInformation(text)) {
-        url.reset();
-    }
-    if (!url) {
-        log("Not opened, since it is no web address: %@", {text.substr(0, kLongestWebAddress)});
-    }
-    return url;
-}
-
-} // namespace platform
+} // namespace base

@@ -1,6 +1,6 @@
-#include "platform/XMLEventParser.h"
+#include "base/XMLEventParser.h"
 
-#include "platform/Iconv.h"
+#include "base/Iconv.h"
 
 #include <algorithm>
 #include <climits>
@@ -15,7 +15,7 @@
 #include <expat.h>
 #include <strings.h>
 
-namespace platform {
+namespace base {
 namespace {
 
 // Expat's own threshold, 8 MiB, would let a body of 1 MiB grow eightfold before it is looked at,
@@ -217,4 +217,4 @@ bool XMLEventParser::parse(XMLEventParserDelegate& delegate) const {
     return whole ? *whole : Run(delegate, kUTF8).parse(document_).value_or(false);
 }
 
-} // namespace platform
+} // namespace base

@@ -1,5 +1,3 @@
-#include "platform/Text.h"
-#include "platform/DateText.h"
 #include "platform/Log.h"
 #include "platform/UserLanguages.h"
 
@@ -19,12 +17,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-TEST(FormatText, PutsArgumentsInOrderAndSearchesThemNotAgain) {
-    EXPECT_EQ(formatText("%@?f=x&r=%@", {"a%@b", "c"}), "a%@b?f=x&r=c");
-    EXPECT_EQ(formatText("path: %@ %@", {std::nullopt}), "path: (null) (null)");
-    EXPECT_EQ(formatText("100% of %", {"unused"}), "100% of %");
-}
-
 TEST(Log, WritesOneLineWithControlsAndWhatIsNoTextEscaped) {
     testing::internal::CaptureStderr();
     log("Could not trash '%@'",
@@ -41,20 +33,6 @@ TEST(Log, WritesOneLineWithControlsAndWhatIsNoTextEscaped) {
             "\\xf4\\x90\\x80\\x80\\xe2\\x80'\n"));
     EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1);
     EXPECT_THAT(line, HasSubstr("[" + std::to_string(getpid()) + "] "));
-}
-
-TEST(DateText, RoundsTripsMomentsAndRefusesOtherTexts) {
-    for (const char* text : {"2026-01-31T08:30:00.000001Z", "1969-12-31T23:59:59.999999Z",
-                             "2024-02-29T00:00:00.000000Z", "0001-01-01T00:00:00.000000Z"}) {
-        const auto moment = momentFromText(text);
-        ASSERT_TRUE(moment) << text;
-        EXPECT_EQ(dateText(*moment), text);
-    }
-    for (const char* text : {"", "yesterday", "2026-01-31T08:30:00Z", "2026-01-31 08:30:00.000001Z",
-                             "2026-02-29T00:00:00.000000Z", "2026-01-31T24:00:00.000000Z",
-                             "2026-01-31T08:30:00.000001Z ", "2026-01-31T08:30:00.-00001Z"}) {
-        EXPECT_FALSE(momentFromText(text)) << text;
-    }
 }
 
 TEST(UserLanguages, FollowTheOrderOfTheVariablesWithParents) {

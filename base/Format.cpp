@@ -1,6 +1,6 @@
-#include "platform/Text.h"
+#include "base/Format.h"
 
-namespace platform {
+namespace base {
 
 std::string formatText(std::string_view format, std::initializer_list<TextArgument> arguments) {
     constexpr std::string_view kPlaceholder = "%@";
@@ -16,4 +16,4 @@ std::string formatText(std::string_view format, std::initializer_list<TextArgume
     return text.append(format);
 }
 
-} // namespace platform
+} // namespace base

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace platform {
+namespace base {
 
 /// One argument of a format: a text in UTF-8, or none.
 using TextArgument = std::optional<std::string_view>;
@@ -16,4 +16,4 @@ using TextArgument = std::optional<std::string_view>;
 [[nodiscard]] std::string formatText(std::string_view format,
                                      std::initializer_list<TextArgument> arguments);
 
-} // namespace platform
+} // namespace base

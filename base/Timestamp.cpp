@@ -1,9 +1,9 @@
-#include "platform/DateText.h"
+#include "base/Timestamp.h"
 
 #include <charconv>
 #include <cstdio>
 
-namespace platform {
+namespace base {
 namespace {
 
 using namespace std::chrono;
@@ -48,7 +48,7 @@ std::optional<sys_seconds> pointInTime(const CalendarTime& time) {
     return sys_days{date} + hours{time.hour} + minutes{time.minute} + seconds{time.second};
 }
 
-std::string dateText(sys_seconds moment) {
+std::string timestampText(sys_seconds moment) {
     const auto midnight = floor<days>(moment);
     const year_month_day date{midnight};
     const hh_mm_ss time{moment - midnight};
@@ -60,16 +60,16 @@ std::string dateText(sys_seconds moment) {
     return {text, static_cast<std::size_t>(length)};
 }
 
-std::string dateText(Moment moment) {
+std::string timestampText(Timestamp moment) {
     const auto second = floor<seconds>(moment);
     char fraction[16];
     std::snprintf(fraction, sizeof fraction, ".%06dZ", static_cast<int>((moment - second).count()));
-    std::string text = dateText(second);
+    std::string text = timestampText(second);
     text.pop_back();
     return text + fraction;
 }
 
-std::optional<Moment> momentFromText(std::string_view text) {
+std::optional<Timestamp> timestampFromText(std::string_view text) {
     if (!hasShape(text)) {
         return std::nullopt;
     }
@@ -82,4 +82,4 @@ std::optional<Moment> momentFromText(std::string_view text) {
     return *second + microseconds{digits(text, 20, 6)};
 }
 
-} // namespace platform
+} // namespace base

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-namespace platform {
+namespace base {
 
 /// A text that is an absolute `http` or `https` URL with a host.
 class URL {
@@ -25,9 +25,4 @@ class URL {
     std::string text_;
 };
 
-/// The URL of an address that is to be shown to the user: as URL::make(), of at most 2048 bytes and
-/// without user information ("http://user@host/").
-/// Any other text gives none and logs one line.
-[[nodiscard]] std::optional<URL> webAddress(std::string_view text);
-
-} // namespace platform
+} // namespace base

@@ -6,7 +6,7 @@
 
 #include <iconv.h>
 
-namespace platform {
+namespace base {
 
 /// Owns one conversion between two character encodings, by their names in iconv. Movable, for one
 /// thread at a time.
@@ -30,4 +30,4 @@ class Iconv {
     iconv_t handle_;
 };
 
-} // namespace platform
+} // namespace base

@@ -1,4 +1,4 @@
-#include "platform/Fetch.h"
+#include "base/Fetch.h"
 
 #include "tests/support/LoopbackServer.h"
 #include "tests/support/Measure.h"
@@ -34,7 +34,7 @@ getaddrinfo(const char* node, const char* service, const addrinfo* hints, addrin
     return real(node, service, hints, result);
 }
 
-namespace platform {
+namespace base {
 namespace {
 
 using namespace std::chrono_literals;
@@ -183,4 +183,4 @@ TEST_F(Fetch, SendsOnePlainGet) {
 }
 
 } // namespace
-} // namespace platform
+} // namespace base

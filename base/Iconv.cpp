@@ -1,11 +1,11 @@
-#include "platform/Iconv.h"
+#include "base/Iconv.h"
 
 #include <array>
 #include <cerrno>
 #include <cstdint>
 #include <utility>
 
-namespace platform {
+namespace base {
 namespace {
 
 // iconv_open() reports failure by the pointer with all bits set.
@@ -57,4 +57,4 @@ std::optional<std::string> Iconv::convert(std::string_view text) const {
     return result;
 }
 
-} // namespace platform
+} // namespace base

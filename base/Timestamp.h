@@ -5,10 +5,10 @@
 #include <string>
 #include <string_view>
 
-namespace platform {
+namespace base {
 
 /// A point in time (UTC) to the microsecond: what user defaults store.
-using Moment = std::chrono::sys_time<std::chrono::microseconds>;
+using Timestamp = std::chrono::sys_time<std::chrono::microseconds>;
 
 /// A calendar date and a time of day as a text named them, not yet checked.
 struct CalendarTime {
@@ -25,12 +25,12 @@ struct CalendarTime {
 [[nodiscard]] std::optional<std::chrono::sys_seconds> pointInTime(const CalendarTime& time);
 
 /// `moment` in ISO 8601, UTC: "2026-01-31T08:30:00Z". Years beyond 1 to 9999 are not expected.
-[[nodiscard]] std::string dateText(std::chrono::sys_seconds moment);
+[[nodiscard]] std::string timestampText(std::chrono::sys_seconds moment);
 
 /// The same with microseconds: "2026-01-31T08:30:00.000001Z".
-[[nodiscard]] std::string dateText(Moment moment);
+[[nodiscard]] std::string timestampText(Timestamp moment);
 
-/// Reads exactly the form that dateText(Moment) writes; anything else is none.
-[[nodiscard]] std::optional<Moment> momentFromText(std::string_view text);
+/// Reads exactly the form that timestampText(Timestamp) writes; anything else is none.
+[[nodiscard]] std::optional<Timestamp> timestampFromText(std::string_view text);
 
-} // namespace platform
+} // namespace base

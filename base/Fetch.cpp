@@ -1,11 +1,11 @@
-#include "platform/Fetch.h"
+#include "base/Fetch.h"
 
 #include <memory>
 #include <new>
 
 #include <curl/curl.h>
 
-namespace platform {
+namespace base {
 namespace {
 
 constexpr const char* kProtocols = "http,https"; // also of redirects
@@ -79,4 +79,4 @@ std::optional<Data> fetch(const URL& url, const FetchLimits& limits) {
     return std::move(transfer.body);
 }
 
-} // namespace platform
+} // namespace base

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "platform/File.h"
-#include "platform/URL.h"
+#include "base/Data.h"
+#include "base/URL.h"
 
 #include <chrono>
 #include <cstddef>
 #include <optional>
 
-namespace platform {
+namespace base {
 
 /// The bounds of one fetch. A transfer that passes one of them yields no data.
 struct FetchLimits {
@@ -27,4 +27,4 @@ struct FetchLimits {
 /// transfer failed, was cut off, or passed a limit. May be called from any number of threads.
 [[nodiscard]] std::optional<Data> fetch(const URL& url, const FetchLimits& limits = {});
 
-} // namespace platform
+} // namespace base
