@@ -29,8 +29,8 @@ constexpr float kAmplificationFactor = 4;
 constexpr std::size_t kWhole = std::size_t{16} << 20U;
 constexpr std::size_t kParts = 32;
 
-// Every element gets all defaults that are declared for its name, and a declaration is compared
-// with all before it: 20,000 of them took 9 s (measured 2026-11-22). Answers of the store declare
+// Every element gets all defaults that are declared for its name: with 5,000 of them 1 MiB of
+// elements took 1.7 s, with 64 it takes 35 ms (measured 2026-11-23). Answers of the store declare
 // none.
 constexpr int kMostDeclaredAttributes = 64;
 

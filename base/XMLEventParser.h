@@ -47,8 +47,9 @@ class XMLEventParserDelegate {
 /// are expanded under expat's amplification protection: it is a parse error when what was read and
 /// what was expanded come to more than 256 KiB and to more than four times what was read. So are
 /// more than 64 declared attributes.
-/// Encodings: UTF-8 (also as "utf8"), UTF-16, ISO-8859-1 to -16, US-ASCII, windows-1250 to -1258,
-/// KOI8-R and KOI8-U, in any letter case; any other one is a parse error at its declaration.
+/// Encodings: UTF-8 (also as "utf8"), UTF-16, ISO-8859-1 to -16 (but for -12), US-ASCII,
+/// windows-1250 to -1258, KOI8-R and KOI8-U, in any letter case; any other one is a parse error at
+/// its declaration.
 class XMLEventParser {
   public:
     /// The deepest nesting of elements that is not a parse error.
