@@ -1,27 +1,24 @@
 #include "app/SubscriptionHelperAppDelegate.h"
 
-#include "app/Contrast.h"
-#include "app/ProgressSheet.h"
-#include "app/Spinner.h"
+#include "app/MainWindow.h"
 #include "app/Texts.h"
 #include "housekeeping/HelperUtilities.h"
 #include "platform/Bundle.h"
+#include "platform/Log.h"
 #include "platform/UserDefaults.h"
+#include "platform/Workspace.h"
 #include "store/FastSpringUtilities.h"
-#include "ui_MainWindow.h"
+
+#include <system_error>
+#include <thread>
 
 #include <QApplication>
-#include <QIcon>
-#include <QKeyEvent>
-#include <QScreen>
-#include <QShortcut>
 
 namespace app {
-namespace {
 
-constexpr int kIconSide = 64;
-constexpr QSize kButtonRoom{20, 6}; // around a button's text, beyond what the style gives
-constexpr double kHeadingScale = 1.5;
+using housekeeping::HelperUtilities;
+
+namespace {
 
 /// A missing or empty reference counts as none. Blanks around it are those of the line that the
 /// product wrote.
@@ -35,111 +32,30 @@ AtomicText::Value userSubscriptionReference() {
     return text->substr(start, text->find_last_not_of(kBlanks) + 1 - start);
 }
 
-QIcon applicationIcon() {
-    const auto bundle = platform::Bundle::mainBundle();
-    const auto path = bundle ? bundle->pathForResource("AppIcon.png") : std::nullopt;
-    return path ? QIcon(QString::fromStdString(path->native())) : QIcon();
-}
-
-/// The texts of the window description are the keys of the localized texts.
-template <class Widget>
-void localizeTexts(const QWidget& window) {
-    for (auto* widget : window.findChildren<Widget*>()) {
-        if (!widget->text().isEmpty()) {
-            widget->setText(localized(widget->text().toStdString()));
-        }
+/// Where the customer can cancel what the store did not. The worker goes on whatever becomes of it.
+void openAccountPage(const AtomicText::Value& url) {
+    if (url) {
+        static_cast<void>(platform::workspace::openURL(*url));
+    } else {
+        platform::log("The cancellation was not confirmed, and the store named no account page");
     }
-}
-
-/// The same for what assistive technology says.
-void localizeAccessibleTexts(const QWidget& window) {
-    for (auto* widget : window.findChildren<QWidget*>()) {
-        if (!widget->accessibleName().isEmpty()) {
-            widget->setAccessibleName(localized(widget->accessibleName().toStdString()));
-        }
-        if (!widget->accessibleDescription().isEmpty()) {
-            widget->setAccessibleDescription(
-                localized(widget->accessibleDescription().toStdString()));
-        }
-    }
-}
-
-void giveRoom(QPushButton& button) {
-    button.setMinimumSize(button.sizeHint() + kButtonRoom);
-}
-
-/// Makes the button stand out as the one that is meant by default, in the user's own colours, made
-/// darker or lighter as far as its text needs it to be read.
-void setPrimary(QPushButton& button) {
-    QPalette palette = button.palette();
-    for (const auto group : {QPalette::Active, QPalette::Inactive}) {
-        const QColor text = palette.color(group, QPalette::HighlightedText);
-        palette.setColor(group, QPalette::Button,
-                         readableBackground(palette.color(group, QPalette::Highlight), text));
-        palette.setColor(group, QPalette::ButtonText, text);
-    }
-    button.setPalette(palette);
-}
-
-void setHeading(QLabel& label) {
-    QFont font = label.font();
-    font.setPointSizeF(font.pointSizeF() * kHeadingScale);
-    font.setBold(true);
-    label.setFont(font);
 }
 
 } // namespace
 
 SubscriptionHelperAppDelegate::SubscriptionHelperAppDelegate()
-    : window_(std::make_unique<QDialog>(nullptr, Qt::Window)),
-      ui_(std::make_unique<Ui::MainWindow>()) {
-    loadWindow();
+    : window_(std::make_unique<MainWindow>()) {
+    using Delegate = SubscriptionHelperAppDelegate;
+    connect(window_.get(), &MainWindow::mainButtonPressed, this, &Delegate::mainButton);
+    connect(window_.get(), &MainWindow::cancelButtonPressed, this, &Delegate::cancelButton);
+    connect(window_.get(), &MainWindow::removalRequested, this, &Delegate::startCancellation);
+    connect(window_.get(), &MainWindow::quitRequested, this, &Delegate::exitApp);
 }
 
 SubscriptionHelperAppDelegate::~SubscriptionHelperAppDelegate() = default;
 
-void SubscriptionHelperAppDelegate::loadWindow() {
-    ui_->setupUi(window_.get());
-    mainLabel_ = ui_->mainLabel;
-    mainButton_ = ui_->mainButton;
-    cancelButton_ = ui_->cancelButton;
-    progressSheet_ = ui_->progressSheet;
-    spinner_ = ui_->spinner;
-    progressLabel_ = ui_->progressLabel;
-
-    window_->setLayoutDirection(textDirection());
-    localizeTexts<QLabel>(*window_);
-    localizeTexts<QPushButton>(*window_);
-    localizeAccessibleTexts(*window_);
-    cancelButton_->setShortcut(Qt::Key_Escape); // after its text, which resets the shortcut
-    setHeading(*ui_->headingLabel);
-    setPrimary(*mainButton_);
-    for (auto* button : {ui_->removeButton, cancelButton_, mainButton_}) {
-        giveRoom(*button);
-    }
-    const QIcon icon = applicationIcon();
-    window_->setWindowIcon(icon);
-    ui_->iconLabel->setPixmap(icon.pixmap({kIconSide, kIconSide}, window_->devicePixelRatioF()));
-
-    connect(mainButton_, &QPushButton::clicked, this, &SubscriptionHelperAppDelegate::mainButton);
-    connect(cancelButton_, &QPushButton::clicked, this,
-            &SubscriptionHelperAppDelegate::cancelButton);
-    connect(ui_->removeButton, &QPushButton::clicked, this, [this] {
-        setRemovalEnabled(false); // one press is one removal
-        startCancellation();
-    });
-    const auto* quit = new QShortcut(QKeySequence::Quit, window_.get());
-    connect(quit, &QShortcut::activated, this, &SubscriptionHelperAppDelegate::exitApp);
-    window_->installEventFilter(this);
-}
-
-void SubscriptionHelperAppDelegate::setRemovalEnabled(bool isEnabled) {
-    ui_->removeButton->setEnabled(isEnabled);
-    cancelButton_->setEnabled(isEnabled);
-}
-
 void SubscriptionHelperAppDelegate::awakeFromNib() noexcept {
-    const std::string store = housekeeping::HelperUtilities::storeID();
+    const std::string store = HelperUtilities::storeID();
     const auto reference = userSubscriptionReference();
     if (!reference) {
         exitApp();
@@ -152,18 +68,7 @@ void SubscriptionHelperAppDelegate::awakeFromNib() noexcept {
     }
     setSubscriptionReference(reference);
     setCustomerURL(subscription->customerURL);
-    presentWindow();
-}
-
-void SubscriptionHelperAppDelegate::presentWindow() {
-    window_->setWindowTitle(QString::fromStdString(productName()));
-    window_->adjustSize();
-    const QRect screen = window_->screen()->availableGeometry();
-    window_->move(screen.center() - window_->rect().center());
-    window_->show();
-    window_->raise();
-    window_->activateWindow();
-    mainButton_->setFocus();
+    window_->present();
 }
 
 void SubscriptionHelperAppDelegate::mainButton() {
@@ -179,22 +84,59 @@ void SubscriptionHelperAppDelegate::exitApp() {
     QApplication::exit(0);
 }
 
-bool SubscriptionHelperAppDelegate::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::Close) {
-        if (progressSheet_->isSessionRunning()) {
-            event->ignore();
-        } else {
-            exitApp();
-        }
+void SubscriptionHelperAppDelegate::startCancellation() noexcept {
+    ++workers_;
+    try {
+        std::thread([this] {
+            cancelSubscriptionAndLaunchUninstaller();
+            --workers_;
+        }).detach();
+    } catch (const std::system_error& failure) {
+        --workers_;
+        platform::log("The removal cannot be started: %@", {failure.what()});
+        window_->offerRemoval();
+        return;
+    }
+    window_->beginProgress();
+}
+
+// Like the thread that runs it, it ends the process by an uncaught failure: a date of the store
+// service's answer that cannot be read.
+void SubscriptionHelperAppDelegate::cancelSubscriptionAndLaunchUninstaller() noexcept {
+    postProgress("Canceling your subscription ...");
+    const std::string store = HelperUtilities::storeID();
+    if (!store::FastSpringUtilities::cancelSubscriptionForStore(store, subscriptionReference())) {
+        openAccountPage(customerURL());
+    }
+    postProgress("Launching the Uninstaller ...");
+    static_cast<void>(HelperUtilities::launchUninstaller());
+    postProgress("Moving this helper to the Trash ...");
+    static_cast<void>(trashMe());
+    QMetaObject::invokeMethod(this, &SubscriptionHelperAppDelegate::cancelProgress,
+                              Qt::BlockingQueuedConnection);
+}
+
+void SubscriptionHelperAppDelegate::postProgress(std::string_view key) {
+    QMetaObject::invokeMethod(
+        this, [this, text = localized(key)] { updateProgress(text); }, Qt::QueuedConnection);
+}
+
+void SubscriptionHelperAppDelegate::updateProgress(const QString& text) {
+    window_->showProgress(text);
+}
+
+void SubscriptionHelperAppDelegate::cancelProgress() {
+    window_->endProgress(1);
+}
+
+bool SubscriptionHelperAppDelegate::trashMe() {
+    const auto bundle = platform::Bundle::mainBundle();
+    if (bundle && HelperUtilities::trash(bundle->bundlePath())) {
         return true;
     }
-    // The second button has Escape as its shortcut. While it is disabled the key must do nothing,
-    // rather than what a dialog does with it.
-    if (event->type() == QEvent::KeyPress &&
-        static_cast<QKeyEvent*>(event)->matches(QKeySequence::Cancel)) {
-        return true;
-    }
-    return QObject::eventFilter(watched, event);
+    platform::log("Could not trash '%@'",
+                  {bundle ? base::TextArgument(bundle->bundlePath().native()) : std::nullopt});
+    return false;
 }
 
 } // namespace app

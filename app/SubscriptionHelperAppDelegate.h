@@ -5,20 +5,14 @@
 #include <atomic>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <utility>
 
-#include <QDialog>
 #include <QObject>
-
-class QLabel;
-class QPushButton;
-namespace Ui {
-class MainWindow;
-}
 
 namespace app {
 
-class ProgressSheet;
-class Spinner;
+class MainWindow;
 
 /// The application's delegate: looks the user's subscription up, shows the one window, and carries
 /// out the removal. Made on the main thread; all operations belong to that thread except where they
@@ -28,7 +22,7 @@ class SubscriptionHelperAppDelegate final : public QObject {
     Q_DISABLE_COPY_MOVE(SubscriptionHelperAppDelegate)
 
   public:
-    /// Builds the window from its description, with all texts localized. It is not shown yet.
+    /// Builds the window. It is not shown yet.
     SubscriptionHelperAppDelegate();
     ~SubscriptionHelperAppDelegate() override;
 
@@ -80,23 +74,10 @@ class SubscriptionHelperAppDelegate final : public QObject {
         reference_.set(std::move(reference));
     }
 
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
   private:
-    void loadWindow();
-    void presentWindow();
-    /// Whether the removal can be started, and the second button be pressed.
-    void setRemovalEnabled(bool isEnabled);
     void postProgress(std::string_view key);
 
-    std::unique_ptr<QDialog> window_;
-    std::unique_ptr<Ui::MainWindow> ui_;
-    QLabel* mainLabel_ = nullptr;
-    QPushButton* mainButton_ = nullptr;
-    QPushButton* cancelButton_ = nullptr;
-    ProgressSheet* progressSheet_ = nullptr;
-    Spinner* spinner_ = nullptr;
-    QLabel* progressLabel_ = nullptr;
+    std::unique_ptr<MainWindow> window_;
     AtomicText customerURL_;
     AtomicText reference_;
     std::atomic<int> workers_ = 0;
