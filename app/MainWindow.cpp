@@ -1,7 +1,7 @@
 #include "app/MainWindow.h"
 
 #include "app/Contrast.h"
-#include "app/Texts.h"
+#include "app/Localization.h"
 #include "platform/Bundle.h"
 #include "ui_MainWindow.h"
 

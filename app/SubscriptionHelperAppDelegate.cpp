@@ -1,7 +1,7 @@
 #include "app/SubscriptionHelperAppDelegate.h"
 
+#include "app/Localization.h"
 #include "app/MainWindow.h"
-#include "app/Texts.h"
 #include "housekeeping/HelperUtilities.h"
 #include "platform/Bundle.h"
 #include "platform/Log.h"
@@ -135,7 +135,7 @@ bool SubscriptionHelperAppDelegate::trashMe() {
         return true;
     }
     platform::log("Could not trash '%@'",
-                  {bundle ? base::TextArgument(bundle->bundlePath().native()) : std::nullopt});
+                  {bundle ? base::FormatArgument(bundle->bundlePath().native()) : std::nullopt});
     return false;
 }
 

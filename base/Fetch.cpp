@@ -1,7 +1,9 @@
 #include "base/Fetch.h"
 
-#include <memory>
+#include "base/Handle.h"
+
 #include <new>
+#include <utility>
 
 #include <curl/curl.h>
 
@@ -69,8 +71,7 @@ bool configure(CURL* handle, const URL& url, Transfer& transfer) {
 
 std::optional<Data> fetch(const URL& url, const FetchLimits& limits) {
     static const bool ready = curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
-    const std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> handle(
-        ready ? curl_easy_init() : nullptr, curl_easy_cleanup);
+    const Handle<CURL, curl_easy_cleanup> handle(ready ? curl_easy_init() : nullptr);
     Transfer transfer{limits, {}, 0};
     if (!handle || !configure(handle.get(), url, transfer) ||
         curl_easy_perform(handle.get()) != CURLE_OK) {

@@ -3,39 +3,24 @@
 #include <array>
 #include <cerrno>
 #include <cstdint>
-#include <utility>
 
 namespace base {
 namespace {
 
-// iconv_open() reports failure by the pointer with all bits set.
-// NOLINTNEXTLINE(performance-no-int-to-ptr)
-const iconv_t kNone = reinterpret_cast<iconv_t>(std::intptr_t{-1});
 constexpr auto kFailed = static_cast<std::size_t>(-1);
+
+iconv_t opened(const char* target, const char* source) {
+    const iconv_t handle = iconv_open(target, source);
+    // It reports failure by the pointer with all bits set.
+    return reinterpret_cast<std::intptr_t>(handle) == -1 ? nullptr : handle;
+}
 
 } // namespace
 
-Iconv::Iconv(const char* target, const char* source) : handle_(iconv_open(target, source)) {}
-
-Iconv::Iconv(Iconv&& other) noexcept : handle_(std::exchange(other.handle_, kNone)) {}
-
-Iconv& Iconv::operator=(Iconv&& other) noexcept {
-    std::swap(handle_, other.handle_);
-    return *this;
-}
-
-Iconv::~Iconv() {
-    if (isValid()) {
-        iconv_close(handle_);
-    }
-}
-
-bool Iconv::isValid() const {
-    return handle_ != kNone;
-}
+Iconv::Iconv(const char* target, const char* source) : handle_(opened(target, source)) {}
 
 std::optional<std::string> Iconv::convert(std::string_view text) const {
-    iconv(handle_, nullptr, nullptr, nullptr, nullptr);
+    iconv(handle_.get(), nullptr, nullptr, nullptr, nullptr);
     std::string result;
     // iconv takes a pointer to non-const by its old signature but never writes to the source.
     char* from = const_cast<char*>(text.data());
@@ -47,7 +32,7 @@ std::optional<std::string> Iconv::convert(std::string_view text) const {
             std::array<char, 4096> buffer{};
             char* to = buffer.data();
             std::size_t space = buffer.size();
-            status = iconv(handle_, source, &left, &to, &space);
+            status = iconv(handle_.get(), source, &left, &to, &space);
             if (status == kFailed && errno != E2BIG) {
                 return std::nullopt;
             }

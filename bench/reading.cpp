@@ -74,7 +74,9 @@ void storeField(Record& record, const std::string& name, const std::string& text
         {"quantity", &Record::quantity},
         {"end", &Record::endDate},
     };
-    const auto found = fields.find(store::lowercased(name));
+    std::string lowercased = name;
+    store::lowercase(lowercased);
+    const auto found = fields.find(lowercased);
     if (found == fields.end()) {
         return;
     }

@@ -1,6 +1,7 @@
 find_package(Threads REQUIRED)
 find_package(EXPAT 2.5 REQUIRED)
 find_package(CURL 7.87 REQUIRED)
+find_package(uriparser 0.9.7 REQUIRED)
 find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets)
 find_package(CLI11 2.1 REQUIRED)
 find_package(nlohmann_json 3.11 REQUIRED)

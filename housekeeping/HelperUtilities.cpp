@@ -79,7 +79,7 @@ bool HelperUtilities::trash(const fs::path& path) {
 }
 
 void HelperUtilities::clearQuarantineAttribute(const fs::path& path) {
-    const std::string command = base::formatText(
+    const std::string command = base::formatted(
         "/usr/bin/xattr -d com.apple.quarantine '%@' &> /dev/null", {path.native()});
     // Whether it started makes no difference to anyone: the mark is a nicety.
     static_cast<void>(platform::startChildProcess({"/bin/sh", "-c", command}));
@@ -94,7 +94,7 @@ bool HelperUtilities::launchUninstaller() {
     const auto source = auxiliaryExecutable(name);
     if (!source || !fs::exists(*source, error)) {
         platform::log("Uninstaller is not found at path: %@",
-                      {source ? base::TextArgument(source->native()) : std::nullopt});
+                      {source ? base::FormatArgument(source->native()) : std::nullopt});
         return false;
     }
     clearQuarantineAttribute(*source);

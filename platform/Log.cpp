@@ -117,13 +117,13 @@ const std::string& systemLogTag() {
 
 } // namespace
 
-void log(std::string_view format, std::initializer_list<base::TextArgument> arguments) {
-    const std::string message = escaped(base::formatText(format, arguments));
+void log(std::string_view format, std::initializer_list<base::FormatArgument> arguments) {
+    const std::string message = escaped(base::formatted(format, arguments));
     const auto now =
         std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now());
     const std::string line =
-        base::formatText("%@ %@[%@] %@\n", {base::timestampText(now), programName(),
-                                            std::to_string(getpid()), message});
+        base::formatted("%@ %@[%@] %@\n", {base::timestampText(now), programName(),
+                                           std::to_string(getpid()), message});
     // One write, so that the lines of several threads do not mix.
     if (write(STDERR_FILENO, line.data(), line.size()) < 0) {
         // Standard error may be closed; the system log still gets the message.

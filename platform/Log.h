@@ -15,8 +15,8 @@ namespace platform {
 /// one round, nor tell a terminal anything. A failure to write is ignored. May be called from any
 /// thread; lines of several threads do not mix.
 ///
-/// @param format the fixed message; each "%@" takes one argument (see base::formatText()).
-void log(std::string_view format, std::initializer_list<base::TextArgument> arguments = {});
+/// @param format the fixed message; each "%@" takes one argument (see base::formatted()).
+void log(std::string_view format, std::initializer_list<base::FormatArgument> arguments = {});
 
 /// Makes an uncaught failure end the process with one log line that carries the failure's text,
 /// followed by an abort; by the abort alone where the line itself fails, for want of memory. Call

@@ -12,14 +12,11 @@ namespace {
 
 constexpr std::size_t kLongestAddress = 2048;
 
-/// Whether something stands before the host, which is made to be taken for it.
-bool hasUserInformation(std::string_view url) {
-    url.remove_prefix(url.find("://") + 3);
-    return url.substr(0, url.find_first_of("/?#")).find('@') != std::string_view::npos;
-}
-
-bool isShown(const std::optional<base::URL>& url) {
-    return url && url->text().size() <= kLongestAddress && !hasUserInformation(url->text());
+/// The URL of an address that the user may be shown. One with user information is made to be taken
+/// for that of another host.
+std::optional<base::URL> shownURL(std::string_view address) {
+    const auto url = address.size() <= kLongestAddress ? base::URL::make(address) : std::nullopt;
+    return url && !url->hasUserInformation() ? url : std::nullopt;
 }
 
 } // namespace
@@ -37,8 +34,8 @@ bool openFile(const std::filesystem::path& file) {
 }
 
 bool openURL(std::string_view address) {
-    const auto url = base::URL::make(address);
-    if (!isShown(url)) {
+    const auto url = shownURL(address);
+    if (!url) {
         log("Not opened, since it is no web address: %@", {address.substr(0, kLongestAddress)});
         return false;
     }

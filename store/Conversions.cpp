@@ -23,29 +23,27 @@ void replaceKelvinSigns(std::string& text) {
 
 } // namespace
 
-std::string lowercased(std::string_view text) {
-    std::string result;
-    lowercase(text, result);
-    return result;
-}
-
-void lowercase(std::string_view text, std::string& result) {
-    result.resize(text.size());
+void lowercase(std::string& text) {
     unsigned all = 0;
-    std::transform(text.begin(), text.end(), result.begin(), [&all](char character) {
+    std::transform(text.begin(), text.end(), text.begin(), [&all](char character) {
         const auto byte = static_cast<unsigned char>(character);
         all |= byte;
         return static_cast<char>(byte | (byte - unsigned{'A'} < 26U ? 0x20U : 0U));
     });
     if (all >= 0x80) { // rare: names are ASCII
-        replaceKelvinSigns(result);
+        replaceKelvinSigns(text);
     }
 }
 
 bool flagFromText(std::string_view text) {
     constexpr std::string_view kTrue = "true";
     // By its length first, which spares long texts the copy: no letter of it is longer in capitals.
-    return text.size() == kTrue.size() && lowercased(text) == kTrue;
+    if (text.size() != kTrue.size()) {
+        return false;
+    }
+    std::string flag(text);
+    lowercase(flag);
+    return flag == kTrue;
 }
 
 std::uint64_t numberFromText(std::string_view text) {

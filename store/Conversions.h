@@ -7,11 +7,9 @@
 /// How texts of an answer become values. All are independent of locale and of state.
 namespace store {
 
-/// The lower case of an element name or a flag's text: the ASCII letters, and U+212A KELVIN SIGN,
+/// Makes an element name or a flag's text lower case: the ASCII letters, and U+212A KELVIN SIGN,
 /// the one other character whose lower case is an ASCII letter in use here. Everything else stays.
-[[nodiscard]] std::string lowercased(std::string_view text);
-/// The same into `result`, whose memory is used again.
-void lowercase(std::string_view text, std::string& result);
+void lowercase(std::string& text);
 
 /// Whether the lowercased text is exactly "true". Nothing is trimmed.
 [[nodiscard]] bool flagFromText(std::string_view text);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "store/ElementText.h"
-#include "store/FastSpringItem.h"
+#include "store/FieldTypes.h"
 
 #include <algorithm>
 #include <span>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "store/Conversions.h"
-#include "store/FastSpringItem.h"
+#include "store/FieldTypes.h"
 #include "store/ServerDate.h"
 
 #include <optional>

@@ -2,7 +2,9 @@
 
 #include "store/ElementTable.h"
 
+#include <algorithm>
 #include <array>
+#include <iterator>
 #include <stdexcept>
 
 namespace store {
@@ -31,19 +33,30 @@ constexpr Element<Order> kOrderElements[] = {
 };
 static_assert(isElementTable<Order>(kOrderElements));
 
-constexpr Element<Order> kCustomerElements[] = {
-    {"email", &Order::customerEmail}, //
-    {"company", &Order::customerCompany},     {"lastname", &Order::customerLastName},
-    {"firstname", &Order::customerFirstName}, {"phonenumber", &Order::customerPhoneNumber},
+/// An element that describes a person, and the members for the two persons who can be meant.
+struct Contact {
+    std::string_view name;
+    Text Order::*customer;
+    Text Order::*purchaser;
 };
-static_assert(isElementTable<Order>(kCustomerElements));
+constexpr std::array kContacts = {
+    Contact{"email", &Order::customerEmail, &Order::purchaserEmail},
+    Contact{"company", &Order::customerCompany, &Order::purchaserCompany},
+    Contact{"lastname", &Order::customerLastName, &Order::purchaserLastName},
+    Contact{"firstname", &Order::customerFirstName, &Order::purchaserFirstName},
+    Contact{"phonenumber", &Order::customerPhoneNumber, &Order::purchaserPhoneNumber},
+};
 
-constexpr Element<Order> kPurchaserElements[] = {
-    {"email", &Order::purchaserEmail}, //
-    {"company", &Order::purchaserCompany},     {"lastname", &Order::purchaserLastName},
-    {"firstname", &Order::purchaserFirstName}, {"phonenumber", &Order::purchaserPhoneNumber},
-};
-static_assert(isElementTable<Order>(kPurchaserElements));
+constexpr auto contactElements(Text Order::*Contact::*person) {
+    std::array<Element<Order>, kContacts.size()> elements;
+    std::transform(kContacts.begin(), kContacts.end(), elements.begin(), [=](const auto& contact) {
+        return Element<Order>{contact.name, contact.*person};
+    });
+    return elements;
+}
+constexpr auto kCustomerElements = contactElements(&Contact::customer);
+constexpr auto kPurchaserElements = contactElements(&Contact::purchaser);
+static_assert(isElementTable<Order>(kCustomerElements));
 
 constexpr Element<Item> kItemElements[] = {
     {"quantity", &Item::quantity},
@@ -84,52 +97,71 @@ std::shared_ptr<FastSpringOrder> FastSpringOrderParser::parseOrder() {
     return order;
 }
 
+using Parser = FastSpringOrderParser;
+
+constexpr Parser::Container Parser::kContainers[] = {
+    {"order", [](Parser& parser) { parser.order = std::make_shared<Order>(); }},
+    {"customer", [](Parser& parser) { parser.isPurchaser_ = false; }},
+    {"purchaser", [](Parser& parser) { parser.isPurchaser_ = true; }},
+    {"orderitems",
+     [](Parser& parser) {
+         if (parser.order) {
+             parser.order->orderItems.emplace();
+         }
+     },
+     [](Parser& parser) {
+         append(parser.order ? &parser.order->orderItems : nullptr, parser.orderItem);
+         parser.orderItem.reset();
+     }},
+    {"orderitem", [](Parser& parser) { parser.orderItem = std::make_shared<Item>(); }},
+    {"payments",
+     [](Parser& parser) {
+         if (parser.order) {
+             parser.order->payments.emplace();
+         }
+         parser.isPayments_ = true;
+     },
+     [](Parser& parser) {
+         append(parser.order ? &parser.order->payments : nullptr, parser.payment);
+         // The line item and not the payment: a further container takes that payment up again.
+         parser.orderItem.reset();
+         parser.isPayments_ = false;
+     }},
+    {"payment", [](Parser& parser) { parser.payment = std::make_shared<Payment>(); }},
+};
+
+const Parser::Container* Parser::containerNamed(std::string_view name) {
+    const auto* const found =
+        std::find_if(std::begin(kContainers), std::end(kContainers),
+                     [=](const Container& container) { return container.name == name; });
+    return found != std::end(kContainers) ? found : nullptr;
+}
+
 bool FastSpringOrderParser::startContainer(std::string_view elementName) {
-    if (elementName == "order") {
-        order = std::make_shared<Order>();
-    } else if (elementName == "customer" || elementName == "purchaser") {
-        isPurchaser_ = elementName == "purchaser";
-    } else if (elementName == "orderitems") {
-        if (order) {
-            order->orderItems.emplace();
-        }
-    } else if (elementName == "orderitem") {
-        orderItem = std::make_shared<Item>();
-    } else if (elementName == "payments") {
-        if (order) {
-            order->payments.emplace();
-        }
-        isPayments_ = true;
-    } else if (elementName == "payment") {
-        payment = std::make_shared<Payment>();
-    } else {
-        return false;
+    const Container* const container = containerNamed(elementName);
+    if (container != nullptr) {
+        container->start(*this);
     }
-    return true;
+    return container != nullptr;
 }
 
 void FastSpringOrderParser::endElement(std::string_view elementName, ElementText& text) {
-    if (elementName == "orderitems") {
-        append(order ? &order->orderItems : nullptr, orderItem);
-        orderItem.reset();
-    } else if (elementName == "payments") {
-        append(order ? &order->payments : nullptr, payment);
-        // The line item and not the payment: a further container takes that payment up again.
-        orderItem.reset();
-        isPayments_ = false;
-    } else {
+    const Container* const container = containerNamed(elementName);
+    if (container == nullptr) {
         storeField(elementName, text);
+    } else if (container->end != nullptr) {
+        container->end(*this);
     }
 }
 
 /// Looks the element up in the tables of the present context, the narrowest first.
-bool FastSpringOrderParser::storeField(std::string_view elementName, ElementText& text) {
-    const std::span<const Element<Order>> contact =
-        isPurchaser_ ? std::span(kPurchaserElements) : std::span(kCustomerElements);
-    return (isPayments_ && storeElement(kPaymentElements, elementName, text, payment.get())) ||
-           storeElement(contact, elementName, text, order.get()) ||
-           storeElement(kItemElements, elementName, text, orderItem.get()) ||
-           storeElement(kOrderElements, elementName, text, order.get());
+void FastSpringOrderParser::storeField(std::string_view elementName, ElementText& text) {
+    const auto& contacts = isPurchaser_ ? kPurchaserElements : kCustomerElements;
+    static_cast<void>(
+        (isPayments_ && storeElement(kPaymentElements, elementName, text, payment.get())) ||
+        storeElement(contacts, elementName, text, order.get()) ||
+        storeElement(kItemElements, elementName, text, orderItem.get()) ||
+        storeElement(kOrderElements, elementName, text, order.get()));
 }
 
 } // namespace store

@@ -33,7 +33,16 @@ class FastSpringOrderParser final : public FastSpringRootParser {
   private:
     bool startContainer(std::string_view elementName) override;
     void endElement(std::string_view elementName, ElementText& text) override;
-    bool storeField(std::string_view elementName, ElementText& text);
+    void storeField(std::string_view elementName, ElementText& text);
+
+    /// What the start, and where it does something the end, of an element with children does.
+    struct Container {
+        std::string_view name;
+        void (*start)(FastSpringOrderParser& parser);
+        void (*end)(FastSpringOrderParser& parser) = nullptr;
+    };
+    static const Container kContainers[];
+    static const Container* containerNamed(std::string_view name);
 
     bool isPurchaser_ = false;
     bool isPayments_ = false;

@@ -5,7 +5,7 @@
 
 namespace store {
 
-FastSpringRootParser::FastSpringRootParser(std::string_view data) : parser_(data) {}
+FastSpringRootParser::FastSpringRootParser(std::string_view data) : data_(data) {}
 
 Date FastSpringRootParser::fromServerDate(std::string_view text) {
     return dateFromText(text);
@@ -26,8 +26,8 @@ bool FastSpringRootParser::cleanUpAnyErrors(std::string_view /*elementName*/) co
 
 void FastSpringRootParser::didStartElement(std::string_view elementName,
                                            const base::XMLAttributes& attributes) {
-    lowercase(elementName, elementName_);
-    if (checkForErrors(elementName_, attributes) || startContainer(elementName_)) {
+    const auto name = lowercaseName(elementName);
+    if (checkForErrors(name, attributes) || startContainer(name)) {
         return;
     }
     accumulatingParsedCharacterData_ = true;
@@ -35,11 +35,11 @@ void FastSpringRootParser::didStartElement(std::string_view elementName,
 }
 
 void FastSpringRootParser::didEndElement(std::string_view elementName) {
-    lowercase(elementName, elementName_);
-    if (cleanUpAnyErrors(elementName_)) {
+    const auto name = lowercaseName(elementName);
+    if (cleanUpAnyErrors(name)) {
         return;
     }
-    endElement(elementName_, currentParsedCharacterData_);
+    endElement(name, currentParsedCharacterData_);
     accumulatingParsedCharacterData_ = false;
 }
 
@@ -54,7 +54,13 @@ void FastSpringRootParser::parseErrorOccurred() {
 }
 
 void FastSpringRootParser::parse() {
-    parser_.parse(*this);
+    base::parseXML(data_, *this);
+}
+
+std::string_view FastSpringRootParser::lowercaseName(std::string_view elementName) {
+    elementName_.assign(elementName);
+    lowercase(elementName_);
+    return elementName_;
 }
 
 } // namespace store

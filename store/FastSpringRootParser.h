@@ -1,8 +1,8 @@
 #pragma once
 
-#include "base/XMLEventParser.h"
+#include "base/XMLEvents.h"
 #include "store/ElementText.h"
-#include "store/FastSpringItem.h"
+#include "store/FieldTypes.h"
 
 #include <map>
 #include <optional>
@@ -17,7 +17,7 @@ namespace store {
 ///
 /// A subclass says which elements are containers and where the text of every other element goes.
 /// A parser serves one answer, once, on one thread.
-class FastSpringRootParser : public base::XMLEventParserDelegate {
+class FastSpringRootParser : public base::XMLEventDelegate {
   public:
     /// @param data the complete answer; it must outlive the parser.
     explicit FastSpringRootParser(std::string_view data);
@@ -58,7 +58,9 @@ class FastSpringRootParser : public base::XMLEventParserDelegate {
     /// Stores `text` where the element that ends belongs, or does nothing.
     virtual void endElement(std::string_view elementName, ElementText& text) = 0;
 
-    base::XMLEventParser parser_;
+    std::string_view lowercaseName(std::string_view elementName);
+
+    std::string_view data_;
     bool accumulatingParsedCharacterData_ = false;
     ElementText currentParsedCharacterData_;
     std::string elementName_; // lowercased; a member so that its memory is used again

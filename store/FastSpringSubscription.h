@@ -1,6 +1,7 @@
 #pragma once
 
 #include "store/FastSpringItem.h"
+#include "store/FieldTypes.h"
 
 namespace store {
 

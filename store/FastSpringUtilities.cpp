@@ -13,7 +13,7 @@ namespace {
 
 /// The whole answer to a request whose format takes the script URL and the reference.
 std::optional<base::Data> answerTo(std::string_view format, const std::string& reference) {
-    const auto url = base::URL::make(base::formatText(format, {scriptURL(), reference}));
+    const auto url = base::URL::make(base::formatted(format, {scriptURL(), reference}));
     return url ? base::fetch(*url) : std::nullopt;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "store/FastSpringItem.h"
+#include "store/FieldTypes.h"
 
 #include <string_view>
 

@@ -11,7 +11,5 @@ namespace tools {
 /// null, a date "YYYY-MM-DDTHH:MM:SSZ", a number a decimal integer, a list an array of records.
 [[nodiscard]] nlohmann::ordered_json recordJSON(const store::FastSpringSubscription& record);
 [[nodiscard]] nlohmann::ordered_json recordJSON(const store::FastSpringOrder& record);
-[[nodiscard]] nlohmann::ordered_json recordJSON(const store::FastSpringOrderItem& record);
-[[nodiscard]] nlohmann::ordered_json recordJSON(const store::FastSpringPaymentItem& record);
 
 } // namespace tools

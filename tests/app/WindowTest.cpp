@@ -1,7 +1,7 @@
 // The window as people meet it: in every language, read aloud, in light and dark.
 #include "app/Contrast.h"
+#include "app/Localization.h"
 #include "app/ProgressSheet.h"
-#include "app/Texts.h"
 #include "platform/ChildProcess.h"
 #include "platform/StringsTable.h"
 #include "tests/app/DelegateTest.h"

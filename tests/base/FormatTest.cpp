@@ -7,9 +7,9 @@ namespace base {
 namespace {
 
 TEST(FormatText, PutsArgumentsInOrderAndSearchesThemNotAgain) {
-    EXPECT_EQ(formatText("%@?f=x&r=%@", {"a%@b", "c"}), "a%@b?f=x&r=c");
-    EXPECT_EQ(formatText("path: %@ %@", {std::nullopt}), "path: (null) (null)");
-    EXPECT_EQ(formatText("100% of %", {"unused"}), "100% of %");
+    EXPECT_EQ(formatted("%@?f=x&r=%@", {"a%@b", "c"}), "a%@b?f=x&r=c");
+    EXPECT_EQ(formatted("path: %@ %@", {std::nullopt}), "path: (null) (null)");
+    EXPECT_EQ(formatted("100% of %", {"unused"}), "100% of %");
 }
 
 TEST(Timestamp, RoundTripsAndRefusesOtherTexts) {

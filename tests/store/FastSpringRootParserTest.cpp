@@ -100,6 +100,11 @@ const std::pair<const char*, std::uint64_t> kNumbers[] = {
     {"-99999999999999999999", 9223372036854775808U},
 };
 
+std::string lowercased(std::string text) {
+    lowercase(text);
+    return text;
+}
+
 void expectOutcomes(const char* where) {
     SCOPED_TRACE(where);
     for (const auto& [text, outcome] : kDates) {

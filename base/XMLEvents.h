@@ -1,17 +1,18 @@
 #pragma once
 
+#include <optional>
 #include <string_view>
 
 namespace base {
 
-/// The attributes of one start element: a view that is valid during the event only. Nothing of them
-/// is copied.
+/// The attributes of one start element: a view that is valid during the event only.
 class XMLAttributes {
   public:
     /// @param pairs names and values in turn, ended by a null pointer.
     explicit XMLAttributes(const char* const* pairs) : pairs_(pairs) {}
 
-    [[nodiscard]] bool empty() const { return *pairs_ == nullptr; }
+    /// The value of the attribute `name`, in UTF-8; none when the element does not have it.
+    [[nodiscard]] std::optional<std::string_view> value(std::string_view name) const;
 
   private:
     const char* const* pairs_;
@@ -19,12 +20,12 @@ class XMLAttributes {
 
 /// Receives the events of one parse, on the thread that parses. All texts are UTF-8 and valid
 /// during the call only. A handler may throw: the parse then stops and the exception leaves
-/// XMLEventParser::parse().
-class XMLEventParserDelegate {
+/// parseXML().
+class XMLEventDelegate {
   public:
-    XMLEventParserDelegate() = default;
-    XMLEventParserDelegate(const XMLEventParserDelegate&) = delete;
-    XMLEventParserDelegate& operator=(const XMLEventParserDelegate&) = delete;
+    XMLEventDelegate() = default;
+    XMLEventDelegate(const XMLEventDelegate&) = delete;
+    XMLEventDelegate& operator=(const XMLEventDelegate&) = delete;
 
     /// An element starts. The name is as written, a prefix included.
     virtual void didStartElement(std::string_view elementName, const XMLAttributes& attributes) = 0;
@@ -37,8 +38,11 @@ class XMLEventParserDelegate {
     virtual void parseErrorOccurred() = 0;
 
   protected:
-    ~XMLEventParserDelegate() = default;
+    ~XMLEventDelegate() = default;
 };
+
+/// The deepest nesting of elements that is not a parse error.
+inline constexpr int kDeepestNesting = 256;
 
 /// Reads one XML document as a series of events, without namespaces and without opening anything
 /// that the document names. In time it is linear in the size of the document. In memory it holds,
@@ -50,22 +54,10 @@ class XMLEventParserDelegate {
 /// Encodings: UTF-8 (also as "utf8"), UTF-16, ISO-8859-1 to -16 (but for -12), US-ASCII,
 /// windows-1250 to -1258, KOI8-R and KOI8-U, in any letter case; any other one is a parse error at
 /// its declaration.
-class XMLEventParser {
-  public:
-    /// The deepest nesting of elements that is not a parse error.
-    static constexpr int kDeepestNesting = 256;
-
-    /// @param document the whole document; it must outlive the parser.
-    explicit XMLEventParser(std::string_view document) : document_(document) {}
-
-    /// Parses the document once, from its start, delivering every event to `delegate` before it
-    /// returns. Rethrows what the delegate throws.
-    ///
-    /// @return whether the document was read to its end without an error.
-    bool parse(XMLEventParserDelegate& delegate) const;
-
-  private:
-    std::string_view document_;
-};
+///
+/// @param document the whole document.
+/// @param delegate gets every event before the function returns; what it throws is rethrown.
+/// @return whether the document was read to its end without an error.
+bool parseXML(std::string_view document, XMLEventDelegate& delegate);
 
 } // namespace base

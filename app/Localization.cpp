@@ -1,4 +1,4 @@
-#include "app/Texts.h"
+#include "app/Localization.h"
 
 #include "base/Format.h"
 #include "platform/Bundle.h"
@@ -19,7 +19,7 @@ QString localized(std::string_view key) {
     const std::string text = entry(key);
     return QString::fromStdString(text.find("%@") == std::string::npos
                                       ? text
-                                      : base::formatText(text, {productName(), productName()}));
+                                      : base::formatted(text, {productName(), productName()}));
 }
 
 std::string productName() {

@@ -1,5 +1,6 @@
-#include "base/XMLEventParser.h"
+#include "base/XMLEvents.h"
 
+#include "base/Handle.h"
 #include "base/Iconv.h"
 
 #include <algorithm>
@@ -7,7 +8,6 @@
 #include <cstddef>
 #include <exception>
 #include <iterator>
-#include <memory>
 #include <new>
 #include <optional>
 #include <string>
@@ -46,15 +46,13 @@ constexpr const char* kEncodings[] = {
     "windows-1256", "windows-1257", "windows-1258", "KOI8-R",       "KOI8-U",
 };
 
-using Handle = std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)>;
-
-/// One run of expat over a document: passes its callbacks on to the delegate and keeps exceptions
-/// from crossing the C library.
-class Run {
+/// One session of expat over a document: passes its callbacks on to the delegate and keeps
+/// exceptions from crossing the C library.
+class Session {
   public:
     /// @param encoding the document's, or null for the one that it declares.
-    Run(XMLEventParserDelegate& delegate, const char* encoding)
-        : delegate_(delegate), handle_(XML_ParserCreate(encoding), XML_ParserFree) {
+    Session(XMLEventDelegate& delegate, const char* encoding)
+        : delegate_(delegate), handle_(XML_ParserCreate(encoding)) {
         if (!handle_) {
             throw std::bad_alloc();
         }
@@ -107,7 +105,7 @@ class Run {
                    XML_STATUS_OK;
     }
 
-    static Run& self(void* context) { return *static_cast<Run*>(context); }
+    static Session& self(void* context) { return *static_cast<Session*>(context); }
 
     /// Expat may deliver one more event after it was told to stop; that one is dropped.
     template <class Event>
@@ -129,24 +127,24 @@ class Run {
     }
 
     static void startElement(void* context, const char* name, const char** attributes) {
-        Run& run = self(context);
-        if (++run.depth_ > XMLEventParser::kDeepestNesting) {
-            run.stop();
+        Session& session = self(context);
+        if (++session.depth_ > kDeepestNesting) {
+            session.stop();
         }
-        run.deliver(
+        session.deliver(
             [=](auto& delegate) { delegate.didStartElement(name, XMLAttributes(attributes)); });
     }
 
     static void endElement(void* context, const char* name) {
-        Run& run = self(context);
-        --run.depth_;
-        run.deliver([=](auto& delegate) { delegate.didEndElement(name); });
+        Session& session = self(context);
+        --session.depth_;
+        session.deliver([=](auto& delegate) { delegate.didEndElement(name); });
     }
 
     static void characters(void* context, const char* text, int length) {
-        Run& run = self(context);
-        if (!run.inSection_) {
-            run.deliver([=](auto& delegate) {
+        Session& session = self(context);
+        if (!session.inSection_) {
+            session.deliver([=](auto& delegate) {
                 delegate.foundCharacters({text, static_cast<std::size_t>(length)});
             });
         }
@@ -155,9 +153,9 @@ class Run {
     static void attributeDeclaration(void* context, const char* /*element*/,
                                      const char* /*attribute*/, const char* /*type*/,
                                      const char* /*value*/, int /*isRequired*/) {
-        Run& run = self(context);
-        if (++run.declaredAttributes_ > kMostDeclaredAttributes) {
-            run.stop();
+        Session& session = self(context);
+        if (++session.declaredAttributes_ > kMostDeclaredAttributes) {
+            session.stop();
         }
     }
 
@@ -200,8 +198,8 @@ class Run {
         return byte(0) | byte(1) << 8 | byte(2) << 16;
     }
 
-    XMLEventParserDelegate& delegate_;
-    Handle handle_;
+    XMLEventDelegate& delegate_;
+    Handle<XML_ParserStruct, XML_ParserFree> handle_;
     std::exception_ptr failure_;
     int depth_ = 0;
     int declaredAttributes_ = 0;
@@ -212,9 +210,18 @@ class Run {
 
 } // namespace
 
-bool XMLEventParser::parse(XMLEventParserDelegate& delegate) const {
-    const auto whole = Run(delegate, nullptr).parse(document_);
-    return whole ? *whole : Run(delegate, kUTF8).parse(document_).value_or(false);
+std::optional<std::string_view> XMLAttributes::value(std::string_view name) const {
+    for (const char* const* pair = pairs_; *pair != nullptr; pair += 2) {
+        if (*pair == name) {
+            return pair[1];
+        }
+    }
+    return std::nullopt;
+}
+
+bool parseXML(std::string_view document, XMLEventDelegate& delegate) {
+    const auto whole = Session(delegate, nullptr).parse(document);
+    return whole ? *whole : Session(delegate, kUTF8).parse(document).value_or(false);
 }
 
 } // namespace base
