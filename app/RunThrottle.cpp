@@ -2,6 +2,8 @@
 
 #include "platform/Log.h"
 
+#include <system_error>
+
 namespace app {
 namespace {
 
@@ -21,12 +23,12 @@ bool isRecentRun(const std::optional<base::Timestamp>& lastRun, const Clock& clo
 bool passRunThrottle(const platform::UserDefaults& defaults, const Clock& clock) {
     // From reading the moment to storing it, so that no second start can read it in between.
     const platform::FileLock lock = defaults.lock();
-    if (lock.state() == platform::FileLock::State::Taken ||
+    if (lock.error() == std::errc::operation_would_block ||
         isRecentRun(defaults.date(kLastRun), clock)) {
         return false;
     }
-    if (!defaults.setDate(kLastRun, clock())) {
-        platform::log("The time of this run cannot be stored");
+    if (const auto error = defaults.setDate(kLastRun, clock())) {
+        platform::log("The time of this run cannot be stored: %@", {error.message()});
     }
     return true;
 }

@@ -20,6 +20,9 @@ iconv_t opened(const char* target, const char* source) {
 Iconv::Iconv(const char* target, const char* source) : handle_(opened(target, source)) {}
 
 std::optional<std::string> Iconv::convert(std::string_view text) const {
+    if (!isValid()) {
+        return std::nullopt;
+    }
     iconv(handle_.get(), nullptr, nullptr, nullptr, nullptr);
     std::string result;
     // iconv takes a pointer to non-const by its old signature but never writes to the source.

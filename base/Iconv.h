@@ -21,7 +21,8 @@ class Iconv {
     /// Whether the system knows both encodings.
     [[nodiscard]] bool isValid() const { return handle_ != nullptr; }
     /// The bytes of `text` in the target encoding, or none when they are not whole, well-formed
-    /// text of the source encoding or cannot be expressed in the target. Each call starts anew.
+    /// text of the source encoding, cannot be expressed in the target, or isValid() is false. Each
+    /// call starts anew.
     [[nodiscard]] std::optional<std::string> convert(std::string_view text) const;
 
   private:

@@ -75,7 +75,7 @@ std::string HelperUtilities::storeID() {
 }
 
 bool HelperUtilities::trash(const fs::path& path) {
-    return platform::workspace::moveToTrash(path);
+    return !platform::workspace::moveToTrash(path);
 }
 
 void HelperUtilities::clearQuarantineAttribute(const fs::path& path) {
@@ -105,7 +105,7 @@ bool HelperUtilities::launchUninstaller() {
     }
     const fs::path copy = *directory / name;
     fs::remove_all(copy, error);
-    return copyItem(*source, copy) && platform::workspace::openFile(copy);
+    return copyItem(*source, copy) && !platform::workspace::openFile(copy);
 }
 
 } // namespace housekeeping

@@ -82,7 +82,13 @@ std::future<int> reap(pid_t child) {
 
 } // namespace
 
-std::future<int> startChildProcess(const std::vector<std::string>& arguments) {
+std::error_code startChildProcess(const std::vector<std::string>& arguments) {
+    std::future<int> ignored;
+    return startChildProcess(arguments, ignored);
+}
+
+std::error_code startChildProcess(const std::vector<std::string>& arguments,
+                                  std::future<int>& status) {
     std::vector<char*> words;
     words.reserve(arguments.size() + 1);
     for (const auto& argument : arguments) {
@@ -91,11 +97,13 @@ std::future<int> startChildProcess(const std::vector<std::string>& arguments) {
     words.push_back(nullptr);
     const SpawnSettings settings;
     pid_t child = 0;
-    if (posix_spawnp(&child, words.front(), &settings.streams, &settings.attributes, words.data(),
-                     environmentWithoutLinkerSettings().data()) != 0) {
-        return {};
+    const int error = posix_spawnp(&child, words.front(), &settings.streams, &settings.attributes,
+                                   words.data(), environmentWithoutLinkerSettings().data());
+    if (error != 0) {
+        return {error, std::generic_category()};
     }
-    return reap(child);
+    status = reap(child);
+    return {};
 }
 
 } // namespace platform

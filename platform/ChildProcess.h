@@ -2,6 +2,7 @@
 
 #include <future>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace platform {
@@ -13,9 +14,12 @@ namespace platform {
 ///
 /// @param arguments the program, by an absolute path or by a name that `PATH` is searched for,
 /// followed by its arguments; not empty.
-/// @return not valid() when the program could not be started; else ready once it has ended, with
-/// its status as waitpid() gives it, or with 0 when no thread could be had to wait for it. To drop
-/// it waits for nothing.
-[[nodiscard]] std::future<int> startChildProcess(const std::vector<std::string>& arguments);
+/// @param status is ready once the program has ended, with its status as waitpid() gives it, or
+/// with 0 when no thread could be had to wait for it. To drop it waits for nothing.
+/// @return why the program could not be started; `status` is then as it was.
+[[nodiscard]] std::error_code startChildProcess(const std::vector<std::string>& arguments,
+                                                std::future<int>& status);
+/// The same where nobody asks how the program ends.
+[[nodiscard]] std::error_code startChildProcess(const std::vector<std::string>& arguments);
 
 } // namespace platform

@@ -2,19 +2,21 @@
 
 #include <filesystem>
 #include <string>
+#include <system_error>
 
 /// What each system does in its own way for workspace, which decides what is asked for. Every
 /// function may be called from any thread.
 namespace platform::desktop {
 
-/// Moves an item to the user's Trash; a link as a link. Gives false, with the item where it was,
-/// when the system refuses.
-[[nodiscard]] bool moveToTrash(const std::filesystem::path& item);
+/// Moves an item to the user's Trash; a link as a link.
+/// @return why the system refuses; the item is then where it was.
+[[nodiscard]] std::error_code moveToTrash(const std::filesystem::path& item);
 
 /// Opens a file, as workspace::openFile() says.
-[[nodiscard]] bool openFile(const std::filesystem::path& file);
+[[nodiscard]] std::error_code openFile(const std::filesystem::path& file);
 
-/// Opens a web address in the user's browser. Gives whether one could be started.
-[[nodiscard]] bool openAddress(const std::string& address);
+/// Opens a web address in the user's browser.
+/// @return why none could be started.
+[[nodiscard]] std::error_code openAddress(const std::string& address);
 
 } // namespace platform::desktop

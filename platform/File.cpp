@@ -1,11 +1,12 @@
 #include "platform/File.h"
 
 #include "platform/FileDescriptor.h"
+#include "platform/LastError.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
-#include <system_error>
-#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -14,26 +15,30 @@
 namespace platform {
 namespace {
 
-bool writeAll(int descriptor, std::string_view content) {
+std::error_code writeAll(int descriptor, std::string_view content) {
     while (!content.empty()) {
         const ssize_t written = ::write(descriptor, content.data(), content.size());
         if (written < 0 && errno == EINTR) {
             continue;
         }
         if (written <= 0) {
-            return false;
+            return lastError();
         }
         content.remove_prefix(static_cast<std::size_t>(written));
     }
-    return true;
+    return {};
 }
 
-bool writeNewFile(const std::filesystem::path& path, std::string_view content) {
+std::error_code writeNewFile(const std::filesystem::path& path, std::string_view content) {
     // What a killed writer left at this name is of no use to anyone.
     ::unlink(path.c_str());
     const FileDescriptor file(
         ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
-    return file.isOpen() && writeAll(file.get(), content) && ::fsync(file.get()) == 0;
+    if (!file.isOpen()) {
+        return lastError();
+    }
+    const auto error = writeAll(file.get(), content);
+    return error || ::fsync(file.get()) == 0 ? error : lastError();
 }
 
 void flushDirectory(const std::filesystem::path& path) {
@@ -45,50 +50,67 @@ void flushDirectory(const std::filesystem::path& path) {
 
 } // namespace
 
-std::optional<base::Data> readRegularFile(const std::filesystem::path& path, std::size_t limit) {
+base::Data readRegularFile(const std::filesystem::path& path, std::size_t limit,
+                           std::error_code& error) {
+    // Without waiting, as a FIFO is known for one only when it is open.
     const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct stat status {};
-    if (!file.isOpen() || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode) ||
-        std::cmp_greater(status.st_size, limit)) {
-        return std::nullopt;
+    if (!file.isOpen() || ::fstat(file.get(), &status) != 0) {
+        error = lastError();
+        return {};
     }
-    // One byte more than allowed, to notice a file that grows while it is read.
-    base::Data data(limit + 1, '\0');
+    if (!S_ISREG(status.st_mode)) {
+        error = std::make_error_code(std::errc::not_supported);
+        return {};
+    }
+    error.clear();
+    const auto size = static_cast<std::uintmax_t>(status.st_size);
+    // One byte more than it has, to notice its end.
+    base::Data data(static_cast<std::size_t>(std::min<std::uintmax_t>(size, limit)) + 1, '\0');
     std::size_t length = 0;
-    while (length < data.size()) {
+    for (;;) {
         const ssize_t got = ::read(file.get(), data.data() + length, data.size() - length);
-        if (got < 0 && errno == EINTR) {
-            continue;
-        }
-        if (got < 0) {
-            return std::nullopt;
-        }
         if (got == 0) {
             data.resize(length);
             return data;
         }
-        length += static_cast<std::size_t>(got);
+        if (got > 0) {
+            length += static_cast<std::size_t>(got);
+        } else if (errno != EINTR) {
+            error = lastError();
+            return {};
+        }
+        if (length > limit) {
+            error = std::make_error_code(std::errc::file_too_large);
+            return {};
+        }
+        if (length == data.size()) {
+            data.resize(limit + 1); // it grows while it is read
+        }
     }
-    return std::nullopt;
 }
 
-bool replaceFile(const std::filesystem::path& path, std::string_view content) {
+std::error_code replaceFile(const std::filesystem::path& path, std::string_view content) {
     std::error_code error;
     std::filesystem::path target = std::filesystem::canonical(path, error);
     if (error == std::errc::no_such_file_or_directory) {
         target = path;
     } else if (error) {
-        return false;
+        return error;
     }
     std::filesystem::path fresh = target;
     fresh += ".new";
-    if (!writeNewFile(fresh, content) || std::rename(fresh.c_str(), target.c_str()) != 0) {
+    error = writeNewFile(fresh, content);
+    if (!error && std::rename(fresh.c_str(), target.c_str()) != 0) {
+        error = lastError();
+    }
+    if (error) {
         ::unlink(fresh.c_str());
-        return false;
+        return error;
     }
     // The new content is there, whatever becomes of this: it may only be lost again in a crash.
     flushDirectory(target.parent_path());
-    return true;
+    return {};
 }
 
 } // namespace platform

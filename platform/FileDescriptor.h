@@ -1,22 +1,13 @@
 #pragma once
 
-#include <utility>
-
 #include <unistd.h>
 
 namespace platform {
 
-/// Owns a POSIX file descriptor and closes it at the end of its life. Movable, not copyable.
+/// Owns a POSIX file descriptor and closes it at the end of its life.
 class FileDescriptor {
   public:
-    FileDescriptor() = default;
     explicit FileDescriptor(int descriptor) : descriptor_(descriptor) {}
-    FileDescriptor(FileDescriptor&& other) noexcept
-        : descriptor_(std::exchange(other.descriptor_, kNone)) {}
-    FileDescriptor& operator=(FileDescriptor&& other) noexcept {
-        std::swap(descriptor_, other.descriptor_);
-        return *this;
-    }
     FileDescriptor(const FileDescriptor&) = delete;
     FileDescriptor& operator=(const FileDescriptor&) = delete;
     ~FileDescriptor() {
@@ -31,8 +22,7 @@ class FileDescriptor {
     [[nodiscard]] int get() const { return descriptor_; }
 
   private:
-    static constexpr int kNone = -1;
-    int descriptor_ = kNone;
+    int descriptor_;
 };
 
 } // namespace platform

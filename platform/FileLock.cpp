@@ -1,27 +1,18 @@
 #include "platform/FileLock.h"
 
-#include <cerrno>
+#include "platform/LastError.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
 
 namespace platform {
-namespace {
 
-FileLock::State tryLock(const FileDescriptor& file) {
-    if (!file.isOpen()) {
-        return FileLock::State::Unavailable;
-    }
-    if (::flock(file.get(), LOCK_EX | LOCK_NB) == 0) {
-        return FileLock::State::Held;
-    }
-    return errno == EWOULDBLOCK ? FileLock::State::Taken : FileLock::State::Unavailable;
-}
-
-} // namespace
-
+// A link could lead the lock to another file, and a FIFO would be waited for.
 FileLock::FileLock(const std::filesystem::path& path)
-    : file_(::open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600)),
-      state_(tryLock(file_)) {}
+    : file_(::open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600)) {
+    if (!file_.isOpen() || ::flock(file_.get(), LOCK_EX | LOCK_NB) != 0) {
+        error_ = lastError();
+    }
+}
 
 } // namespace platform

@@ -3,6 +3,7 @@
 #include "platform/FileDescriptor.h"
 
 #include <filesystem>
+#include <system_error>
 
 namespace platform {
 
@@ -11,20 +12,16 @@ namespace platform {
 /// file stays.
 class FileLock {
   public:
-    enum class State {
-        Held,       ///< this object has the lock
-        Taken,      ///< another process (or object) has it
-        Unavailable ///< the side file cannot be made or locked
-    };
-
     /// Tries the lock on `path`, which is created (mode 0600) when it is missing.
     explicit FileLock(const std::filesystem::path& path);
 
-    [[nodiscard]] State state() const { return state_; }
+    /// None when this object has the lock; `operation_would_block` when another process, or object,
+    /// has it; else why the side file cannot be made or locked.
+    [[nodiscard]] const std::error_code& error() const { return error_; }
 
   private:
     FileDescriptor file_;
-    State state_;
+    std::error_code error_;
 };
 
 } // namespace platform

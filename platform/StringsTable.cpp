@@ -9,6 +9,7 @@
 #include <cstring>
 #include <optional>
 #include <stdexcept>
+#include <system_error>
 
 namespace platform {
 namespace {
@@ -186,12 +187,13 @@ void logError(std::string_view name, std::string_view line, std::string_view exp
 } // namespace
 
 StringsTable readStringsTable(const std::filesystem::path& path) {
-    const auto bytes = readRegularFile(path, kLargestTable);
-    if (!bytes) {
-        logError(path.native(), "1", "a readable regular file of at most 1 MiB");
+    std::error_code error;
+    const auto bytes = readRegularFile(path, kLargestTable, error);
+    if (error) {
+        logError(path.native(), "1", "a regular file of at most 1 MiB, but: " + error.message());
         return {};
     }
-    return parseStringsTable(*bytes, path.native());
+    return parseStringsTable(bytes, path.native());
 }
 
 StringsTable parseStringsTable(std::string_view bytes, std::string_view name) {

@@ -21,29 +21,32 @@ std::optional<base::URL> shownURL(std::string_view address) {
 
 } // namespace
 
-bool moveToTrash(const std::filesystem::path& path) {
+std::error_code moveToTrash(const std::filesystem::path& path) {
     // A trailing slash does not make the last component empty.
     const std::filesystem::path item = path.has_filename() ? path : path.parent_path();
     // The last of these names would move something else than what the path seems to name.
     const auto name = item.filename();
-    return !name.empty() && name != "." && name != ".." && desktop::moveToTrash(item);
+    if (name.empty() || name == "." || name == "..") {
+        return std::make_error_code(std::errc::invalid_argument);
+    }
+    return desktop::moveToTrash(item);
 }
 
-bool openFile(const std::filesystem::path& file) {
+std::error_code openFile(const std::filesystem::path& file) {
     return desktop::openFile(file);
 }
 
-bool openURL(std::string_view address) {
+std::error_code openURL(std::string_view address) {
     const auto url = shownURL(address);
     if (!url) {
         log("Not opened, since it is no web address: %@", {address.substr(0, kLongestAddress)});
-        return false;
+        return std::make_error_code(std::errc::invalid_argument);
     }
-    if (!desktop::openAddress(url->text())) {
-        log("No browser could be started for %@", {address});
-        return false;
+    const auto error = desktop::openAddress(url->text());
+    if (error) {
+        log("No browser could be started for %@: %@", {address, error.message()});
     }
-    return true;
+    return error;
 }
 
 } // namespace platform::workspace

@@ -1,14 +1,15 @@
 #include "platform/Desktop.h"
 
+#include "base/Handle.h"
 #include "platform/Bundle.h"
 #include "platform/ChildProcess.h"
 #include "platform/FileDescriptor.h"
+#include "platform/LastError.h"
 #include "platform/Log.h"
 
 #include <chrono>
 #include <cstdio>
 #include <future>
-#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -22,10 +23,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-struct Unref {
-    void operator()(gpointer object) const { g_object_unref(object); }
-};
-using File = std::unique_ptr<GFile, Unref>;
+using base::Handle;
 
 // For both openers together. They end once the application is on its way; one that runs a browser
 // itself, or waits for a session bus that does not answer, is left to itself after this time.
@@ -33,8 +31,26 @@ constexpr std::chrono::seconds kLongestOpening{5};
 
 /// A file of the local system only: other kinds would have GIO connect to the session bus first and
 /// wait for ever for one that does not answer.
-File fileFor(const fs::path& path) {
-    return File(g_vfs_get_file_for_path(g_vfs_get_local(), path.c_str()));
+Handle<GFile, g_object_unref> fileFor(const fs::path& path) {
+    return Handle<GFile, g_object_unref>(g_vfs_get_file_for_path(g_vfs_get_local(), path.c_str()));
+}
+
+/// What went wrong in GIO, as far as that can be told apart without it.
+std::error_code errorOf(const GError& error) {
+    constexpr std::pair<int, std::errc> kErrors[] = {
+        {G_IO_ERROR_NOT_FOUND, std::errc::no_such_file_or_directory},
+        {G_IO_ERROR_PERMISSION_DENIED, std::errc::permission_denied},
+        {G_IO_ERROR_READ_ONLY, std::errc::read_only_file_system},
+        {G_IO_ERROR_NO_SPACE, std::errc::no_space_on_device},
+        {G_IO_ERROR_FILENAME_TOO_LONG, std::errc::filename_too_long},
+        {G_IO_ERROR_NOT_SUPPORTED, std::errc::not_supported},
+    };
+    for (const auto& [code, meaning] : kErrors) {
+        if (g_error_matches(&error, G_IO_ERROR, code) != FALSE) {
+            return std::make_error_code(meaning);
+        }
+    }
+    return std::make_error_code(std::errc::io_error);
 }
 
 bool isExecutable(const fs::file_status& status) {
@@ -44,71 +60,85 @@ bool isExecutable(const fs::file_status& status) {
 
 /// Has the desktop's own opener, or else GIO's, open an address or a file. As programs they give
 /// the application a session of its own, and nothing that they wait for holds this process.
-bool openWithDefaultApplication(const std::string& target) {
+std::error_code openWithDefaultApplication(const std::string& target) {
+    std::error_code error;
     const auto deadline = std::chrono::steady_clock::now() + kLongestOpening;
     const std::vector<std::string> commands[] = {{"xdg-open", target}, {"gio", "open", target}};
     for (const auto& command : commands) {
-        auto status = startChildProcess(command);
-        if (!status.valid()) {
+        std::future<int> status;
+        error = startChildProcess(command, status);
+        if (error) {
             continue;
         }
         if (status.wait_until(deadline) != std::future_status::ready) {
             log("%@ has not ended after %@ seconds and may not have opened %@",
                 {command.front(), std::to_string(kLongestOpening.count()), target});
-            return true;
+            return {};
         }
         if (status.get() == 0) {
-            return true;
+            return {};
         }
+        error = std::make_error_code(std::errc::not_supported); // by what it was given
     }
-    return false;
+    return error;
 }
 
-/// Undoes the move of an item to the Trash when no note lies beside it that says where it came
-/// from: GIO goes on when it cannot write one, on a full disk for example. Gives whether it did.
+/// Undoes the move of an item to the Trash when no trashinfo file lies beside it that says where it
+/// came from: GIO goes on when it cannot write one, on a full disk for example. Whether it did.
 /// @param item the item, open since before the move, which tells where it is now.
-bool undoMoveWithoutNote(const FileDescriptor& item, const fs::path& origin) {
+bool undoMoveWithoutInfo(const FileDescriptor& item, const fs::path& origin) {
     std::error_code error;
     const auto link = fs::path("/proc/self/fd") / std::to_string(item.get());
     const fs::path trashed = fs::read_symlink(link, error);
-    fs::path note = trashed.parent_path().parent_path() / "info" / trashed.filename();
-    note += ".trashinfo";
-    if (error || fs::file_size(note, error) > 0 || error ||
+    fs::path info = trashed.parent_path().parent_path() / "info" / trashed.filename();
+    info += ".trashinfo";
+    if (error || fs::file_size(info, error) > 0 || error ||
         ::renameat2(AT_FDCWD, trashed.c_str(), AT_FDCWD, origin.c_str(), RENAME_NOREPLACE) != 0) {
         return false;
     }
-    ::unlink(note.c_str());
+    ::unlink(info.c_str());
     return true;
 }
 
 } // namespace
 
-bool moveToTrash(const fs::path& item) {
+std::error_code moveToTrash(const fs::path& item) {
     // GIO takes a relative data directory, which is not valid, as one below the working directory.
     if (g_path_is_absolute(g_get_user_data_dir()) == FALSE) {
-        return false;
+        return std::make_error_code(std::errc::invalid_argument);
     }
     const FileDescriptor opened(::open(item.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
-    return opened.isOpen() && g_file_trash(fileFor(item).get(), nullptr, nullptr) != FALSE &&
-           !undoMoveWithoutNote(opened, item);
+    if (!opened.isOpen()) {
+        return lastError();
+    }
+    GError* refusal = nullptr;
+    if (g_file_trash(fileFor(item).get(), nullptr, &refusal) == FALSE) {
+        const Handle<GError, g_error_free> owned(refusal);
+        return errorOf(*refusal);
+    }
+    return undoMoveWithoutInfo(opened, item) ? std::make_error_code(std::errc::no_space_on_device)
+                                             : std::error_code();
 }
 
-bool openFile(const fs::path& file) {
+std::error_code openFile(const fs::path& file) {
     // What cannot be looked at is not opened: some other application would get it.
     std::error_code error;
     const auto status = fs::status(file, error);
     if (error) {
-        return false;
+        return error;
     }
     const bool isBundle = file.extension() == ".app" && fs::is_directory(status);
     const fs::path program = isBundle ? Bundle::executableOf(file) : file;
     if (isExecutable(isBundle ? fs::status(program, error) : status)) {
-        return startChildProcess({program.native()}).valid();
+        return startChildProcess({program.native()});
     }
-    return !isBundle && openWithDefaultApplication(file.native());
+    if (isBundle) {
+        return error ? error : std::make_error_code(std::errc::permission_denied);
+    }
+    return openWithDefaultApplication(file.native());
 }
 
-bool openAddress(const std::string& address) {
+std::error_code openAddress(const std::string& address) {
     return openWithDefaultApplication(address);
 }
 

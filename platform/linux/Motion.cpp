@@ -1,6 +1,6 @@
 #include "platform/Motion.h"
 
-#include <memory>
+#include "base/Handle.h"
 
 #include <gio/gio.h>
 
@@ -11,14 +11,12 @@ bool wantsReducedMotion() {
     constexpr const char* kKey = "enable-animations";
     // Asking for settings without their schema, or for a key that it lacks, would end the process.
     GSettingsSchemaSource* const source = g_settings_schema_source_get_default();
-    const std::unique_ptr<GSettingsSchema, decltype(&g_settings_schema_unref)> schema(
-        source != nullptr ? g_settings_schema_source_lookup(source, kSchema, TRUE) : nullptr,
-        g_settings_schema_unref);
+    const base::Handle<GSettingsSchema, g_settings_schema_unref> schema(
+        source != nullptr ? g_settings_schema_source_lookup(source, kSchema, TRUE) : nullptr);
     if (!schema || g_settings_schema_has_key(schema.get(), kKey) == FALSE) {
         return false;
     }
-    const std::unique_ptr<GSettings, decltype(&g_object_unref)> settings(g_settings_new(kSchema),
-                                                                         g_object_unref);
+    const base::Handle<GSettings, g_object_unref> settings(g_settings_new(kSchema));
     return g_settings_get_boolean(settings.get(), kKey) == FALSE;
 }
 

@@ -2,11 +2,8 @@
 
 #include "platform/File.h"
 
-#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
-#include <system_error>
-#include <utility>
 
 #include <sys/stat.h>
 
@@ -37,13 +34,10 @@ std::optional<fs::path> configurationDirectory() {
     return std::nullopt;
 }
 
-fs::path fileOf(const fs::path& directory, const std::string& domain) {
-    return directory / (domain + ".conf");
-}
-
 void makeDirectory(const fs::path& directory) {
     std::error_code error;
     fs::create_directories(directory.parent_path(), error);
+    // Whether it was there already, or cannot be made, shows when a file in it is opened.
     ::mkdir(directory.c_str(), 0700);
 }
 
@@ -87,14 +81,17 @@ std::string contentWith(std::string_view content, std::string_view key, std::str
 
 } // namespace
 
-UserDefaults::UserDefaults(std::string domain) : domain_(std::move(domain)) {}
+UserDefaults::UserDefaults(const std::string& domain) {
+    if (const auto directory = configurationDirectory()) {
+        file_ = *directory / (domain + ".conf");
+    }
+}
 
 std::optional<std::string> UserDefaults::text(std::string_view key) const {
-    const auto directory = configurationDirectory();
-    const auto content =
-        directory ? readRegularFile(fileOf(*directory, domain_), kLargestFile) : std::nullopt;
+    std::error_code ignored; // what cannot be read holds no values
+    const auto content = readRegularFile(file_, kLargestFile, ignored);
     std::optional<std::string> text;
-    forEachLine(content ? std::string_view(*content) : "", [&](std::string_view line) {
+    forEachLine(content, [&](std::string_view line) {
         if (const auto value = valueOf(line, key); value && !text) {
             text.emplace(*value);
         }
@@ -107,27 +104,27 @@ std::optional<base::Timestamp> UserDefaults::date(std::string_view key) const {
     return value ? base::timestampFromText(*value) : std::nullopt;
 }
 
-bool UserDefaults::setDate(std::string_view key, base::Timestamp moment) const {
-    const auto directory = configurationDirectory();
-    if (!directory) {
-        return false;
+std::error_code UserDefaults::setDate(std::string_view key, base::Timestamp moment) const {
+    if (file_.empty()) {
+        return std::make_error_code(std::errc::no_such_file_or_directory);
     }
-    makeDirectory(*directory);
-    const fs::path file = fileOf(*directory, domain_);
+    makeDirectory(file_.parent_path());
     std::error_code error;
-    auto content = readRegularFile(file, kLargestFile);
-    if (!content && fs::symlink_status(file, error).type() == fs::file_type::not_found) {
-        content.emplace();
+    const auto content = readRegularFile(file_, kLargestFile, error);
+    std::error_code ignored;
+    // A link that leads nowhere is no missing file: what it should lead to holds other values.
+    if (error && fs::symlink_status(file_, ignored).type() != fs::file_type::not_found) {
+        return error;
     }
-    return content && replaceFile(file, contentWith(*content, key, base::timestampText(moment)));
+    return replaceFile(file_, contentWith(content, key, base::timestampText(moment)));
 }
 
 FileLock UserDefaults::lock() const {
-    const auto directory = configurationDirectory();
-    if (directory) {
-        makeDirectory(*directory);
+    if (file_.empty()) {
+        return FileLock({}); // which says that there is no such file
     }
-    return FileLock(directory ? *directory / (domain_ + ".lock") : fs::path());
+    makeDirectory(file_.parent_path());
+    return FileLock(fs::path(file_).replace_extension(".lock"));
 }
 
 } // namespace platform

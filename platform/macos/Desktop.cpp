@@ -6,16 +6,26 @@
 
 namespace platform::desktop {
 
-bool moveToTrash(const std::filesystem::path& item) {
-    return QFile::moveToTrash(QString::fromStdString(item.native()));
+namespace {
+
+/// Qt tells no more than whether it was done.
+std::error_code errorUnless(bool done) {
+    return done ? std::error_code() : std::make_error_code(std::errc::io_error);
 }
 
-bool openFile(const std::filesystem::path& file) {
-    return QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(file.native())));
+} // namespace
+
+std::error_code moveToTrash(const std::filesystem::path& item) {
+    return errorUnless(QFile::moveToTrash(QString::fromStdString(item.native())));
 }
 
-bool openAddress(const std::string& address) {
-    return QDesktopServices::openUrl(QUrl(QString::fromStdString(address)));
+std::error_code openFile(const std::filesystem::path& file) {
+    return errorUnless(
+        QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(file.native()))));
+}
+
+std::error_code openAddress(const std::string& address) {
+    return errorUnless(QDesktopServices::openUrl(QUrl(QString::fromStdString(address))));
 }
 
 } // namespace platform::desktop

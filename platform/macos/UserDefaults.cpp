@@ -1,35 +1,30 @@
 #include "platform/UserDefaults.h"
 
-#include <utility>
-
 #include <QDateTime>
 #include <QDir>
 #include <QSettings>
-#include <QStandardPaths>
 #include <QVariant>
 
 namespace platform {
 namespace {
 
-// Qt derives the native domain from "<organisation domain reversed>.<application>"; a domain with a
-// path of its own is addressed by the property list's file.
-QString fileOf(const std::string& domain, const char* suffix) {
-    return QStandardPaths::writableLocation(QStandardPaths::HomeLocation) +
-           QStringLiteral("/Library/Preferences/") + QString::fromStdString(domain) +
-           QLatin1String(suffix);
+QSettings settingsIn(const std::filesystem::path& file) {
+    return {QString::fromStdString(file.native()), QSettings::NativeFormat};
 }
 
-QVariant valueOf(const std::string& domain, std::string_view key) {
-    const QSettings settings(fileOf(domain, ".plist"), QSettings::NativeFormat);
-    return settings.value(QString::fromUtf8(key.data(), static_cast<qsizetype>(key.size())));
+QString nameOf(std::string_view key) {
+    return QString::fromUtf8(key.data(), static_cast<qsizetype>(key.size()));
 }
 
 } // namespace
 
-UserDefaults::UserDefaults(std::string domain) : domain_(std::move(domain)) {}
+// Qt derives the native domain from "<organisation domain reversed>.<application>"; a domain with a
+// path of its own is addressed by the property list's file.
+UserDefaults::UserDefaults(const std::string& domain)
+    : file_(QDir::homePath().toStdString() + "/Library/Preferences/" + domain + ".plist") {}
 
 std::optional<std::string> UserDefaults::text(std::string_view key) const {
-    const QVariant value = valueOf(domain_, key);
+    const QVariant value = settingsIn(file_).value(nameOf(key));
     if (!value.canConvert<QString>()) {
         return std::nullopt;
     }
@@ -37,7 +32,7 @@ std::optional<std::string> UserDefaults::text(std::string_view key) const {
 }
 
 std::optional<base::Timestamp> UserDefaults::date(std::string_view key) const {
-    const QVariant value = valueOf(domain_, key);
+    const QVariant value = settingsIn(file_).value(nameOf(key));
     const QDateTime date =
         value.userType() == QMetaType::QDateTime ? value.toDateTime() : QDateTime();
     if (!date.isValid()) {
@@ -46,17 +41,19 @@ std::optional<base::Timestamp> UserDefaults::date(std::string_view key) const {
     return base::Timestamp(std::chrono::milliseconds(date.toMSecsSinceEpoch()));
 }
 
-bool UserDefaults::setDate(std::string_view key, base::Timestamp moment) const {
-    QSettings settings(fileOf(domain_, ".plist"), QSettings::NativeFormat);
+std::error_code UserDefaults::setDate(std::string_view key, base::Timestamp moment) const {
+    QSettings settings = settingsIn(file_);
     const auto milliseconds = std::chrono::floor<std::chrono::milliseconds>(moment);
-    settings.setValue(QString::fromUtf8(key.data(), static_cast<qsizetype>(key.size())),
+    settings.setValue(nameOf(key),
                       QDateTime::fromMSecsSinceEpoch(milliseconds.time_since_epoch().count()));
     settings.sync();
-    return settings.status() == QSettings::NoError;
+    // It tells no more than that.
+    return settings.status() == QSettings::NoError ? std::error_code()
+                                                   : std::make_error_code(std::errc::io_error);
 }
 
 FileLock UserDefaults::lock() const {
-    return FileLock(fileOf(domain_, ".lock").toStdString());
+    return FileLock(std::filesystem::path(file_).replace_extension(".lock"));
 }
 
 } // namespace platform

@@ -103,6 +103,8 @@ class StartTest(TestCase):
     def test_without_memory_it_aborts_and_says_so_if_it_can(self):
         stage = self.make_stage()
         stage.run({"PATH": "/usr/bin"})
+        with (stage.config / f"{HELPER_DOMAIN}.conf").open("a", encoding="utf-8") as file:
+            file.write("x" * 60000)  # one large piece of memory, which leaves some where it fails
         ends = set()
         for kibibytes in range(192, 480, 8):  # with far less, the linker ends it
             result = subprocess.run(["prlimit", f"--data={kibibytes * 1024}", stage.program()], text=True,

@@ -17,7 +17,7 @@ void fuzz(std::string_view input) {
     const auto before = defaults.date(kKey);
     require(!before || defaults.text(kKey) == base::timestampText(*before));
     const auto other = defaults.text("other");
-    if (defaults.setDate(kKey, moment)) {
+    if (!defaults.setDate(kKey, moment)) {
         require(defaults.date(kKey) == moment);
         require(defaults.text("other") == other);
     } else {

@@ -35,7 +35,7 @@ TEST_F(UserDefaultsTest, KeepADateAndAllOtherLines) {
     };
     for (const auto& [before, after] : rows) {
         test::writeFile(file_, before);
-        ASSERT_TRUE(defaults_.setDate("key", moment_));
+        ASSERT_EQ(defaults_.setDate("key", moment_), std::error_code());
         EXPECT_EQ(test::readFile(file_), after);
         EXPECT_EQ(defaults_.date("key"), moment_);
     }
@@ -53,22 +53,29 @@ TEST_F(UserDefaultsTest, ReadTextsAsTheyStand) {
 }
 
 TEST_F(UserDefaultsTest, DoWithoutAHome) {
-    for (const char* home : {"", "relative", "/dev/null", "/proc/no-such-home"}) {
+    const std::pair<const char*, std::errc> rows[] = {
+        {"", std::errc::no_such_file_or_directory},
+        {"relative", std::errc::no_such_file_or_directory},
+        {"/dev/null", std::errc::not_a_directory},
+        {"/proc/no-such-home", std::errc::no_such_file_or_directory},
+    };
+    for (const auto& [home, reason] : rows) {
         setenv("XDG_CONFIG_HOME", home, 1);
         setenv("HOME", home, 1);
-        EXPECT_EQ(defaults_.text("key"), std::nullopt) << home;
-        EXPECT_FALSE(defaults_.setDate("key", moment_)) << home;
-        EXPECT_EQ(defaults_.lock().state(), FileLock::State::Unavailable) << home;
+        const UserDefaults defaults("com.example.test");
+        EXPECT_EQ(defaults.text("key"), std::nullopt) << home;
+        EXPECT_EQ(defaults.setDate("key", moment_), reason) << home;
+        EXPECT_EQ(defaults.lock().error(), reason) << home;
     }
 }
 
 TEST_F(UserDefaultsTest, AreLockedByOneAtATime) {
     {
         const FileLock first = defaults_.lock();
-        EXPECT_EQ(first.state(), FileLock::State::Held);
-        EXPECT_EQ(defaults_.lock().state(), FileLock::State::Taken);
+        EXPECT_EQ(first.error(), std::error_code());
+        EXPECT_EQ(defaults_.lock().error(), std::errc::operation_would_block);
     }
-    EXPECT_EQ(defaults_.lock().state(), FileLock::State::Held);
+    EXPECT_EQ(defaults_.lock().error(), std::error_code());
 }
 
 } // namespace
