@@ -8,7 +8,7 @@
 
 namespace app {
 
-/// Gives the present moment.
+/// A source of the present moment.
 using Clock = std::function<base::Timestamp()>;
 
 /// The system's clock.

@@ -97,6 +97,7 @@ void SubscriptionHelperAppDelegate::startCancellation() noexcept {
         window_->offerRemoval();
         return;
     }
+    // The worker runs by now: the sheet tells of what has begun, and never of what could not.
     window_->beginProgress();
 }
 
@@ -112,6 +113,7 @@ void SubscriptionHelperAppDelegate::cancelSubscriptionAndLaunchUninstaller() noe
     static_cast<void>(HelperUtilities::launchUninstaller());
     postProgress("Moving this helper to the Trash ...");
     static_cast<void>(trashMe());
+    // Waits, so that isRemoving() is true until the window can be used again.
     QMetaObject::invokeMethod(this, &SubscriptionHelperAppDelegate::cancelProgress,
                               Qt::BlockingQueuedConnection);
 }

@@ -57,8 +57,8 @@ class SubscriptionHelperAppDelegate final : public QObject {
     /// Ends the sheet's modal session with return code 1. The sheet stays on the screen and its
     /// spinner turns on.
     void cancelProgress();
-    /// Moves the helper's own bundle to the Trash. Gives false, with one log line, when it could
-    /// not be moved. Any thread.
+    /// Moves the helper's own bundle to the Trash. Any thread.
+    /// @return false, with one log line, when it could not be moved.
     [[nodiscard]] static bool trashMe();
 
     /// Whether a removal worker runs. Any thread.

@@ -28,6 +28,8 @@ void openClosedStreams() {
 /// Loads the application library of the bundle, with all that it needs, and runs it.
 int runApplication(const platform::Bundle& bundle, int argumentCount, char** arguments) {
     const std::filesystem::path library = bundle.frameworksPath() / HELPER_APPLICATION_LIBRARY;
+    // All symbols at once, so that what is missing is missed here and not in the middle of a
+    // removal.
     void* const handle = dlopen(library.c_str(), RTLD_NOW | RTLD_LOCAL);
     void* const function =
         handle != nullptr ? dlsym(handle, "subscriptionHelperApplicationMain") : nullptr;
@@ -39,11 +41,12 @@ int runApplication(const platform::Bundle& bundle, int argumentCount, char** arg
                                                                                     arguments);
 }
 
-/// Answers a question about the program itself, which counts as no run. Gives whether it was one.
-bool answered(std::string_view question) {
-    if (question == "--version") {
+/// Obeys an option that asks about the program itself, which counts as no run.
+/// @return false for anything else.
+bool handleOption(std::string_view option) {
+    if (option == "--version") {
         std::puts("Subscription Helper " HELPER_VERSION);
-    } else if (question == "--help" || question == "-h") {
+    } else if (option == "--help" || option == "-h") {
         std::puts("Usage: \"Subscription Helper\" [--help | --version]\n\n"
                   "Helps a customer to leave " HELPER_PRODUCT_NAME
                   ": shows one window and, on request,\n"
@@ -63,7 +66,7 @@ bool answered(std::string_view question) {
 int main(int argumentCount, char** arguments) {
     openClosedStreams();
     platform::logUncaughtFailures();
-    if (argumentCount == 2 && answered(arguments[1])) {
+    if (argumentCount == 2 && handleOption(arguments[1])) {
         return EXIT_SUCCESS;
     }
     const auto bundle = platform::Bundle::mainBundle();

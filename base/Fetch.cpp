@@ -46,6 +46,8 @@ bool set(CURL* handle, CURLoption option, Value value) {
     return curl_easy_setopt(handle, option, value) == CURLE_OK;
 }
 
+// Options that a library was built without are refused; the transfer does not start then, since
+// each of them bounds what the network can do.
 bool configure(CURL* handle, const URL& url, Transfer& transfer) {
     const FetchLimits& limits = transfer.limits;
     return set(handle, CURLOPT_URL, url.text().c_str()) &&

@@ -1,4 +1,4 @@
-"""Measures what the helper costs against peers, side by side: `bench.py BUILD [--quick] [--row N]`.
+"""Measures what the helper costs against peers, side by side: `bench.py BUILD [--quick]`.
 
 Prints one table. Every figure is the ratio of two medians that were measured in turn in the same run.
 --quick makes few rounds with small inputs, to see that everything works; its figures mean nothing.
@@ -20,8 +20,8 @@ import time
 PROJECT = pathlib.Path(__file__).resolve().parents[1]
 sys.path.insert(0, str(PROJECT / "demo"))
 
-from desktop import desktop, end, wait_for  # noqa: E402
-from stage import Stage, Store, Window  # noqa: E402
+from desktop import desktop, end, wait_for
+from stage import Stage, Store, Window
 
 SUBSCRIPTION = (PROJECT / "bench" / "subscription.xml").read_text()
 

@@ -61,6 +61,3 @@ get_filename_component(HELPER_UNINSTALLER_NAME "${HELPER_UNINSTALLER}" NAME)
 foreach(name PRODUCT_NAME STORE_ID UNINSTALLER_NAME)
     string(REGEX REPLACE "([\\\\\"])" "\\\\\\1" HELPER_${name}_ESCAPED "${HELPER_${name}}")
 endforeach()
-
-# The bundle, assembled in the build folder.
-set(HELPER_BUNDLE "${PROJECT_BINARY_DIR}/Subscription Helper.app")

@@ -50,7 +50,8 @@ std::uintmax_t sizeOf(const fs::path& item) {
 }
 
 /// Copies a file, or a directory with everything in it, to a path where nothing may be. Links stay
-/// links. Gives false, with nothing left at the target, when anything of it could not be copied.
+/// links.
+/// @return false, with nothing left at the target, when anything of it could not be copied.
 bool copyItem(const fs::path& source, const fs::path& target) {
     if (isPresent(target)) {
         return false;

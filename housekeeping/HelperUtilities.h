@@ -16,8 +16,8 @@ class HelperUtilities {
     /// the key gives the key itself.
     [[nodiscard]] static std::string storeID();
 
-    /// Moves a file or bundle to the Trash. Gives false, with the item where it was and nothing
-    /// logged, when the platform refuses.
+    /// Moves a file or bundle to the Trash.
+    /// @return false, with the item where it was and nothing logged, when the platform refuses.
     [[nodiscard]] static bool trash(const std::filesystem::path& path);
 
     /// Starts to clear the download-quarantine mark of a file and returns at once; nobody looks at

@@ -9,18 +9,13 @@
 namespace platform {
 namespace {
 
-#ifdef __APPLE__
-constexpr const char* kExecutableDirectory = "MacOS";
-#else
-constexpr const char* kExecutableDirectory = "Linux";
-#endif
 constexpr const char* kDevelopmentLanguage = "en";
 
 std::filesystem::path executableDirectory(const std::filesystem::path& bundlePath) {
-    return bundlePath / "Contents" / kExecutableDirectory;
+    return bundlePath / "Contents" / HELPER_EXECUTABLE_DIRECTORY;
 }
 
-bool isFile(const std::filesystem::path& path) {
+bool isThere(const std::filesystem::path& path) {
     std::error_code error;
     return std::filesystem::exists(path, error);
 }
@@ -31,7 +26,8 @@ std::optional<Bundle> Bundle::around(const std::filesystem::path& executable) {
     const auto contents = executable.parent_path().parent_path();
     const auto path = contents.parent_path();
     if (!executable.is_absolute() || path.extension() != ".app" ||
-        executable.parent_path() != executableDirectory(path) || !isFile(contents / "Info.plist")) {
+        executable.parent_path() != executableDirectory(path) ||
+        !isThere(contents / "Info.plist")) {
         return std::nullopt;
     }
     return Bundle(path);
@@ -61,13 +57,14 @@ Bundle::pathForAuxiliaryExecutable(std::string_view name) const {
 
 std::optional<std::filesystem::path> Bundle::pathForResource(std::string_view fileName) const {
     const auto resources = path_ / "Contents" / "Resources";
-    if (auto path = resources / fileName; isFile(path)) {
+    // What does not depend on the language lies there, and the user's languages need no look.
+    if (auto path = resources / fileName; isThere(path)) {
         return path;
     }
     auto languages = userLanguages();
     languages.emplace_back(kDevelopmentLanguage);
     for (const auto& language : languages) {
-        if (auto path = resources / (language + ".lproj") / fileName; isFile(path)) {
+        if (auto path = resources / (language + ".lproj") / fileName; isThere(path)) {
             return path;
         }
     }

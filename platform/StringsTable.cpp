@@ -61,6 +61,7 @@ unsigned digitValue(char16_t unit) {
     return unit <= u'9' ? unit - u'0' : (unit | 0x20U) - u'a' + 10U;
 }
 
+/// Reads UTF-16, in which the format's escapes name the halves of a character one by one.
 class Parser {
   public:
     explicit Parser(std::u16string_view text) : text_(text) {}

@@ -9,7 +9,7 @@ import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "demo"))
 
-import stage  # noqa: E402  pylint: disable=wrong-import-position
+import stage
 
 BUILD = os.environ.get("HELPER_BUILD", str(stage.PROJECT / "build" / "dev"))
 SANITIZE = os.environ.get("HELPER_SANITIZE", "")
