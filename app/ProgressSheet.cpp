@@ -12,6 +12,7 @@ constexpr int kOverlap = 8;          // pixels below the message
 
 QWidget* makeBackdrop(QWidget* window) {
     auto* backdrop = new QWidget(window);
+    backdrop->setObjectName(QStringLiteral("backdrop"));
     QPalette shade;
     shade.setColor(QPalette::Window, QColor(0, 0, 0, kBackdropOpacity));
     backdrop->setPalette(shade);

@@ -4,7 +4,7 @@
 #include "store/FastSpringSubscriptionParser.h"
 #include "store/FastSpringUtilities.h"
 #include "tests/support/LoopbackServer.h"
-#include "tests/support/Seams.h"
+#include "tests/support/TestHome.h"
 
 #include <cstdint>
 #include <fstream>

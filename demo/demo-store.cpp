@@ -8,6 +8,7 @@
 #include <functional>
 #include <iostream>
 #include <map>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -15,8 +16,6 @@
 #include <httplib.h>
 
 namespace {
-
-constexpr int kDefaultPort = 8642;
 
 using Operation = std::function<std::string(const httplib::Request&)>;
 using Operations = std::map<std::string, Operation>;
@@ -41,6 +40,12 @@ Operations operationsOf(demo::DemoStore& store, std::chrono::milliseconds delay)
              return demo::orderAnswer(request.get_param_value("orderRef"));
          }},
     };
+}
+
+void serveAnswer(httplib::Server& server, const std::string& answer) {
+    server.Get(".*", [answer](const httplib::Request& /*request*/, httplib::Response& response) {
+        response.set_content(answer, "application/xml");
+    });
 }
 
 void serve(httplib::Server& server, demo::DemoStore& store, const Operations& operations) {
@@ -71,7 +76,7 @@ void serve(httplib::Server& server, demo::DemoStore& store, const Operations& op
 } // namespace
 
 int main(int argumentCount, char** arguments) {
-    int port = kDefaultPort;
+    int port = DEMO_PORT;
     int delay = 0;
     CLI::App command(
         "The demo store service, on the loopback interface. Prints its address and one "
@@ -84,6 +89,8 @@ int main(int argumentCount, char** arguments) {
     command.add_option("--delay", delay, "How many milliseconds a cancellation takes")
         ->check(CLI::Range(0, 20000))
         ->capture_default_str();
+    std::optional<std::string> answer;
+    command.add_option("--answer", answer, "A text that every request is answered by");
     CLI11_PARSE(command, argumentCount, arguments);
 
     demo::DemoStore store;
@@ -94,6 +101,9 @@ int main(int argumentCount, char** arguments) {
         const int yes = 1;
         setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
     });
+    if (answer) {
+        serveAnswer(server, *answer);
+    }
     serve(server, store, operations);
     const std::string host = "127.0.0.1";
     if (port == 0) {

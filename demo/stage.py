@@ -56,11 +56,14 @@ class Stage:
         (self.home / "tmp").mkdir()
         shutil.copytree(pathlib.Path(build) / BUNDLE, self.bundle, symlinks=True)
         shutil.copytree(PROJECT / "demo" / "product" / "Acme Studio", self.product)
-        if reference is not None:
-            self.set_reference(reference)
+        self.set_reference(reference)
 
     def set_reference(self, reference):
-        (self.config / f"{PRODUCT_DOMAIN}.conf").write_text(f"subscriptionReference={reference}\n")
+        """What the product says of its subscription; None for nothing."""
+        file = self.config / f"{PRODUCT_DOMAIN}.conf"
+        file.unlink(missing_ok=True)
+        if reference is not None:
+            file.write_text(f"subscriptionReference={reference}\n")
 
     def environment(self, base=None):
         """The variables of a session of this home's user."""
@@ -156,8 +159,14 @@ class Window:
         """From the main button, which has the focus, to the removal control."""
         self.keys("Tab", "Tab", "space")
 
+    def _id(self):
+        return self._xdotool("search", "--onlyvisible", "--name", f"^{self.title}$")[0]
+
+    def property(self, name):
+        return subprocess.run(["xprop", "-id", self._id(), name], env=self.environment, text=True,
+                              capture_output=True, check=True).stdout
+
     def picture(self):
         """The window's pixels, without its frame."""
-        window = self._xdotool("search", "--onlyvisible", "--name", f"^{self.title}$")[0]
-        return subprocess.run(["import", "-window", window, "ppm:-"], env=self.environment,
+        return subprocess.run(["import", "-window", self._id(), "ppm:-"], env=self.environment,
                               capture_output=True, check=True).stdout

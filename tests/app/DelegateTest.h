@@ -2,15 +2,8 @@
 
 #include "app/SubscriptionHelperAppDelegate.h"
 #include "tests/support/LoopbackServer.h"
-#include "tests/support/Seams.h"
-#include "tests/support/TestBundle.h"
-#include "tests/support/TestHome.h"
+#include "tests/support/Test.h"
 
-#include <filesystem>
-#include <functional>
-#include <string>
-
-#include <gtest/gtest.h>
 #include <QApplication>
 #include <QDialog>
 #include <QPushButton>

@@ -1,10 +1,6 @@
 #include "app/RunThrottle.h"
 
-#include "tests/support/TestHome.h"
-
-#include <chrono>
-
-#include <gtest/gtest.h>
+#include "tests/support/Test.h"
 
 namespace app {
 namespace {
@@ -39,20 +35,18 @@ TEST(RunThrottle, ReadsTheClockForEachBound) {
 TEST(RunThrottle, StoresTheMomentOfARunThatPassesAndOfNoOther) {
     const test::TestHome home;
     const platform::UserDefaults defaults("com.example.throttle");
-    const char* const key = "lastRunUserDefaultKey";
-    EXPECT_TRUE(passRunThrottle(defaults, fixedNow));
-    EXPECT_EQ(defaults.date(key), kNow);
-    const auto later = [](Timestamp::duration by) { return [by] { return kNow + by; }; };
-    EXPECT_FALSE(passRunThrottle(defaults, later(4h - 1us)));
-    EXPECT_EQ(defaults.date(key), kNow);
-    EXPECT_TRUE(passRunThrottle(defaults, later(4h)));
-    EXPECT_EQ(defaults.date(key), kNow + 4h);
-    EXPECT_TRUE(passRunThrottle(defaults, fixedNow)); // the clock was set back
-    EXPECT_EQ(defaults.date(key), kNow);
-
+    Timestamp last = kNow;
+    const std::pair<Timestamp::duration, bool> starts[] = {
+        {0h, true}, {4h - 1us, false}, {4h, true}, {0h, true}, // the clock was set back
+    };
+    for (const auto& [time, passes] : starts) {
+        EXPECT_EQ(passRunThrottle(defaults, [&] { return kNow + time; }), passes);
+        last = passes ? kNow + time : last;
+        EXPECT_EQ(defaults.date("lastRunUserDefaultKey"), last);
+    }
     const auto held = defaults.lock();
-    EXPECT_FALSE(passRunThrottle(defaults, later(8h)));
-    EXPECT_EQ(defaults.date(key), kNow);
+    EXPECT_FALSE(passRunThrottle(defaults, [] { return kNow + 8h; }));
+    EXPECT_EQ(defaults.date("lastRunUserDefaultKey"), last);
 }
 
 } // namespace

@@ -6,10 +6,7 @@
 #include "platform/StringsTable.h"
 #include "tests/app/DelegateTest.h"
 
-#include <algorithm>
-#include <cstdlib>
-#include <string>
-#include <vector>
+#include <set>
 
 #include <QAccessible>
 #include <QImage>
@@ -47,6 +44,21 @@ void expectAllTextsShown(QDialog& window) {
     }
 }
 
+/// Whatever is shown, or told to assistive technology, is a text of the table.
+void expectTextsOf(const StringsTable& table, QWidget& window) {
+    std::set<QString> texts{QString()};
+    for (const auto& [key, text] : table) {
+        texts.insert(QString::fromStdString(text).replace(QLatin1String("%@"),
+                                                          QLatin1String("Acme Studio")));
+    }
+    for (const auto* widget : window.findChildren<QWidget*>()) {
+        for (const char* property : {"text", "accessibleName", "accessibleDescription"}) {
+            EXPECT_EQ(texts.count(widget->property(property).toString()), 1U)
+                << property << " of " << widget->objectName().toStdString();
+        }
+    }
+}
+
 TEST_F(Window, ShowsItsTextsWholeInEveryLanguage) {
     const StringsTable english =
         platform::readStringsTable(fs::path(TEST_RESOURCES) / "en.lproj" / "Localizable.strings");
@@ -76,6 +88,7 @@ TEST_F(Window, ShowsItsTextsWholeInEveryLanguage) {
         ASSERT_NE(window, nullptr);
         EXPECT_EQ(window->windowTitle(), QStringLiteral("Acme Studio"));
         expectAllTextsShown(*window);
+        expectTextsOf(table, *window);
         const auto& remove = child<QPushButton>(*window, "removeButton");
         const auto& close = child<QPushButton>(*window, "mainButton");
         EXPECT_NE(remove.shortcut(), close.shortcut());

@@ -1,7 +1,7 @@
 #include "base/Format.h"
-#include "base/Timestamp.h"
 
-#include <gtest/gtest.h>
+#include "base/Timestamp.h"
+#include "tests/support/Test.h"
 
 namespace base {
 namespace {

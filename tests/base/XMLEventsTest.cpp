@@ -1,10 +1,6 @@
 #include "base/XMLEvents.h"
 
-#include <stdexcept>
-#include <string>
-#include <tuple>
-
-#include <gtest/gtest.h>
+#include "tests/support/Test.h"
 
 namespace base {
 namespace {
@@ -47,7 +43,10 @@ std::string nested(int depth) {
     return document;
 }
 
-TEST(XMLEvents, DeliversTheEventsOfADocument) {
+TEST(XMLEvents, DeliverWhatADocumentHoldsAndNothingElseThatItNames) {
+    const test::TestHome home;
+    const auto secret = (test::TestHome::path() / "secret").native();
+    test::writeFile(secret, "<!ENTITY e 'secret'>");
     const std::pair<std::string, std::string> rows[] = {
         {"", "!"},
         {"no document", "!"},
@@ -59,6 +58,9 @@ TEST(XMLEvents, DeliversTheEventsOfADocument) {
         {"<a/><b/>", "<aa>!"},
         {"<!DOCTYPE a [<!ENTITY e 'own'>]><a>&e;</a>", "<aowna>"},
         {"<a>&undefined;</a>", "<a!"},
+        {"<!DOCTYPE a [<!ENTITY e SYSTEM '" + secret + "'>]><a>1&e;2</a>", "<a12a>"},
+        {"<!DOCTYPE a SYSTEM '" + secret + "'><a>&e;</a>", "<aa>"},
+        {"<!DOCTYPE a [<!ENTITY % p SYSTEM '" + secret + "'>%p;]><a>&e;</a>", "<aa>"},
         {"<a>\xff</a>", "<a!"},
         {std::string("\xff\xfe<\0a\0/\0>\0", 10), "<aa>"},
     };
@@ -70,20 +72,14 @@ TEST(XMLEvents, DeliversTheEventsOfADocument) {
 TEST(XMLEvents, ReadsTheEncodingsOfAFixedListOnly) {
     const std::tuple<const char*, const char*, const char*> rows[] = {
         {"ISO-8859-1", "\xe9", "\u00e9"},
-        {"iso-8859-15", "\xa4", "\u20ac"},
-        {"windows-1252", "\x80", "\u20ac"},
         {"windows-1255", "\xe0\xc7 \xf9\xd1", "\u05d0\u05b7 \u05e9\u05c1"},
         {"Windows-1258", "o\xec", "o\u0301"},
         {"KOI8-R", "\xd0\xd2", "\u043f\u0440"},
-        {"koi8-u", "\xa4", "\u0454"},
         {"utf8", "\u00e9\U0001f600", "\u00e9\U0001f600"},
         {"UTF8", "\xed\xa0\x80", nullptr}, // a surrogate
         {"US-ASCII", "\xe9", nullptr},
-        {"no-such", "", nullptr},
-        {"IBM037", "", nullptr},
         {"UTF-7", "", nullptr},
         {"Shift_JIS", "", nullptr},
-        {"windows-1252//TRANSLIT", "", nullptr},
         {"CP1252", "", nullptr},
     };
     for (const auto& [encoding, text, expected] : rows) {
@@ -112,7 +108,16 @@ TEST(XMLEvents, ReadsALargeDocumentInPartsWithTheSameEvents) {
     EXPECT_EQ(eventsOf(longTag), "<a*1a>");
 }
 
-TEST(XMLEvents, StopsAtTheDeepestNesting) {
+TEST(XMLEvents, StopAtTheDeepestNestingAndTheMostDeclaredAttributes) {
+    const auto declaring = [](int count) {
+        std::string document = "<!DOCTYPE a [";
+        for (int number = 0; number < count; ++number) {
+            document += "<!ATTLIST b c CDATA ''>";
+        }
+        return document + "]><a/>";
+    };
+    EXPECT_EQ(eventsOf(declaring(64)), "<aa>");
+    EXPECT_EQ(eventsOf(declaring(65)), "!");
     EXPECT_EQ(eventsOf(nested(256)).find('!'), std::string::npos);
     EXPECT_EQ(eventsOf(nested(257)).back(), '!');
     EXPECT_EQ(eventsOf(nested(200000)).size(), 256 * 2 + 1);

@@ -14,7 +14,7 @@ from stage import PROJECT, Store, Window
 BRAND = {
     "COMPANY_NAME": "Globex", "PRODUCT_NAME": r"Globex \"Draw\" 3",
     "IDENTIFIER": "org.example.globex.leave", "PRODUCT_DOMAIN": "org.example.globex.draw",
-    "STORE_HOST": "127.0.0.1:8642", "STORE_ID": "globex", "UNINSTALLER": "Remove Globex",
+    "STORE_HOST": "localhost:80", "STORE_ID": "globex", "UNINSTALLER": "Remove Globex",
     "ICON": "globex.svg"}
 
 
@@ -52,10 +52,10 @@ class PackagingTest(TestCase):
                 self.assertIn(message, text)
                 self.assertIn(f"HELPER_{setting}", text)
 
-    def package(self, name):
+    def package(self, name, host):
         """The package of a build of its own."""
         build = self.folder / name
-        environment = os.environ | {"HELPER_BRAND": str(self.brand())}
+        environment = os.environ | {"HELPER_BRAND": str(self.brand(STORE_HOST=host))}
         for command in (["cmake", "--preset", "brand", "-B", build],
                         ["cmake", "--build", build, "--target", "bundle"],
                         ["cpack", "--config", build / "CPackConfig.cmake", "-B", build]):
@@ -63,16 +63,17 @@ class PackagingTest(TestCase):
         return next(build.glob("*.tar.gz"))
 
     def test_a_package_is_the_same_each_time_and_runs_where_it_is_unpacked(self):
-        package = self.package("one")
-        self.assertEqual(package.with_name(package.name + ".sha256").read_text().split(),
-                         [hashlib.sha256(package.read_bytes()).hexdigest(), package.name])
-        self.assertTrue(filecmp.cmp(package, self.package("another folder"), shallow=False))
+        with desktop() as environment, Store(BUILD, "0") as store:
+            host = store.address.split("/")[2]
+            package = self.package("one", host)
+            self.assertEqual(package.with_name(package.name + ".sha256").read_text().split(),
+                             [hashlib.sha256(package.read_bytes()).hexdigest(), package.name])
+            self.assertTrue(filecmp.cmp(package, self.package("another folder", host), shallow=False))
 
-        stage = self.make_stage()
-        shutil.rmtree(stage.bundle)
-        subprocess.run(["tar", "-xzf", package, "-C", stage.applications], check=True)
-        (stage.config / f"{BRAND['PRODUCT_DOMAIN']}.conf").write_text("subscriptionReference=DEMO-1001\n")
-        with desktop() as environment, Store(BUILD) as store:
+            stage = self.make_stage()
+            shutil.rmtree(stage.bundle)
+            subprocess.run(["tar", "-xzf", package, "-C", stage.applications], check=True)
+            (stage.config / f"{BRAND['PRODUCT_DOMAIN']}.conf").write_text("subscriptionReference=DEMO-1001\n")
             process = stage.start(environment)
             window = Window(environment, 'Globex "Draw" 3')
             self.assertTrue(window.wait())
@@ -81,8 +82,7 @@ class PackagingTest(TestCase):
             self.assertTrue(wait_for((stage.home / "removed").exists))
             window.keys("Return")
             _, log = process.communicate(timeout=20)
-            self.assertEqual((process.returncode, log), (0, ""))
-            self.assertEqual(len(store.requests), 2)
+            self.assertEqual((process.returncode, log, len(store.requests)), (0, "", 2))
         self.assertEqual(stage.restore_path(), str(stage.bundle))
         self.assertTrue((stage.config / f"{BRAND['IDENTIFIER']}.conf").exists())
 

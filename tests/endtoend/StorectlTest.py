@@ -112,7 +112,7 @@ class StorectlTest(TestCase):
         self.assertRegex(result.stdout, "(?m)^reason  +invalid_argument$")
 
     def test_a_store_that_cannot_be_reached_is_told_from_one_that_says_no(self):
-        reachable = "nothing answers at http://127.0.0.1:8642/fastspring.php"
+        reachable = "nothing answers at http://127.0.0.1:"
         for words in (("subscription", "A"), ("cancel", "A", "--store", "s"),
                       ("order", "A", "--store", "s")):
             result = run(*words)

@@ -1,14 +1,9 @@
 #include "platform/Log.h"
-#include "platform/UserLanguages.h"
 
-#include <algorithm>
-#include <cstdlib>
-#include <string>
+#include "platform/UserLanguages.h"
+#include "tests/support/Test.h"
 
 #include <unistd.h>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace platform {
 namespace {

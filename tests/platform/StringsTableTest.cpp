@@ -1,10 +1,6 @@
 #include "platform/StringsTable.h"
 
-#include <string>
-#include <utility>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "tests/support/Test.h"
 
 namespace platform {
 namespace {

@@ -1,11 +1,9 @@
 #include "platform/UserDefaults.h"
+#include "platform/File.h"
 
-#include "tests/support/TestHome.h"
+#include "tests/support/Test.h"
 
-#include <filesystem>
-#include <string>
-
-#include <gtest/gtest.h>
+#include <sys/stat.h>
 
 namespace platform {
 namespace {
@@ -32,6 +30,7 @@ TEST_F(UserDefaultsTest, KeepADateAndAllOtherLines) {
         {"other=1", "other=1\nkey=2026-03-15T08:30:00.123456Z\n"},
         {"# note\n\nkey=old\nkeyed=x\nkey=twice\n",
          "# note\n\nkey=2026-03-15T08:30:00.123456Z\nkeyed=x\nkey=twice\n"},
+        {"a\xff\nkey=1780000000", "a\xff\nkey=2026-03-15T08:30:00.123456Z\n"},
     };
     for (const auto& [before, after] : rows) {
         test::writeFile(file_, before);
@@ -52,6 +51,26 @@ TEST_F(UserDefaultsTest, ReadTextsAsTheyStand) {
     EXPECT_EQ(defaults_.date("a"), std::nullopt);
 }
 
+TEST_F(UserDefaultsTest, LeaveAloneWhatTheyCannotReadWhole) {
+    const std::pair<std::function<void()>, std::errc> rows[] = {
+        {[&] { fs::create_directory(file_); }, std::errc::not_supported},
+        {[&] { ASSERT_EQ(mkfifo(file_.c_str(), 0600), 0); }, std::errc::not_supported},
+        {[&] { fs::create_symlink(file_, file_); }, std::errc::too_many_symbolic_link_levels},
+        {[&] { fs::create_symlink("nowhere", file_); }, std::errc::no_such_file_or_directory},
+        {[&] { test::writeFile(file_, std::string(65537, '=')); }, std::errc::file_too_large},
+    };
+    for (const auto& [make, reason] : rows) {
+        fs::remove_all(file_.parent_path());
+        fs::create_directories(file_.parent_path());
+        make();
+        const auto type = fs::symlink_status(file_).type();
+        EXPECT_EQ(defaults_.date("key"), std::nullopt);
+        EXPECT_EQ(defaults_.setDate("key", moment_), reason);
+        EXPECT_EQ(fs::symlink_status(file_).type(), type);
+    }
+    EXPECT_EQ(fs::file_size(file_), 65537U);
+}
+
 TEST_F(UserDefaultsTest, DoWithoutAHome) {
     const std::pair<const char*, std::errc> rows[] = {
         {"", std::errc::no_such_file_or_directory},
@@ -66,6 +85,20 @@ TEST_F(UserDefaultsTest, DoWithoutAHome) {
         EXPECT_EQ(defaults.text("key"), std::nullopt) << home;
         EXPECT_EQ(defaults.setDate("key", moment_), reason) << home;
         EXPECT_EQ(defaults.lock().error(), reason) << home;
+    }
+}
+
+TEST(File, TellsWhyItCannotBeRead) {
+    const std::tuple<const char*, std::size_t, std::errc> rows[] = {
+        {"/proc/self/mem", 100, std::errc::io_error}, // at its start there is nothing
+        {"/proc/self/cmdline", 1, std::errc::file_too_large},
+        {"/dev/zero", 100, std::errc::not_supported},
+        {"/no/such/file", 100, std::errc::no_such_file_or_directory},
+    };
+    for (const auto& [path, limit, reason] : rows) {
+        std::error_code error;
+        EXPECT_EQ(readRegularFile(path, limit, error), "");
+        EXPECT_EQ(error, reason) << path;
     }
 }
 

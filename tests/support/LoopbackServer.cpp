@@ -6,31 +6,20 @@
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
-#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 namespace test {
 namespace {
 
-constexpr int kPollInterval = 20; // milliseconds until a stop is noticed
-
-bool sendAll(int client, std::string_view bytes) {
+/// Sends until the client goes, or until the server shuts the connection down.
+bool sendAll(int client, std::string_view bytes, int pause) {
     while (!bytes.empty()) {
-        const ssize_t sent = ::send(client, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+        const auto sent = ::send(client, bytes.data(), pause > 0 ? 1 : bytes.size(), MSG_NOSIGNAL);
         if (sent <= 0) {
             return false;
         }
         bytes.remove_prefix(static_cast<std::size_t>(sent));
-    }
-    return true;
-}
-
-bool sendSlowly(int client, std::string_view bytes, int pause, const std::atomic<bool>& stopping) {
-    for (std::size_t at = 0; at < bytes.size() && !stopping; ++at) {
-        if (!sendAll(client, bytes.substr(at, 1))) {
-            return false;
-        }
         std::this_thread::sleep_for(std::chrono::milliseconds(pause));
     }
     return true;
@@ -67,7 +56,8 @@ LoopbackServer::LoopbackServer(const Reply& reply)
     : LoopbackServer([reply](const std::string& /*target*/) { return reply; }) {}
 
 LoopbackServer::~LoopbackServer() {
-    stopping_ = true;
+    ::shutdown(listener_, SHUT_RDWR); // ends accept(), and the next what is done for a client
+    ::shutdown(client_, SHUT_RDWR);
     thread_.join();
     ::close(listener_);
 }
@@ -87,23 +77,12 @@ std::vector<std::string> LoopbackServer::heads() const {
     return heads_;
 }
 
-bool LoopbackServer::isReadable(int descriptor) const {
-    pollfd entry{descriptor, POLLIN, 0};
-    while (!stopping_) {
-        if (::poll(&entry, 1, kPollInterval) > 0) {
-            return true;
-        }
-    }
-    return false;
-}
-
 void LoopbackServer::serve() {
-    while (isReadable(listener_)) {
-        const int client = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
-        if (client >= 0) {
-            answer(client);
-            ::close(client);
-        }
+    for (int client = 0; (client = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC)) >= 0;) {
+        client_ = client;
+        answer(client);
+        client_ = -1;
+        ::close(client);
     }
 }
 
@@ -111,7 +90,7 @@ void LoopbackServer::answer(int client) {
     std::string head;
     char bytes[4096];
     while (head.find("\r\n\r\n") == std::string::npos) {
-        const ssize_t got = isReadable(client) ? ::recv(client, bytes, sizeof bytes, 0) : 0;
+        const ssize_t got = ::recv(client, bytes, sizeof bytes, 0);
         if (got <= 0) {
             return;
         }
@@ -122,16 +101,13 @@ void LoopbackServer::answer(int client) {
         heads_.push_back(head);
     }
     const Reply reply = handler_(targetOf(head));
-    bool connected = reply.pause > 0 ? sendSlowly(client, reply.bytes, reply.pause, stopping_)
-                                     : sendAll(client, reply.bytes);
-    while (connected && reply.repeatsForever && !stopping_) {
-        connected = sendAll(client, reply.bytes);
+    while (sendAll(client, reply.bytes, reply.pause) && reply.repeatsForever) {
     }
     if (reply.end == Reply::End::Reset) {
         const linger hard{1, 0};
         ::setsockopt(client, SOL_SOCKET, SO_LINGER, &hard, sizeof hard);
     } else if (reply.end == Reply::End::Silence) {
-        static_cast<void>(isReadable(client));
+        static_cast<void>(::recv(client, bytes, sizeof bytes, 0));
     } else if (reply.end == Reply::End::NextRequest) {
         answer(client);
     }

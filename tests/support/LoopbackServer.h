@@ -45,12 +45,11 @@ class LoopbackServer {
   private:
     void serve();
     void answer(int client);
-    [[nodiscard]] bool isReadable(int descriptor) const;
 
     Handler handler_;
     int listener_ = -1;
     int port_ = 0;
-    std::atomic<bool> stopping_ = false;
+    std::atomic<int> client_ = -1;
     mutable std::mutex mutex_;
     std::vector<std::string> heads_;
     std::thread thread_;

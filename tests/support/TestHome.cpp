@@ -3,7 +3,6 @@
 #include <chrono>
 #include <cstdlib>
 #include <fstream>
-#include <functional>
 #include <iterator>
 #include <stdexcept>
 #include <thread>
@@ -16,8 +15,7 @@ namespace {
 namespace fs = std::filesystem;
 
 /// Made once and removed when the process ends.
-class Directory {
-  public:
+struct Directory {
     Directory() {
         std::string name = (fs::temp_directory_path() / "helper-test-XXXXXX").native();
         if (mkdtemp(name.data()) == nullptr) {
@@ -36,21 +34,10 @@ class Directory {
     fs::path path;
 };
 
-const Directory& directory() {
-    static const Directory directory;
-    return directory;
-}
-
-void waitUntil(const std::function<bool()>& condition) {
-    for (int round = 0; round < 1000 && !condition(); ++round) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-}
-
 } // namespace
 
 TestHome::TestHome() {
-    const fs::path& home = directory().path;
+    const fs::path& home = path();
     setenv("HOME", home.c_str(), 1);
     setenv("XDG_CONFIG_HOME", (home / "config").c_str(), 1);
     setenv("XDG_DATA_HOME", (home / "data").c_str(), 1);
@@ -63,7 +50,8 @@ TestHome::TestHome() {
 }
 
 const fs::path& TestHome::path() {
-    return directory().path;
+    static const Directory directory;
+    return directory.path;
 }
 
 fs::path TestHome::trashedFile(const std::string& name) {
@@ -76,6 +64,28 @@ std::string TestHome::trashInfo(const std::string& name) {
 
 fs::path TestHome::temporaryDirectory() {
     return path() / "tmp" / ("subscription-helper-" + std::to_string(geteuid()));
+}
+
+TestBundle::TestBundle(fs::path path) : path_(std::move(path)) {
+    fs::remove_all(path_);
+    writeFile(path_ / "Contents" / "Info.plist", "<plist/>");
+    withScript(path_.stem(), "exit 0");
+}
+
+fs::path TestBundle::executable(const std::string& name) const {
+    return path_ / "Contents" / "Linux" / name;
+}
+
+void TestBundle::asMainBundle() const {
+    setExecutablePath(executable(path_.stem()));
+}
+
+void TestBundle::withResource(const std::string& name, std::string_view content) const {
+    writeFile(path_ / "Contents" / "Resources" / name, content);
+}
+
+void TestBundle::withScript(const std::string& name, std::string_view commands) const {
+    writeFile(executable(name), "#!/bin/sh\n" + std::string(commands) + "\n", true);
 }
 
 void writeFile(const fs::path& path, std::string_view content, bool executable) {
@@ -91,14 +101,15 @@ std::string readFile(const fs::path& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-bool appears(const fs::path& path) {
-    waitUntil([&] { return fs::exists(path); });
-    return fs::exists(path);
+bool becomesTrue(const std::function<bool()>& condition) {
+    for (int round = 0; round < 1000 && !condition(); ++round) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return condition();
 }
 
-std::string readFileThatGets(const fs::path& path, const std::string& content) {
-    waitUntil([&] { return readFile(path) == content; });
-    return readFile(path);
+bool appears(const fs::path& path) {
+    return becomesTrue([&] { return fs::exists(path); });
 }
 
 } // namespace test

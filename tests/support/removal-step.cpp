@@ -1,7 +1,7 @@
 // Carries out one step of the removal: `removal-step launch|trash BUNDLE`, where BUNDLE takes the
 // place of the program's own bundle.
 #include "housekeeping/HelperUtilities.h"
-#include "tests/support/Seams.h"
+#include "tests/support/TestHome.h"
 
 #include <filesystem>
 #include <string_view>
