@@ -1,20 +1,26 @@
 #include "app/MainWindow.h"
 
-#include "app/Contrast.h"
 #include "app/Localization.h"
 #include "platform/Bundle.h"
 #include "ui_MainWindow.h"
 
+#include <algorithm>
+
+#include <QApplication>
 #include <QCloseEvent>
+#include <QFocusFrame>
 #include <QIcon>
 #include <QKeyEvent>
 #include <QScreen>
 #include <QShortcut>
+#include <QStyle>
 
 namespace app {
 namespace {
 
 constexpr int kIconSide = 64;
+constexpr int kTight = 6;           // margins and spaces on a small screen
+constexpr int kWidth = 540;         // of the window, in which a line has some sixty letters
 constexpr QSize kButtonRoom{20, 6}; // around a button's text, beyond what the style gives
 constexpr double kHeadingScale = 1.5;
 
@@ -51,19 +57,6 @@ void giveRoom(QPushButton& button) {
     button.setMinimumSize(button.sizeHint() + kButtonRoom);
 }
 
-/// Makes the button stand out as the one that is meant by default, in the user's own colours, made
-/// darker or lighter as far as its text needs it to be read.
-void setPrimary(QPushButton& button) {
-    QPalette palette = button.palette();
-    for (const auto group : {QPalette::Active, QPalette::Inactive}) {
-        const QColor text = palette.color(group, QPalette::HighlightedText);
-        palette.setColor(group, QPalette::Button,
-                         readableBackground(palette.color(group, QPalette::Highlight), text));
-        palette.setColor(group, QPalette::ButtonText, text);
-    }
-    button.setPalette(palette);
-}
-
 void setHeading(QLabel& label) {
     QFont font = label.font();
     font.setPointSizeF(font.pointSizeF() * kHeadingScale);
@@ -84,16 +77,18 @@ MainWindow::~MainWindow() = default;
 
 void MainWindow::localize() {
     setLayoutDirection(textDirection());
-    setWindowTitle(QString::fromStdString(productName()));
+    const QString product = QString::fromStdString(productName());
+    setWindowTitle(product);
+    ui_->iconLabel->setAccessibleName(product);
     localizeTexts<QLabel>(*this);
     localizeTexts<QPushButton>(*this);
     localizeAccessibleTexts(*this);
+    setAccessibleDescription(ui_->headingLabel->text());
     ui_->cancelButton->setShortcut(Qt::Key_Escape); // after its text, which resets the shortcut
 }
 
 void MainWindow::setLooks() {
     setHeading(*ui_->headingLabel);
-    setPrimary(*ui_->mainButton);
     for (auto* button : {ui_->removeButton, ui_->cancelButton, ui_->mainButton}) {
         giveRoom(*button);
     }
@@ -106,16 +101,25 @@ void MainWindow::connectControls() {
     connect(ui_->mainButton, &QPushButton::clicked, this, &MainWindow::mainButtonPressed);
     connect(ui_->cancelButton, &QPushButton::clicked, this, &MainWindow::cancelButtonPressed);
     connect(ui_->removeButton, &QPushButton::clicked, this, [this] {
-        setRemovalEnabled(false); // one press is one removal
+        setRemovalOffered(false); // one press is one removal
         emit removalRequested();
+    });
+    // Some styles show no focus on a default button, or none before the first Tab.
+    auto* focusFrame = new QFocusFrame(this);
+    connect(qApp, &QApplication::focusChanged, focusFrame, [=, this](auto* /*old*/, QWidget* now) {
+        auto* const button = qobject_cast<QPushButton*>(now);
+        focusFrame->setWidget(button);
+        if (button != nullptr) {
+            ui_->scrollArea->ensureWidgetVisible(button);
+        }
     });
     const auto* quit = new QShortcut(QKeySequence::Quit, this);
     connect(quit, &QShortcut::activated, this, &MainWindow::quitRequested);
 }
 
 void MainWindow::present() {
-    adjustSize();
-    move(screen()->availableGeometry().center() - rect().center());
+    fit();
+    move(screen()->availableGeometry().center() - QRect({}, size() + frame()).center());
     show();
     raise();
     activateWindow();
@@ -123,17 +127,56 @@ void MainWindow::present() {
 }
 
 void MainWindow::offerRemoval() {
-    setRemovalEnabled(true);
+    setRemovalOffered(true);
 }
 
-void MainWindow::setRemovalEnabled(bool isEnabled) {
-    ui_->removeButton->setEnabled(isEnabled);
-    ui_->cancelButton->setEnabled(isEnabled);
+void MainWindow::setRemovalOffered(bool isOffered) {
+    for (auto* button : {ui_->removeButton, ui_->cancelButton}) {
+        button->setEnabled(isOffered); // assistive technology can press what cannot be seen
+        button->setVisible(isOffered);
+    }
+    ui_->mainButton->setText(localized(isOffered ? "&Keep Subscription" : "&Close"));
+    ui_->mainButton->setAccessibleDescription(localized(
+        isOffered ? "Closes this helper and keeps your subscription." : "Closes this helper."));
+}
+
+/// What a window manager puts round the window, before it has told.
+QSize MainWindow::frame() const {
+    constexpr int kBorders = 8;
+    return {kBorders, kBorders + style()->pixelMetric(QStyle::PM_TitleBarHeight)};
+}
+
+/// Takes the size that its texts need, within the screen; what is beyond it can be scrolled to. The
+/// user cannot change it, as nothing is gained by more and lines would be cut by less.
+void MainWindow::fit() {
+    const QSize room = screen()->availableGeometry().size() - frame();
+    QLayout& layout = *ui_->content->layout();
+    const auto needed = [&] {
+        layout.activate();
+        const int width = std::min(std::max(layout.minimumSize().width(), kWidth), room.width());
+        return QSize(width, layout.totalHeightForWidth(width));
+    };
+    QSize size = needed();
+    if (layout.minimumSize().width() > room.width() || size.height() > room.height()) {
+        ui_->iconLabel->hide();
+        layout.setContentsMargins(kTight, kTight, kTight, kTight);
+        for (QLayout* each : {&layout, static_cast<QLayout*>(ui_->textLayout),
+                              static_cast<QLayout*>(ui_->buttonLayout)}) {
+            each->setSpacing(kTight);
+        }
+        size = needed();
+    }
+    if (layout.minimumSize().width() > room.width()) {
+        ui_->buttonLayout->setDirection(QBoxLayout::TopToBottom);
+        size = needed();
+    }
+    setFixedSize(size.boundedTo(room));
 }
 
 void MainWindow::beginProgress() {
     ui_->spinner->startAnimation();
     ui_->progressSheet->beginSheet(*ui_->content);
+    ui_->progressLabel->setFocus();
 }
 
 void MainWindow::showProgress(const QString& text) {
@@ -142,6 +185,7 @@ void MainWindow::showProgress(const QString& text) {
 
 void MainWindow::endProgress(int returnCode) {
     ui_->progressSheet->endSheet(returnCode);
+    ui_->mainButton->setFocus();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
@@ -155,9 +199,17 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 void MainWindow::keyPressEvent(QKeyEvent* event) {
     // The second button has Escape as its shortcut. While it is disabled the key must do nothing,
     // rather than close the window, as it does in other dialogs.
-    if (!event->matches(QKeySequence::Cancel)) {
-        QDialog::keyPressEvent(event);
+    if (event->matches(QKeySequence::Cancel)) {
+        return;
     }
+    // Return presses the button that has the focus, as people expect who cannot see which is the
+    // default one.
+    auto* button = qobject_cast<QPushButton*>(focusWidget());
+    if (button != nullptr && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)) {
+        button->click();
+        return;
+    }
+    QDialog::keyPressEvent(event);
 }
 
 } // namespace app

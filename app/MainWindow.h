@@ -25,14 +25,17 @@ class MainWindow final : public QDialog {
 
     /// Shows the window in the middle of its screen, in front of whatever the user works in.
     void present();
-    /// Offers the removal (again): its control and the second button can be pressed. A press of the
-    /// former takes both back.
+    /// Offers the removal (again): its control and the second button are there, and the main button
+    /// keeps the subscription. A press of the first takes both away, and the main button is left,
+    /// to close the window.
     void offerRemoval();
-    /// Starts the spinner and shows the sheet, modal for the window, which cannot be closed then.
+    /// Starts the spinner and shows the sheet, modal for the window, which cannot be closed then. Its
+    /// text has the focus.
     void beginProgress();
-    /// Shows `text` on the sheet.
+    /// Shows `text` on the sheet. Assistive technology is told.
     void showProgress(const QString& text);
-    /// Ends the sheet's modal session. The sheet stays on the screen and its spinner turns on.
+    /// Ends the sheet's modal session. The sheet stays on the screen and its spinner turns on; the
+    /// main button has the focus.
     void endProgress(int returnCode);
 
   signals:
@@ -52,7 +55,9 @@ class MainWindow final : public QDialog {
     void localize();
     void setLooks();
     void connectControls();
-    void setRemovalEnabled(bool isEnabled);
+    void setRemovalOffered(bool isOffered);
+    [[nodiscard]] QSize frame() const;
+    void fit();
 
     std::unique_ptr<Ui::MainWindow> ui_;
 };

@@ -1,5 +1,7 @@
 #include "app/ProgressSheet.h"
 
+#include <algorithm>
+
 #include <QEvent>
 #include <QLayout>
 #include <QPalette>
@@ -8,7 +10,6 @@ namespace app {
 namespace {
 
 constexpr int kBackdropOpacity = 90; // of 255: the window stays recognisable, the sheet stands out
-constexpr int kOverlap = 8;          // pixels below the message
 
 QWidget* makeBackdrop(QWidget* window) {
     auto* backdrop = new QWidget(window);
@@ -51,6 +52,13 @@ void ProgressSheet::endSheet(int returnCode) {
     }
 }
 
+bool ProgressSheet::event(QEvent* event) {
+    if (event->type() == QEvent::LayoutRequest) {
+        place(); // another text may need more lines
+    }
+    return QFrame::event(event);
+}
+
 bool ProgressSheet::eventFilter(QObject* watched, QEvent* event) {
     if (watched == parentWidget() && event->type() == QEvent::Resize) {
         place();
@@ -59,15 +67,19 @@ bool ProgressSheet::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void ProgressSheet::place() {
+    QWidget& window = *parentWidget();
     // It covers the message, the content's first item, whole, so that no half lines look out from
     // under it, and leaves the buttons below it visible.
-    const QLayout* layout = content_ ? content_->layout() : nullptr;
-    const QRect message =
-        layout != nullptr ? layout->itemAt(0)->geometry() : parentWidget()->rect();
-    const QRect space(message.left(), 0, message.width(), message.bottom() + kOverlap);
-    setGeometry(space.united({space.topLeft(), minimumSizeHint()}));
+    QRect space = window.rect();
+    if (content_ && content_->layout() != nullptr) {
+        space = content_->layout()->itemAt(0)->geometry();
+        space.moveTopLeft(content_->mapTo(&window, space.topLeft()));
+        space.setHeight(space.height() + content_->layout()->spacing() / 3);
+    }
+    const int height = std::max(space.bottom(), layout()->totalHeightForWidth(space.width()));
+    setGeometry(space.left(), 0, space.width(), height);
     if (backdrop_) {
-        backdrop_->setGeometry(parentWidget()->rect());
+        backdrop_->setGeometry(window.rect());
     }
 }
 

@@ -26,6 +26,7 @@ class ProgressSheet final : public QFrame {
     /// What the last session was ended with; 0 before that.
     [[nodiscard]] int returnCode() const { return returnCode_; }
 
+    bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:

@@ -111,7 +111,10 @@ void SubscriptionHelperAppDelegate::cancelSubscriptionAndLaunchUninstaller() noe
     }
     postProgress("Launching the Uninstaller ...");
     static_cast<void>(HelperUtilities::launchUninstaller());
-    postProgress("Moving this helper to the Trash ...");
+    postProgress(
+        "Moving this helper to the Trash. This is the last step: once you can press Close, you "
+        "are done.\n\nIf your account page opened in the browser, please finish canceling "
+        "there.");
     static_cast<void>(trashMe());
     // Waits, so that isRemoving() is true until the window can be used again.
     QMetaObject::invokeMethod(this, &SubscriptionHelperAppDelegate::cancelProgress,

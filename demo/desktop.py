@@ -9,7 +9,7 @@ import subprocess
 import sys
 import time
 
-SCREEN = "1280x800x24"
+SCREEN = os.environ.get("DEMO_SCREEN", "1280x800") + "x24"
 
 
 def end(process, grace=10):

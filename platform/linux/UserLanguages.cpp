@@ -28,10 +28,14 @@ void appendWithParents(std::vector<std::string>& languages, std::string_view loc
         languages.emplace_back("zh_Hans"); // a locale does not name the script
     }
     // The name becomes that of a directory: one with a slash would lead out of the bundle.
+    const bool isPortuguese = locale.substr(0, 2) == "pt" && locale != "pt_BR";
     while (!locale.empty() && locale.find('/') == std::string_view::npos) {
         languages.emplace_back(locale);
         const auto parent = locale.rfind('_');
         locale = locale.substr(0, parent == std::string_view::npos ? 0 : parent);
+    }
+    if (isPortuguese) {
+        languages.emplace_back("pt_BR"); // better than another language
     }
 }
 

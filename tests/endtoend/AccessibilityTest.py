@@ -1,27 +1,36 @@
-"""What a screen reader finds: the tree of the running helper on the accessibility bus."""
+"""What a screen reader finds, and where it is told that the focus is: the running helper on the accessibility bus."""
 
+import contextlib
 import re
 import subprocess
 import unittest
 
 from support import BUILD, TestCase
-from desktop import desktop, wait_for, wayland_desktop
-from stage import Store
+from desktop import desktop, end, wait_for, wayland_desktop
+from stage import PROJECT, Store
 
 ACCESSIBLE = "org.a11y.atspi.Accessible"
-REMOVE = ("push button", "Cancel Subscription and Remove",
-          "Cancels the subscription, starts the uninstaller and moves this helper to the Trash.")
-WINDOW = {
-    ("dialog", "Acme Studio", ""),
-    ("label", "Leaving Acme Studio?", ""),
-    ("label", "This cancels your subscription at the store and starts the Acme Studio uninstaller. "
-              "The helper itself then moves to the Trash.", ""),
-    ("label", "If the store cannot cancel it, your account page opens in the browser.", ""),
-    REMOVE,
-    ("push button", "Not Now", "Closes this helper and keeps your subscription."),
-    ("push button", "Close", "Closes this helper."),
-    ("frame", "Progress", ""),
-    ("animation", "Working", "")}
+FOCUSED = 1 << 12  # ATSPI_STATE_FOCUSED
+REMOVE = "Cancels the subscription, starts the uninstaller and moves this helper to the Trash."
+
+
+def texts_of(language):
+    """The texts of a language by their keys, as they are shown."""
+    table = (PROJECT / f"resources/{language}.lproj/Localizable.strings").read_text()
+    return {key: text.replace("&", "").replace("%@", "Acme Studio").replace("\\n", "\n")
+            for key, text in re.findall(r'^"(.*)" = "(.*)";$', table, re.MULTILINE)}
+
+
+def window(texts):
+    """Role, name and description of everything in the window."""
+    title = texts["Leave %@?"]
+    return {
+        ("dialog", "Acme Studio", title), ("graphic", "Acme Studio", ""), ("label", title, ""),
+        *(("label", text, "") for key, text in texts.items() if key.startswith(("Your sub", "If the store"))),
+        ("push button", texts["Cancel Subscription and &Remove"], texts[REMOVE]),
+        ("push button", texts["Not Now"], texts["Closes this helper. You can decide later."]),
+        ("push button", texts["&Keep Subscription"], texts["Closes this helper and keeps your subscription."]),
+        ("frame", texts["Progress"], ""), ("animation", texts["Working"], "")}
 
 
 class AccessibilityTest(TestCase):
@@ -37,7 +46,7 @@ class AccessibilityTest(TestCase):
         """Where each role, name and description is found, at a place and all below it."""
         def text(name):
             answer = self.ask(place, "org.freedesktop.DBus.Properties.Get", ACCESSIBLE, name)
-            return re.search(r"<['\"](.*)['\"]>", answer).group(1)
+            return re.search(r"<['\"](.*)['\"]>", answer).group(1).replace("\\n", "\n")
 
         role = re.search("'(.*)'", self.ask(place, f"{ACCESSIBLE}.GetRoleName")).group(1)
         found = {(role, text("Name"), text("Description")): place}
@@ -46,30 +55,43 @@ class AccessibilityTest(TestCase):
             found |= self.tree(child)
         return found
 
-    def check(self, environment):
-        self.environment = environment | {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1"}
+    def focused(self):
+        """The name of what has the focus."""
+        with contextlib.suppress(subprocess.CalledProcessError):  # something has just gone
+            for (_, name, _), place in self.tree().items():
+                if int(re.search(r"uint32 (\d+)", self.ask(place, f"{ACCESSIBLE}.GetState")).group(1)) & FOCUSED:
+                    return name
+        return None
+
+    def check(self, environment, language, has_keyboard):
+        self.environment = environment | {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1", "LANGUAGE": language}
         self.address = re.search("'(.*)'", self.call(
             "--session", "--dest", "org.a11y.Bus", "--object-path", "/org/a11y/bus",
             "--method", "org.a11y.Bus.GetAddress")).group(1)
-        self.stage.forget_last_run()
+        texts = texts_of(language)
         with Store(BUILD, "--delay", "3000"):
-            process = self.stage.start(self.environment)
+            process = subprocess.Popen([self.stage.program()],
+                                       env=self.stage.environment(self.environment) | {
+                                           "LANGUAGE": language, "LC_ALL": "en_US.UTF-8"})
             try:
-                wait_for(lambda: WINDOW <= set(self.tree()))
+                wait_for(lambda: window(texts) <= set(self.tree()))
                 tree = self.tree()
-                self.assertLessEqual(WINDOW, set(tree))
-                self.ask(tree[REMOVE], "org.a11y.atspi.Action.DoAction", "0")
-                self.assertTrue(wait_for(
-                    lambda: ("label", "Canceling your subscription ...", "") in self.tree()))
+                self.assertLessEqual(window(texts), set(tree))
+                if has_keyboard:
+                    self.assertEqual(self.focused(), texts["&Keep Subscription"])
+                remove = ("push button", texts["Cancel Subscription and &Remove"], texts[REMOVE])
+                self.ask(tree[remove], "org.a11y.atspi.Action.DoAction", "0")
+                for key in ("Canceling your subscription ...", "&Close"):
+                    self.assertTrue(wait_for(lambda text=texts[key]: text in (
+                        [self.focused()] if has_keyboard else [name for _, name, _ in self.tree()]), 30), key)
             finally:
-                process.kill()
-                process.communicate()
+                end(process)
 
-    def test_each_control_can_be_found_and_pressed_on_each_kind_of_desktop(self):
-        self.stage = self.make_stage()
+    def test_each_kind_of_desktop_in_two_languages(self):
         with desktop() as x11, wayland_desktop(self.folder / "runtime", x11) as wayland:
-            self.check(x11)
-            self.check(wayland)
+            for number, arguments in enumerate(((x11, "en", True), (x11, "de", True), (wayland, "en", False))):
+                self.stage = self.make_stage(str(number))
+                self.check(*arguments)
 
 
 if __name__ == "__main__":

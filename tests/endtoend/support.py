@@ -35,5 +35,5 @@ class TestCase(unittest.TestCase):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="helper-endtoend-"))
         self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
 
-    def make_stage(self, **options):
-        return stage.Stage(BUILD, self.folder / "home", **options)
+    def make_stage(self, name="home", **options):
+        return stage.Stage(BUILD, self.folder / name, **options)
