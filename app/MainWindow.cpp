@@ -146,10 +146,14 @@ QSize MainWindow::frame() const {
     return {kBorders, kBorders + style()->pixelMetric(QStyle::PM_TitleBarHeight)};
 }
 
+QSize MainWindow::room() const {
+    return screen()->availableGeometry().size() - frame();
+}
+
 /// Takes the size that its texts need, within the screen; what is beyond it can be scrolled to. The
 /// user cannot change it, as nothing is gained by more and lines would be cut by less.
 void MainWindow::fit() {
-    const QSize room = screen()->availableGeometry().size() - frame();
+    const QSize room = this->room();
     QLayout& layout = *ui_->content->layout();
     const auto needed = [&] {
         layout.activate();
@@ -181,6 +185,9 @@ void MainWindow::beginProgress() {
 
 void MainWindow::showProgress(const QString& text) {
     ui_->progressLabel->setText(text);
+    if (const int missing = ui_->progressSheet->missingHeight(); missing > 0) {
+        setFixedHeight(std::min(height() + missing, room().height()));
+    }
 }
 
 void MainWindow::endProgress(int returnCode) {

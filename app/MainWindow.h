@@ -57,6 +57,7 @@ class MainWindow final : public QDialog {
     void connectControls();
     void setRemovalOffered(bool isOffered);
     [[nodiscard]] QSize frame() const;
+    [[nodiscard]] QSize room() const;
     void fit();
 
     std::unique_ptr<Ui::MainWindow> ui_;

@@ -66,20 +66,28 @@ bool ProgressSheet::eventFilter(QObject* watched, QEvent* event) {
     return QFrame::eventFilter(watched, event);
 }
 
+QRect ProgressSheet::messageArea() const {
+    const QLayout* layout = content_ ? content_->layout() : nullptr;
+    if (layout == nullptr) {
+        return parentWidget()->rect();
+    }
+    QRect area = layout->itemAt(0)->geometry();
+    area.moveTopLeft(content_->mapTo(parentWidget(), area.topLeft()));
+    return area.adjusted(0, 0, 0, layout->spacing() / 3);
+}
+
+int ProgressSheet::missingHeight() const {
+    return layout()->totalHeightForWidth(width()) - messageArea().bottom();
+}
+
 void ProgressSheet::place() {
-    QWidget& window = *parentWidget();
     // It covers the message, the content's first item, whole, so that no half lines look out from
     // under it, and leaves the buttons below it visible.
-    QRect space = window.rect();
-    if (content_ && content_->layout() != nullptr) {
-        space = content_->layout()->itemAt(0)->geometry();
-        space.moveTopLeft(content_->mapTo(&window, space.topLeft()));
-        space.setHeight(space.height() + content_->layout()->spacing() / 3);
-    }
-    const int height = std::max(space.bottom(), layout()->totalHeightForWidth(space.width()));
-    setGeometry(space.left(), 0, space.width(), height);
+    const QRect area = messageArea();
+    const int height = std::max(area.bottom(), layout()->totalHeightForWidth(area.width()));
+    setGeometry(area.left(), 0, area.width(), height);
     if (backdrop_) {
-        backdrop_->setGeometry(window.rect());
+        backdrop_->setGeometry(parentWidget()->rect());
     }
 }
 

@@ -21,6 +21,9 @@ class ProgressSheet final : public QFrame {
     /// Ends the modal session. The sheet stays on the screen.
     void endSheet(int returnCode);
 
+    /// By how many pixels its text needs more than the message below it has; less than that where it
+    /// does not.
+    [[nodiscard]] int missingHeight() const;
     /// Whether the modal session runs.
     [[nodiscard]] bool isSessionRunning() const { return !backdrop_.isNull(); }
     /// What the last session was ended with; 0 before that.
@@ -30,6 +33,7 @@ class ProgressSheet final : public QFrame {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
+    [[nodiscard]] QRect messageArea() const;
     void place();
 
     QPointer<QWidget> content_;

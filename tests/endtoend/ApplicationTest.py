@@ -138,7 +138,7 @@ class DesktopTest(TestCase):
         stage = self.make_stage()
         streams = ["sh", "-c", 'exec "$0" <&- >&- 2>&-', stage.program()]
         with Store(BUILD) as store:
-            for key in ("Return", "Escape", "alt+F4", "ctrl+q", "alt+c"):
+            for key in ("Return", "Escape", "alt+F4", "ctrl+q", "alt+k"):
                 with self.subTest(key):
                     process = self.begin(stage, streams if key == "Return" else None)
                     if key == "Return":
@@ -189,7 +189,7 @@ class DesktopTest(TestCase):
             self.window.press_remove()
             self.assertTrue(wait_for(lambda: len(store.requests) == 1))
             (stage.bundle / plist).rename(self.folder / "plist")  # it stays the bundle that it was
-            self.window.keys("alt+F4", "Return", "Escape", "space", "alt+c")  # modal: all ignored
+            self.window.keys("alt+F4", "Return", "Escape", "space", "alt+k", "alt+c")  # modal: all ignored
             self.assertTrue(wait_for(stage.trashed_bundle))
             self.assertTrue(wait_for(stage.note.exists))
             self.assertFalse(stage.product.exists())
