@@ -29,8 +29,8 @@ class MainWindow final : public QDialog {
     /// keeps the subscription. A press of the first takes both away, and the main button is left,
     /// to close the window.
     void offerRemoval();
-    /// Starts the spinner and shows the sheet, modal for the window, which cannot be closed then. Its
-    /// text has the focus.
+    /// Starts the spinner and shows the sheet, modal for the window, which cannot be closed then.
+    /// Its text has the focus.
     void beginProgress();
     /// Shows `text` on the sheet. Assistive technology is told.
     void showProgress(const QString& text);

@@ -21,8 +21,8 @@ class ProgressSheet final : public QFrame {
     /// Ends the modal session. The sheet stays on the screen.
     void endSheet(int returnCode);
 
-    /// By how many pixels its text needs more than the message below it has; less than that where it
-    /// does not.
+    /// By how many pixels its text needs more than the message below it has; less than that where
+    /// it does not.
     [[nodiscard]] int missingHeight() const;
     /// Whether the modal session runs.
     [[nodiscard]] bool isSessionRunning() const { return !backdrop_.isNull(); }

@@ -3,12 +3,13 @@
 
 #include "app/ProgressSheet.h"
 #include "app/Spinner.h"
-#include "tests/app/DelegateTest.h"
+#include "app/SubscriptionHelperAppDelegate.h"
+#include "tests/support/LoopbackServer.h"
+#include "tests/support/Test.h"
 
 #include <pthread.h>
 #include <QAccessible>
 #include <QApplication>
-#include <QDialog>
 #include <QLabel>
 #include <QPushButton>
 #include <QTest>
@@ -18,19 +19,66 @@ namespace {
 
 namespace fs = std::filesystem;
 using app::ProgressSheet;
-using app::SubscriptionHelperAppDelegate;
 using test::httpReply;
-using test::kRecord;
 using test::TestHome;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
 std::vector<QString> announced;
 
-class Removal : public test::DelegateTest {};
+const std::string kRecord =
+    "<subscription><customerUrl>http://127.0.0.1:9/<b>account</b></customerUrl></subscription>";
+
+/// The delegate with its real window, a store on loopback, and a real bundle and Trash. Runs under
+/// demo/desktop.py.
+class Removal : public testing::Test {
+  protected:
+    Removal() {
+        fs::remove_all(TestHome::path() / "data");
+        fs::remove_all(TestHome::temporaryDirectory());
+        bundle_.asMainBundle();
+        bundle_.withResource("Configuration.strings",
+                             "storeid = acme; \"Application Uninstaller\" = Uninstall;");
+        bundle_.withScript("Uninstall", "echo ran > '" + note_.native() + "'");
+        fs::remove(note_);
+        test::writeFile(TestHome::path() / "config" / "com.example.acme-studio.conf",
+                        "subscriptionReference=REF-1\n");
+        test::setStorePort(server_.port());
+    }
+
+    /// The window once the start-up has presented it.
+    QWidget* startUp() {
+        delegate_.awakeFromNib();
+        return QTest::qWaitFor([] { return QApplication::activeWindow() != nullptr; }, 10000)
+                   ? QApplication::activeWindow()
+                   : nullptr;
+    }
+
+    template <class Widget>
+    static Widget& child(QWidget& window, const char* name) {
+        return *window.findChild<Widget*>(QString::fromLatin1(name));
+    }
+
+    void press(QWidget& window) {
+        QTest::mouseClick(&child<QPushButton>(window, "removeButton"), Qt::LeftButton);
+    }
+
+    bool waitUntilRemoved() {
+        return QTest::qWaitFor([this] { return !delegate_.isRemoving(); }, 20000);
+    }
+
+    test::TestHome home_;
+    test::TestBundle bundle_{TestHome::path() / "Applications" / "Subscription Helper.app"};
+    fs::path note_ = TestHome::path() / "note";
+    std::function<test::Reply()> cancelReply_ = [] { return httpReply(kRecord); };
+    test::LoopbackServer server_{[this](const std::string& target) {
+        return target.find("delete") == std::string::npos ? httpReply(kRecord) : cancelReply_();
+    }};
+    app::SubscriptionHelperAppDelegate delegate_;
+};
 
 TEST_F(Removal, GoesThroughItsStepsAndLeavesTheSheetUp) {
-    QDialog* window = startUp();
+    QWidget* window = startUp();
     ASSERT_NE(window, nullptr);
     EXPECT_EQ(delegate_.subscriptionReference(), "REF-1");
     auto& label = child<QLabel>(*window, "progressLabel");
@@ -104,13 +152,13 @@ TEST_F(Removal, GoesThroughItsStepsAndLeavesTheSheetUp) {
     EXPECT_FALSE(child<QPushButton>(*window, "cancelButton").isVisible());
 }
 
-TEST_F(Removal, GoesOnAfterARefusalAndOpensNoAddressThatIsNone) {
+TEST_F(Removal, GoesOnWhateverFailsAndOpensNoAddressThatIsNone) {
     cancelReply_ = [] { return httpReply("<error>refused</error>"); };
     const std::optional<std::string> rows[] = {std::nullopt, "file:///etc/passwd"};
     for (const auto& url : rows) {
         const test::TestBundle bundle(bundle_.path());
         bundle_.withResource("Configuration.strings", "\"Application Uninstaller\" = missing;");
-        fs::remove_all(TestHome::path() / "data");
+        test::writeFile(TestHome::path() / "data" / "Trash", "in the way");
         delegate_.setSubscriptionReference("REF-1");
         delegate_.setCustomerURL(url);
         testing::internal::CaptureStderr();
@@ -120,12 +168,13 @@ TEST_F(Removal, GoesOnAfterARefusalAndOpensNoAddressThatIsNone) {
         ASSERT_TRUE(removed);
         EXPECT_THAT(log, HasSubstr(url ? "Not opened" : "the store named no account page"));
         EXPECT_THAT(log, HasSubstr("Uninstaller is not found at path: (null)"));
-        EXPECT_FALSE(fs::exists(bundle_.path()));
+        EXPECT_THAT(log, HasSubstr("Could not trash '" + bundle_.path().native() + "'"));
+        EXPECT_TRUE(fs::exists(bundle_.path()));
     }
 }
 
 TEST_F(Removal, CanBeStartedAgainWhenThereIsNoThreadForIt) {
-    QDialog* window = startUp();
+    QWidget* window = startUp();
     ASSERT_NE(window, nullptr);
     pthread_attr_t usual;
     pthread_attr_t impossible;
@@ -144,15 +193,6 @@ TEST_F(Removal, CanBeStartedAgainWhenThereIsNoThreadForIt) {
     press(*window);
     EXPECT_TRUE(waitUntilRemoved());
     EXPECT_EQ(server_.targets().size(), 2U);
-}
-
-TEST_F(Removal, LogsABundleThatCannotBeTrashed) {
-    test::writeFile(TestHome::path() / "data" / "Trash", "in the way");
-    testing::internal::CaptureStderr();
-    EXPECT_FALSE(SubscriptionHelperAppDelegate::trashMe());
-    EXPECT_THAT(testing::internal::GetCapturedStderr(),
-                HasSubstr("Could not trash '" + bundle_.path().native() + "'"));
-    EXPECT_TRUE(fs::exists(bundle_.path()));
 }
 
 } // namespace

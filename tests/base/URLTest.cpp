@@ -1,9 +1,17 @@
 #include "base/URL.h"
 
+#include "base/Format.h"
+
 #include "tests/support/Test.h"
 
 namespace base {
 namespace {
+
+TEST(Format, PutsArgumentsInOrderAndSearchesThemNotAgain) {
+    EXPECT_EQ(formatted("%@?f=x&r=%@", {"a%@b", "c"}), "a%@b?f=x&r=c");
+    EXPECT_EQ(formatted("path: %@ %@", {std::nullopt}), "path: (null) (null)");
+    EXPECT_EQ(formatted("100% of %", {"unused"}), "100% of %");
+}
 
 TEST(URL, IsMadeOfWebAddressesExactlyAsTheyStand) {
     for (const std::string text :

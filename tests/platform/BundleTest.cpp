@@ -65,8 +65,13 @@ TEST_F(BundleTest, LooksTextsUpInTheOrderOfLanguages) {
         setenv("LC_ALL", locale, 1);
         EXPECT_EQ(bundle->localizedString("Close"), "\xe5\x85\xb3") << locale;
     }
-    setenv("LC_ALL", "zh_TW.UTF-8", 1);
-    EXPECT_EQ(bundle->localizedString("Close"), "Close it");
+    for (const char* locale : {"zh_TW.UTF-8", "C.UTF-8", "../zh_Hans"}) {
+        setenv("LC_ALL", locale, 1);
+        EXPECT_EQ(bundle->localizedString("Close"), "Close it") << locale;
+    }
+    files.withResource("pt_BR.lproj/Localizable.strings", "\"Close\" = Fechar;");
+    setenv("LC_ALL", "pt_PT@euro", 1);
+    EXPECT_EQ(bundle->localizedString("Close"), "Fechar");
     // A copy directly among the resources goes before every language, and is read anew.
     files.withResource("Localizable.strings", "\"Close\" = \"Any\";");
     EXPECT_EQ(bundle->localizedString("Close"), "Any");

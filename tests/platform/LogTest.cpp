@@ -1,6 +1,5 @@
 #include "platform/Log.h"
 
-#include "platform/UserLanguages.h"
 #include "tests/support/Test.h"
 
 #include <unistd.h>
@@ -8,9 +7,7 @@
 namespace platform {
 namespace {
 
-using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 TEST(Log, WritesOneLineWithControlsAndWhatIsNoTextEscaped) {
     testing::internal::CaptureStderr();
@@ -28,19 +25,6 @@ TEST(Log, WritesOneLineWithControlsAndWhatIsNoTextEscaped) {
             "\\xf4\\x90\\x80\\x80\\xe2\\x80'\n"));
     EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1);
     EXPECT_THAT(line, HasSubstr("[" + std::to_string(getpid()) + "] "));
-}
-
-TEST(UserLanguages, FollowTheOrderOfTheVariablesWithParents) {
-    const auto languages = [](const char* all, const char* language) {
-        setenv("LC_ALL", all, 1);
-        setenv("LANGUAGE", language, 1);
-        return userLanguages();
-    };
-    EXPECT_THAT(languages("de_AT.UTF-8@euro", ""), ElementsAre("de_AT", "de"));
-    EXPECT_THAT(languages("en_US.UTF-8", "pt_BR:fr"),
-                ElementsAre("pt_BR", "pt", "fr", "en_US", "en"));
-    EXPECT_THAT(languages("C.UTF-8", "de"), IsEmpty());
-    EXPECT_THAT(languages("../../etc", ""), IsEmpty());
 }
 
 } // namespace
