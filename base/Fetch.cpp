@@ -71,15 +71,20 @@ bool configure(CURL* handle, const URL& url, Transfer& transfer) {
 
 } // namespace
 
-std::optional<Data> fetch(const URL& url, const FetchLimits& limits) {
+Fetched fetch(const URL& url, const FetchLimits& limits) {
     static const bool ready = curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
     const Handle<CURL, curl_easy_cleanup> handle(ready ? curl_easy_init() : nullptr);
     Transfer transfer{limits, {}, 0};
-    if (!handle || !configure(handle.get(), url, transfer) ||
-        curl_easy_perform(handle.get()) != CURLE_OK) {
-        return std::nullopt;
+    if (!handle || !configure(handle.get(), url, transfer)) {
+        return {std::nullopt, curl_easy_strerror(CURLE_FAILED_INIT)};
     }
-    return std::move(transfer.body);
+    char words[CURL_ERROR_SIZE] = "";
+    set(handle.get(), CURLOPT_ERRORBUFFER, words);
+    const CURLcode code = curl_easy_perform(handle.get());
+    if (code != CURLE_OK) {
+        return {std::nullopt, *words != '\0' ? words : curl_easy_strerror(code)};
+    }
+    return {std::move(transfer.body), {}};
 }
 
 } // namespace base

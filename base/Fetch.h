@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstddef>
 #include <optional>
+#include <string>
 
 namespace base {
 
@@ -18,13 +19,19 @@ struct FetchLimits {
     long redirects = 5;                           ///< how many are followed
 };
 
+/// What became of a fetch.
+struct Fetched {
+    /// The body, whatever the HTTP status; an empty one is data of zero bytes. None when the
+    /// transfer failed, was cut off, or passed a limit.
+    std::optional<Data> data;
+    /// Why there is none, in libcurl's words.
+    std::string failure;
+};
+
 /// Fetches the whole resource at `url` with one HTTP GET on the calling thread, which it blocks
 /// until the body has arrived or the transfer has failed. No headers of its own, no cookies, no
 /// stored credentials, no retry; the proxy settings of the environment hold. Redirects are followed
-/// to `http` and `https` only.
-///
-/// @return the body, whatever the HTTP status; an empty one is data of zero bytes. None when the
-/// transfer failed, was cut off, or passed a limit. May be called from any number of threads.
-[[nodiscard]] std::optional<Data> fetch(const URL& url, const FetchLimits& limits = {});
+/// to `http` and `https` only. May be called from any number of threads.
+[[nodiscard]] Fetched fetch(const URL& url, const FetchLimits& limits = {});
 
 } // namespace base

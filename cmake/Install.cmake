@@ -22,5 +22,10 @@ install(FILES
     DESTINATION ${package_directory})
 install(TARGETS storectl)
 install(FILES tools/storectl.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
-install(FILES tools/storectl.bash-completion RENAME storectl
+set(completions "${PROJECT_BINARY_DIR}/tools/completion")
+install(FILES ${completions}.bash RENAME storectl
     DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions")
+install(FILES ${completions}.zsh RENAME _storectl
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/zsh/site-functions")
+install(FILES ${completions}.fish RENAME storectl.fish
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d")

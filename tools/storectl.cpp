@@ -1,92 +1,112 @@
-// The command line of the store client: asks the store service about a subscription or an order,
-// or parses an answer from a file, and prints one JSON object or a table.
+// The command line of the store client: asks the store service about subscriptions or orders, or
+// parses answers from files, and prints JSON objects or tables.
 
-#include "base/Fetch.h"
-#include "base/URL.h"
 #include "platform/Log.h"
-#include "store/FastSpringOrderParser.h"
-#include "store/FastSpringSubscriptionParser.h"
-#include "store/FastSpringUtilities.h"
-#include "store/ScriptURL.h"
+#include "tools/CommandLine.h"
+#include "tools/Output.h"
 #include "tools/RecordJSON.h"
 
+#include "store/FastSpringOrderParser.h"
+#include "store/FastSpringSubscriptionParser.h"
+#include "store/Request.h"
+
 #include <algorithm>
+#include <chrono>
+#include <csignal>
 #include <fstream>
-#include <functional>
 #include <iostream>
-#include <iterator>
-#include <map>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 
-#include <CLI/CLI.hpp>
+#include <unistd.h>
 
 namespace {
 
 using nlohmann::ordered_json;
+using tools::Command;
+using tools::CommandLine;
+using tools::ExitStatus;
 
-enum ExitStatus : int { kRecord = 0, kNone = 1, kUsage = 2, kFailure = 3 };
-
-/// How the result is printed.
-enum class Format { JSON, Table };
-Format format = Format::JSON;
-
-/// Answers hold any text; what is no UTF-8 must not end the command.
-std::string dumped(const ordered_json& value, int indent) {
-    return value.dump(indent, ' ', false, ordered_json::error_handler_t::replace);
-}
-
-/// One line for each value that is there, its name, such as "orderItems/0/quantity", before it.
-/// Texts stay escaped: a terminal acts on some control characters.
-void printTable(const ordered_json& object) {
-    const auto values = object.flatten();
-    std::size_t width = 0;
-    for (const auto& [name, value] : values.items()) {
-        width = std::max(width, value.is_null() ? 0 : name.size());
-    }
-    for (const auto& [name, value] : values.items()) {
-        if (!value.is_null()) {
-            const std::string text = dumped(value, -1);
-            std::cout << name.substr(1) << std::string(width - name.size() + 2, ' ')
-                      << (value.is_string() ? text.substr(1, text.size() - 2) : text) << "\n";
-        }
-    }
-}
-
-int print(const ordered_json& object, ExitStatus status) {
-    if (format == Format::Table) {
-        printTable(object.contains("record") && object["record"].is_object() ? object["record"]
-                                                                             : object);
-    } else {
-        std::cout << dumped(object, 2) << "\n";
-    }
-    std::cout.flush();
-    return std::cout ? status : kFailure;
-}
-
-/// Tells a store that cannot be reached from one that said no, which a request does not.
-int explained(int status, const char* consequence) {
-    const auto script = base::URL::make(store::scriptURL());
-    if (status == kNone && (!script || !base::fetch(*script))) {
-        std::cerr << "storectl: nothing answers at " << store::scriptURL() << consequence << "\n";
-    }
-    return status;
-}
+/// What is printed for one reference, and the exit status that it gives.
+struct Report {
+    ordered_json object;
+    ExitStatus status;
+};
 
 template <class Record>
-int printRecord(const std::shared_ptr<Record>& record) {
-    return record ? print({{"result", "record"}, {"record", tools::recordJSON(*record)}}, kRecord)
-                  : print({{"result", "none"}, {"record", nullptr}}, kNone);
+Report reportOf(const std::shared_ptr<Record>& record) {
+    if (!record) {
+        return {{{"result", "none"}, {"record", nullptr}}, ExitStatus::None};
+    }
+    return {{{"result", "record"}, {"record", tools::recordJSON(*record)}}, ExitStatus::Record};
 }
 
-int printCancellation(bool confirmed) {
-    return print({{"result", confirmed ? "confirmed" : "refused"}}, confirmed ? kRecord : kNone);
+/// What a parser makes of an answer. The two failures of parsers are results here.
+Report parsed(const std::string& answer, bool isOrder) {
+    const auto failed = [](const char* reason, const std::exception& failure) -> Report {
+        return {{{"result", "failure"}, {"reason", reason}, {"message", failure.what()}},
+                ExitStatus::Failure};
+    };
+    try {
+        return isOrder ? reportOf(store::FastSpringOrderParser(answer).parseOrder())
+                       : reportOf(store::FastSpringSubscriptionParser(answer).parseSubscription());
+    } catch (const std::out_of_range& failure) {
+        return failed("out_of_range", failure);
+    } catch (const std::invalid_argument& failure) {
+        return failed("invalid_argument", failure);
+    }
 }
 
-int printFailure(const char* reason, const std::exception& failure) {
-    return print({{"result", "failure"}, {"reason", reason}, {"message", failure.what()}},
-                 kFailure);
+store::Request requestOf(Command command) {
+    return command == Command::Order    ? store::Request::GetOrder
+           : command == Command::Cancel ? store::Request::DeleteSubscription
+                                        : store::Request::GetSubscription;
+}
+
+Report unsent(const store::Answer& answer) {
+    const std::string message = answer.address + " makes no address; nothing was sent";
+    tools::say(message);
+    return {{{"result", "invalid"}, {"message", message}}, ExitStatus::Usage};
+}
+
+Report unreachable(const store::Answer& answer, Command command) {
+    std::string message = answer.failure;
+    if (command == Command::Cancel) {
+        message += "; it may have been canceled: look the subscription up before canceling again";
+    }
+    tools::say(answer.address + ": " + message);
+    return {{{"result", "unreachable"}, {"record", nullptr}, {"message", message}},
+            ExitStatus::Unreachable};
+}
+
+/// Asks the store service about one reference. With --raw the answer goes out as it came.
+Report ask(const CommandLine& line, const std::string& reference) {
+    const auto start = std::chrono::steady_clock::now();
+    const store::Answer answer =
+        store::ask(requestOf(line.command), reference, tools::limits(line.timeout));
+    if (line.isVerbose) {
+        const std::chrono::duration<double, std::milli> taken =
+            std::chrono::steady_clock::now() - start;
+        tools::say("GET " + answer.address + ": " +
+                   (answer.data ? std::to_string(answer.data->size()) + " bytes" : "no answer") +
+                   " after " + std::to_string(static_cast<int>(taken.count())) + " ms");
+    }
+    if (!answer.isSent) {
+        return unsent(answer);
+    }
+    if (!answer.data) {
+        return unreachable(answer, line.command);
+    }
+    if (line.isRaw) {
+        tools::write(*answer.data);
+        return {nullptr, ExitStatus::Record};
+    }
+    Report report = parsed(*answer.data, line.command == Command::Order);
+    if (line.command == Command::Cancel && report.status != ExitStatus::Failure) {
+        report.object = {{"result", report.status == ExitStatus::Record ? "confirmed" : "refused"}};
+    }
+    return report;
 }
 
 std::string contentOf(const std::string& file) {
@@ -101,92 +121,89 @@ std::string contentOf(const std::string& file) {
         content << input.rdbuf();
     }
     if (input.bad() || (file != "-" && !opened.is_open()) || content.fail()) {
-        throw CLI::FileError("cannot read " + file, CLI::ExitCodes::FileError);
+        throw tools::UsageError("cannot read " + file);
     }
     return content.str();
 }
 
-/// What the command line said.
-struct Arguments {
-    store::Text store;
-    std::string reference;
-    std::string kind;
-    std::string file;
-};
-
-/// Declares the commands; each sets `action` to what is to be done.
-void declareCommands(CLI::App& command, Arguments& arguments, std::function<int()>& action) {
-    command.require_subcommand(1);
-    command.option_defaults()->always_capture_default(false);
-    const auto add = [&](const char* name, const char* help, std::function<int()> run) {
-        CLI::App* sub = command.add_subcommand(name, help);
-        sub->add_option("--format", format, "How the result is printed")
-            ->transform(CLI::CheckedTransformer(
-                std::map<std::string, Format>{{"json", Format::JSON}, {"table", Format::Table}}))
-            ->option_text("json|table");
-        sub->callback([&action, run = std::move(run)] { action = run; });
-        return sub;
-    };
-    const auto addRequest = [&](const char* name, const char* help, std::function<int()> run) {
-        CLI::App* sub = add(name, help, std::move(run));
-        sub->add_option("REF", arguments.reference, "The reference at the store service")
-            ->required();
-        return sub->add_option("--store", arguments.store,
-                               "The store identifier; it is checked for presence and never sent");
-    };
-    addRequest("subscription", "Print a subscription", [&] {
-        return explained(printRecord(store::FastSpringUtilities::subscriptionForStore(
-                             arguments.store, arguments.reference)),
-                         "");
-    });
-    addRequest("cancel", "Cancel a subscription", [&] {
-        return explained(printCancellation(store::FastSpringUtilities::cancelSubscriptionForStore(
-                             arguments.store, arguments.reference)),
-                         "; look the subscription up before you cancel it again");
-    })->required();
-    addRequest("order", "Print an order", [&] {
-        return explained(printRecord(store::FastSpringUtilities::orderForStore(
-                             arguments.store, arguments.reference)),
-                         "");
-    })->required();
-
-    CLI::App* parse = add("parse", "Parse an answer of the store service from a file", [&] {
-        const std::string answer = contentOf(arguments.file);
-        return arguments.kind == "order"
-                   ? printRecord(store::FastSpringOrderParser(answer).parseOrder())
-                   : printRecord(store::FastSpringSubscriptionParser(answer).parseSubscription());
-    });
-    parse->add_option("KIND", arguments.kind, "What the answer describes")
-        ->required()
-        ->check(CLI::IsMember({"subscription", "order"}));
-    parse->add_option("FILE", arguments.file, "The file, or - for standard input")->required();
+/// The references, with those that standard input lists, one a line, in the place of a "-".
+std::vector<std::string> referencesOf(const CommandLine& line) {
+    std::vector<std::string> references;
+    for (const auto& reference : line.references) {
+        if (reference != "-") {
+            references.push_back(reference);
+            continue;
+        }
+        for (std::string listed; std::getline(std::cin, listed);) {
+            references.push_back(listed);
+        }
+    }
+    return references;
 }
 
-int run(int argumentCount, char** words) {
-    CLI::App command("Asks the store service at " + std::string(store::scriptURL()) +
-                     " about subscriptions and orders.\nPrints one JSON object, or a table. Exit "
-                     "status: 0 record or "
-                     "confirmed, 1 none or refused, 2 wrong usage,\n3 the answer cannot be read.");
-    Arguments arguments;
-    std::function<int()> action;
-    declareCommands(command, arguments, action);
-    try {
-        command.parse(argumentCount, words);
-        return action();
-    } catch (const CLI::ParseError& error) {
-        return command.exit(error) == 0 ? kRecord : kUsage;
+bool isConfirmed(std::size_t count) {
+    std::cerr << "storectl: cancel " << count << (count == 1 ? " subscription" : " subscriptions")
+              << "? [y/N] " << std::flush;
+    std::string reply;
+    std::getline(std::cin, reply);
+    return reply == "y" || reply == "Y" || reply == "yes";
+}
+
+/// Asks about each reference in turn; the worst of their statuses is the command's.
+ExitStatus askAbout(const CommandLine& line) {
+    const auto references = referencesOf(line);
+    if (line.command == Command::Cancel && !line.isSure && isatty(STDIN_FILENO) != 0 &&
+        !isConfirmed(references.size())) {
+        throw tools::UsageError("nothing was canceled");
     }
+    // A list has one object a line, also where it turns out to hold one reference only.
+    const bool isList = references.size() != 1 || line.references.front() == "-";
+    const bool showsProgress = references.size() > 1 && isatty(STDERR_FILENO) != 0;
+    ExitStatus worst = ExitStatus::Record;
+    for (std::size_t number = 0; number < references.size(); ++number) {
+        if (showsProgress) {
+            std::cerr << "\r" << number + 1 << " of " << references.size() << std::flush;
+        }
+        const Report report = ask(line, references[number]);
+        worst = std::max(worst, report.status);
+        if (isList && !report.object.is_null()) {
+            ordered_json object{{"reference", references[number]}};
+            object.update(report.object);
+            tools::print(object, line.format, true);
+        } else if (!report.object.is_null() && report.status != ExitStatus::Usage) {
+            tools::print(report.object, line.format, false);
+        }
+    }
+    if (showsProgress) {
+        std::cerr << "\n";
+    }
+    return worst;
+}
+
+ExitStatus run(const CommandLine& line) {
+    if (line.command == Command::None) {
+        return ExitStatus::Record; // a question about itself, which was answered
+    }
+    if (line.command != Command::Parse) {
+        return askAbout(line);
+    }
+    const Report report = parsed(contentOf(line.file), line.kind == "order");
+    tools::print(report.object, line.format, false);
+    return report.status;
 }
 
 } // namespace
 
 int main(int argumentCount, char** words) {
     platform::logUncaughtFailures();
+    std::signal(SIGPIPE, SIG_IGN); // a reader that has gone is an error like a full disk
     try {
-        return run(argumentCount, words);
-    } catch (const std::out_of_range& failure) {
-        return printFailure("out_of_range", failure);
-    } catch (const std::invalid_argument& failure) {
-        return printFailure("invalid_argument", failure);
+        return static_cast<int>(run(tools::readCommandLine(argumentCount, words)));
+    } catch (const tools::UsageError& error) {
+        tools::say(error.what());
+        return static_cast<int>(ExitStatus::Usage);
+    } catch (const tools::OutputError& error) {
+        tools::say(error.what());
+        return static_cast<int>(ExitStatus::Failure);
     }
 }

@@ -1,142 +1,132 @@
 """The command line of the store client, against the demo store."""
 
 import json
+import os
+import pty
+import re
 import subprocess
 import unittest
 
 from support import BUILD, TestCase
 from stage import PROJECT, Store
 
-RECORD, NONE, USAGE, FAILURE = range(4)
-ORDER = ["reference", "status", "statusChangedDate", "isTest", "dueDate", "currency", "referrer",
-         "originIP", "total", "tax", "shipping", "sourceName", "sourceKey", "sourceCampaign",
-         "customerFirstName", "customerLastName", "customerCompany", "customerEmail",
-         "customerPhoneNumber", "purchaserFirstName", "purchaserLastName", "purchaserCompany",
-         "purchaserEmail", "purchaserPhoneNumber", "addressLine1", "addressLine2", "city", "region",
-         "regionCustom", "postalCode", "country", "orderItems", "payments"]
+RECORD, NONE, USAGE, FAILURE, UNREACHABLE = range(5)
+PROGRAM = f"{BUILD}/tools/storectl"
 
 
-def run(*words, given=None):
-    return subprocess.run([f"{BUILD}/tools/storectl", *words], text=True, capture_output=True,
-                          input=given, check=False)
-
-
-def storectl(*words, given=None):
-    result = run(*words, given=given)
-    return result.returncode, json.loads(result.stdout) if result.stdout else result.stderr
+def run(*words, given=""):
+    result = subprocess.run([PROGRAM, *words], text=True, capture_output=True, input=given, check=False)
+    return result.returncode, result.stdout, result.stderr
 
 
 class StorectlTest(TestCase):
-    def test_requests(self):
+    def test_one_question_is_one_request(self):
+        none = {"result": "none", "record": None}
         with Store(BUILD) as store:
-            status, answer = storectl("subscription", "DEMO-1002")
-            self.assertEqual((status, answer["result"]), (RECORD, "record"))
-            self.assertEqual(answer["record"] | {"customerURL": None}, {
-                "reference": "DEMO-1002", "status": "active",
-                "statusChangedDate": "2026-03-15T08:30:00Z", "statusReason": "",
-                "isCancelable": True, "isTest": True, "referrer": None, "sourceName": None,
-                "sourceKey": None, "sourceCampaign": None, "customerFirstName": "Bob",
-                "customerLastName": "Sample & Sons", "customerCompany": "",
-                "customerEmail": "bob@example.com", "customerPhoneNumber": "+1 555 0100",
-                "customerURL": None, "productName": "acme-studio", "quantity": 1,
-                "endDate": "2027-03-15T00:00:00Z"})
-            rows = [
-                (("subscription", "unknown"), NONE, {"result": "none", "record": None}),
-                (("cancel", "DEMO-KEEP", "--store", "acme"), NONE, {"result": "refused"}),
-                (("cancel", "unknown", "--store", "acme"), NONE, {"result": "refused"}),
-                (("cancel", "--store", "acme", "DEMO-1002"), RECORD, {"result": "confirmed"}),
-                (("subscription", "two words"), NONE, {"result": "none", "record": None}),
-            ]
-            for words, status, answer in rows:
-                self.assertEqual(storectl(*words), (status, answer), words)
-            _, answer = storectl("subscription", "DEMO-1002", "--store", "acme")
-            self.assertEqual(answer["record"]["status"], "canceled")
-            self.assertNotIn("two words", "".join(store.requests))
-        self.assertEqual(storectl("subscription", "DEMO-1002")[0], NONE)  # nobody listens
+            for words, status, answer in (
+                    (("subscription", "unknown"), NONE, none),
+                    (("cancel", "DEMO-KEEP"), NONE, {"result": "refused"}),
+                    (("--store", "x", "cancel", "DEMO-1002"), RECORD, {"result": "confirmed"}),
+                    (("order", "unknown", "--store", "x"), NONE, none),
+                    (("order", "ORDER-2003"), FAILURE, {
+                        "result": "failure", "reason": "invalid_argument",
+                        "message": "a container ends without a record to append"})):
+                before = len(store.requests)
+                code, output, errors = run(*words)
+                self.assertEqual((code, json.loads(output), errors), (status, answer, ""), words)
+                self.assertEqual(len(store.requests), before + 1)
+            code, output, errors = run("subscription", "DEMO-1002", "-v", "--timeout", "5")
+            self.assertEqual(json.loads(output)["record"]["status"], "canceled")
+            self.assertRegex(errors, r"^storectl: GET http\S+DEMO-1002: \d+ bytes after \d+ ms\n$")
+            self.assertIn("<reference>DEMO-1001</reference>", run("subscription", "DEMO-1001", "--raw")[1])
+            before = len(store.requests)
+            code, output, errors = run("order", "two words")
+            self.assertEqual((code, output, len(store.requests)), (USAGE, "", before))
+            self.assertRegex(errors, r"^storectl: .*two words makes no address; nothing was sent\n$")
+        for words, advice in ((("subscription", "A"), ""), (("cancel", "A"), "may have been canceled")):
+            code, output, errors = run(*words)
+            answer = json.loads(output)
+            self.assertEqual((code, answer["result"], answer["record"]), (UNREACHABLE, "unreachable", None))
+            self.assertIn("Couldn't connect", answer["message"])
+            self.assertIn(advice, errors)
 
-    def test_orders(self):
-        with Store(BUILD):
-            status, answer = storectl("order", "ORDER-2001", "--store", "acme")
-            order = answer["record"]
-            self.assertEqual((status, list(order)), (RECORD, ORDER))
-            self.assertEqual((order["total"], order["purchaserFirstName"], order["country"],
-                              order["dueDate"]), (119, "Paul", "US", None))
-            self.assertEqual(order["orderItems"], [
-                {"productDisplay": "Acme Colours", "productName": "acme-colours", "quantity": 3,
-                 "subscriptionReference": "DEMO-1002"}])
-            self.assertEqual(order["payments"], [
-                {"status": "completed", "statusChangedDate": "2026-02-01T10:15:30Z",
-                 "methodType": "creditcard", "declinedReason": "", "currency": "EUR",
-                 "total": 119}])
-            status, answer = storectl("order", "ORDER-2003", "--store", "acme")
-            self.assertEqual((status, answer["reason"]), (FAILURE, "invalid_argument"))
-            self.assertEqual(storectl("order", "unknown", "--store", "acme")[0], NONE)
-            self.assertEqual(storectl("order", "ORDER-2001")[0], USAGE)
-        status, answer = storectl("parse", "order", "-", given="<order><payments>")
-        self.assertEqual((status, answer["record"]["payments"]), (RECORD, []))
-        self.assertIsNone(answer["record"]["orderItems"])
+    def test_several_references_have_a_line_each_and_the_worst_status(self):
+        with Store(BUILD) as store:
+            code, output, _ = run("subscription", "DEMO-1001", "-", "a b", given="unknown\nDEMO-KEEP\n")
+            lines = [json.loads(line) for line in output.splitlines()]
+            self.assertEqual([(line["reference"], line["result"]) for line in lines], [
+                ("DEMO-1001", "record"), ("unknown", "none"), ("DEMO-KEEP", "record"), ("a b", "invalid")])
+            self.assertEqual(code, USAGE)
+            # A terminal is shown how far it is, and asked before something is canceled.
+            ours, terminal = pty.openpty()
+            os.write(ours, b"n\n")
+            with os.fdopen(ours, "rb", 0) as screen:
+                for words in (("subscription", "DEMO-1001", "DEMO-KEEP"), ("cancel", "DEMO-1001")):
+                    subprocess.run([PROGRAM, *words], stdin=terminal, stderr=terminal, check=False,
+                                   stdout=subprocess.DEVNULL)
+                shown = screen.read(1000).decode()
+            os.close(terminal)
+            self.assertIn("1 of 2\r2 of 2\r\n", shown)
+            self.assertRegex(shown, r"cancel 1 subscription\? \[y/N\] (.|\n)*nothing was canceled")
+            self.assertFalse([line for line in store.requests if "delete" in line])
 
-    def test_parse(self):
+    def test_what_is_parsed_and_printed(self):
         file = self.folder / "answer.xml"
         file.write_text("<subscription><quantity>-1</quantity><status>&quot;\u00e9</status>")
-        status, answer = storectl("parse", "subscription", str(file))
-        self.assertEqual(status, RECORD)
-        self.assertEqual(answer["record"]["quantity"], 18446744073709551615)
-        self.assertEqual(answer["record"]["status"], '"\u00e9')
-        none = {"result": "none", "record": None}
-        self.assertEqual(storectl("parse", "subscription", "-", given=""), (NONE, none))
-        status, answer = storectl("parse", "subscription", "-", given="<a><end/></a>")
-        self.assertEqual((status, answer["result"], answer["reason"]),
-                         (FAILURE, "failure", "out_of_range"))
-        self.assertTrue(answer["message"])
+        code, output, _ = run("parse", "subscription", str(file))
+        record = json.loads(output)["record"]
+        self.assertEqual((code, record["quantity"], record["status"]), (RECORD, 18446744073709551615, '"\u00e9'))
+        self.assertEqual(run("parse", "subscription", "-")[0], NONE)
+        self.assertEqual(json.loads(run("parse", "order", "-", given="<a><total/><statusChanged/></a>")[1])["reason"],
+                         "out_of_range")
+        code, output, _ = run("parse", "--format", "table", "order", "-", given="<order><total>7</total>"
+                              "<city>a\n\"</city><orderItems><orderItem><quantity>1</quantity>"
+                              "</orderItem></orderItems></order>")
+        self.assertEqual([line.split(None, 1) for line in output.splitlines()], [
+            ["isTest", "false"], ["total", "7"], ["city", 'a\\n\\"'], ["orderItems/0/quantity", "1"]])
+        for reader, reason in (("/dev/full", "No space left"), (None, "Broken pipe")):
+            pipe = os.pipe()
+            os.close(pipe[0])
+            with open(reader, "wb") if reader else os.fdopen(pipe[1], "wb") as output:
+                result = subprocess.run([PROGRAM, "parse", "order", "-"], input=b"<order/>", stdout=output,
+                                        stderr=subprocess.PIPE, check=False)
+            self.assertEqual(result.returncode, FAILURE)
+            self.assertIn(b"storectl: the result cannot be written: " + reason.encode(), result.stderr)
 
-    def test_wrong_usage_is_told_apart(self):
-        for words in ((), ("unknown",), ("subscription",), ("cancel", "DEMO-1001"),
-                      ("parse", "subscription"), ("parse", "invoice", "-"),
-                      ("parse", "subscription", "/no/such/file"),
-                      ("parse", "subscription", "/tmp"), ("subscription", "A", "--unknown")):
-            status, message = storectl(*words)
-            self.assertEqual(status, USAGE, (words, message))
-            self.assertTrue(message.strip(), words)
-        self.assertEqual(run("subscription", "A", "--format", "xml").returncode, USAGE)
+    def test_wrong_usage_names_the_word_that_is_wrong(self):
+        for words, message in (
+                ((), "a command is needed"),
+                (("sub", "A"), "no command sub; did you mean subscription?"),
+                (("ordr", "A"), "no command ordr; did you mean order?"),
+                (("subscription",), "REF is required"),
+                (("order", "A", "--formt", "x"), "no option --formt; did you mean --format?"),
+                (("order", "A", "--format", "xml"), "xml is not one of json|table"),
+                (("order", "A", "--timeout", "0"), "0 is no number of seconds"),
+                (("parse", "invoice", "-"), "invoice is not one of subscription|order"),
+                (("parse", "order", "/tmp"), "cannot read /tmp"), (("parse", "order", "/no"), "cannot read /no")):
+            code, output, errors = run(*words)
+            self.assertEqual((code, output), (USAGE, ""), words)
+            self.assertRegex(errors, rf"^storectl: .*{re.escape(message)}.*\n$")
 
-    def test_a_table_has_one_line_for_each_value(self):
-        result = run("parse", "--format", "table", "order", "-", given="<order><total>7</total>"
-                     "<city>a\n\"</city><orderItems><orderItem><quantity>1</quantity>"
-                     "</orderItem></orderItems></order>")
-        self.assertEqual([line.split(None, 1) for line in result.stdout.splitlines()], [
-            ["isTest", "false"], ["total", "7"], ["city", 'a\\n\\"'],
-            ["orderItems/0/quantity", "1"]])
-        result = run("parse", "--format", "table", "order", "-", given="<order><orderItems/></order>")
-        self.assertEqual(result.returncode, FAILURE)
-        self.assertRegex(result.stdout, "(?m)^reason  +invalid_argument$")
-
-    def test_a_store_that_cannot_be_reached_is_told_from_one_that_says_no(self):
-        reachable = "nothing answers at http://127.0.0.1:"
-        for words in (("subscription", "A"), ("cancel", "A", "--store", "s"),
-                      ("order", "A", "--store", "s")):
-            result = run(*words)
-            self.assertEqual(result.returncode, NONE)
-            self.assertIn(reachable, result.stderr)
-            with Store(BUILD):
-                self.assertEqual(run(*words).stderr, "")
-
-    def test_help_manual_and_completion_know_every_command(self):
-        manual = (PROJECT / "tools/storectl.1").read_text()
-        for command in ("subscription", "cancel", "order", "parse"):
-            result = run(command, "--help")
-            self.assertEqual(result.returncode, RECORD)
-            self.assertIn("--format", result.stdout)
+    def test_manual_and_completions_know_every_option(self):
+        manual = (PROJECT / "tools/storectl.1").read_text().replace("\\-", "-")
+        scripts = {shell: run("completion", shell)[1] for shell in ("bash", "zsh", "fish")}
+        for command in ("", "subscription", "cancel", "order", "parse"):
+            code, output, _ = run(*command.split(), "--help")
+            self.assertEqual(code, RECORD)
             self.assertIn(f"storectl {command}", manual)
-        for words, expected in ((["storectl", "su"], ["subscription"]),
-                                (["storectl", "order", "A", "--format", ""], ["json", "table"]),
-                                (["storectl", "parse", "o"], ["order"]),
-                                (["storectl", "cancel", "--s"], ["--store"])):
-            script = (f". '{PROJECT}/tools/storectl.bash-completion'; COMP_WORDS=(\"$@\"); "
-                      "COMP_CWORD=$(($# - 1)); _storectl; echo \"${COMPREPLY[@]}\"")
-            result = subprocess.run(["bash", "-c", script, "bash", *words], text=True,
+            for option in re.findall(r"--([a-z]+)", output.split("Exit status")[0]):
+                self.assertIn(f"--{option}", manual)
+                for shell, script in scripts.items():
+                    self.assertRegex(script, rf"(--|-l ){option}\b", shell)
+        for words, expected in ((["su"], ["subscription"]), (["order", "A", "--format", ""], ["json", "table"]),
+                                (["parse", "o"], ["order"]), (["cancel", "--y"], ["--yes"])):
+            script = scripts["bash"] + ('COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _storectl; '
+                                        'echo "${COMPREPLY[@]}"')
+            result = subprocess.run(["bash", "-c", script, "bash", "storectl", *words], text=True,
                                     capture_output=True, check=True)
             self.assertEqual(result.stdout.split(), expected, words)
+        self.assertRegex(run("--version")[1], r"^storectl \d+\.\d+\.\d+\n$")
 
 
 if __name__ == "__main__":
