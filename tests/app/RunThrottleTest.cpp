@@ -40,7 +40,7 @@ TEST(RunThrottle, StoresTheMomentOfARunThatPassesAndOfNoOther) {
         {0h, true}, {4h - 1us, false}, {4h, true}, {0h, true}, // the clock was set back
     };
     for (const auto& [time, passes] : starts) {
-        EXPECT_EQ(passRunThrottle(defaults, [&] { return kNow + time; }), passes);
+        EXPECT_EQ(passRunThrottle(defaults, [start = kNow + time] { return start; }), passes);
         last = passes ? kNow + time : last;
         EXPECT_EQ(defaults.date("lastRunUserDefaultKey"), last);
     }

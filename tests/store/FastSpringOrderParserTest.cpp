@@ -4,36 +4,20 @@
 
 #include "tools/RecordJSON.h"
 
+#include <regex>
+
 namespace store {
 namespace {
-
-using nlohmann::json;
 
 /// Everything that the answer sets, as JSON without what is absent or false; "(no record)", or the
 /// failure's name.
 std::string outcomeOf(const std::string& answer) {
-    const auto withoutAbsent = [](auto self, const json& value) -> json {
-        if (!value.is_structured()) {
-            return value;
-        }
-        json kept = value.is_array() ? json::array() : json::object();
-        for (const auto& [key, entry] : value.items()) {
-            if (value.is_array()) {
-                kept.push_back(self(self, entry));
-            } else if (!entry.is_null() && entry != false) {
-                kept[key] = self(self, entry);
-            }
-        }
-        return kept;
-    };
+    static const std::regex absent(R"("\w+":(null|false),?)");
+    static const std::regex leftOver(R"("|,(?=\}))");
     try {
         const auto order = FastSpringOrderParser(answer).parseOrder();
-        if (!order) {
-            return "(no record)";
-        }
-        std::string text = withoutAbsent(withoutAbsent, json(tools::recordJSON(*order))).dump();
-        std::erase(text, '"');
-        return text;
+        const auto text = order ? nlohmann::json(tools::recordJSON(*order)).dump() : "(no record)";
+        return std::regex_replace(std::regex_replace(text, absent, ""), leftOver, "");
     } catch (const std::out_of_range&) {
         return "(out_of_range)";
     } catch (const std::invalid_argument&) {
