@@ -4,20 +4,25 @@
 
 #include "tools/RecordJSON.h"
 
-#include <regex>
-
 namespace store {
 namespace {
+
+using nlohmann::json;
 
 /// Everything that the answer sets, as JSON without what is absent or false; "(no record)", or the
 /// failure's name.
 std::string outcomeOf(const std::string& answer) {
-    static const std::regex absent(R"("\w+":(null|false),?)");
-    static const std::regex leftOver(R"("|,(?=\}))");
+    const auto isSet = [](int /*depth*/, json::parse_event_t event, const json& value) {
+        return event != json::parse_event_t::value || !(value.is_null() || value == false);
+    };
     try {
         const auto order = FastSpringOrderParser(answer).parseOrder();
-        const auto text = order ? nlohmann::json(tools::recordJSON(*order)).dump() : "(no record)";
-        return std::regex_replace(std::regex_replace(text, absent, ""), leftOver, "");
+        if (!order) {
+            return "(no record)";
+        }
+        std::string text = json::parse(tools::recordJSON(*order).dump(), isSet).dump();
+        std::erase(text, '"');
+        return text;
     } catch (const std::out_of_range&) {
         return "(out_of_range)";
     } catch (const std::invalid_argument&) {
