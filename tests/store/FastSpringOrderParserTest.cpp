@@ -7,22 +7,28 @@
 namespace store {
 namespace {
 
-using nlohmann::json;
+/// JSON without quotes and what is absent or false.
+std::string shortened(std::string text) {
+    std::erase(text, '"');
+    for (const std::string absent : {":null", ":false"}) {
+        for (auto at = text.find(absent); at != std::string::npos; at = text.find(absent)) {
+            auto start = text.find_last_of("{,", at);
+            auto end = at + absent.size();
+            if (text[start] == '{') {
+                ++start;
+                end += text[end] == ',' ? 1 : 0;
+            }
+            text.erase(start, end - start);
+        }
+    }
+    return text;
+}
 
-/// Everything that the answer sets, as JSON without what is absent or false; "(no record)", or the
-/// failure's name.
+/// Everything that the answer sets; "(no record)", or the failure's name.
 std::string outcomeOf(const std::string& answer) {
-    const auto isSet = [](int /*depth*/, json::parse_event_t event, const json& value) {
-        return event != json::parse_event_t::value || !(value.is_null() || value == false);
-    };
     try {
         const auto order = FastSpringOrderParser(answer).parseOrder();
-        if (!order) {
-            return "(no record)";
-        }
-        std::string text = json::parse(tools::recordJSON(*order).dump(), isSet).dump();
-        std::erase(text, '"');
-        return text;
+        return order ? shortened(nlohmann::json(tools::recordJSON(*order)).dump()) : "(no record)";
     } catch (const std::out_of_range&) {
         return "(out_of_range)";
     } catch (const std::invalid_argument&) {
