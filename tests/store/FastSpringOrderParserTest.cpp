@@ -16,7 +16,7 @@ std::string shortened(std::string text) {
             auto end = at + absent.size();
             if (text[start] == '{') {
                 ++start;
-                end += text[end] == ',' ? 1 : 0;
+                end += text[end] == ',' ? 1U : 0U;
             }
             text.erase(start, end - start);
         }
