@@ -5,8 +5,6 @@
 #include "platform/Log.h"
 
 #include <algorithm>
-#include <bit>
-#include <cstring>
 #include <optional>
 #include <stdexcept>
 #include <system_error>
@@ -14,18 +12,15 @@
 namespace platform {
 namespace {
 
-constexpr std::u16string_view kBlanks = u" \t\r\n\f\v\u2028\u2029";
 constexpr std::size_t kLargestTable = std::size_t{1} << 20U;
-// UTF-16 in the byte order of this machine, without a mark.
-constexpr const char* kNativeUTF16 =
-    std::endian::native == std::endian::little ? "UTF-16LE" : "UTF-16BE";
 
 /// What the parser expected where the table is wrong.
 struct Expected : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-std::u16string decoded(std::string_view bytes) {
+/// The text in UTF-8.
+std::string decoded(std::string_view bytes) {
     const char* encoding = "UTF-8";
     if (bytes.starts_with("\xff\xfe") || bytes.starts_with("\xfe\xff")) {
         encoding = bytes.front() == '\xff' ? "UTF-16LE" : "UTF-16BE";
@@ -33,50 +28,58 @@ std::u16string decoded(std::string_view bytes) {
     } else if (bytes.starts_with("\xef\xbb\xbf")) {
         bytes.remove_prefix(3);
     }
-    const auto units = base::Iconv(kNativeUTF16, encoding).convert(bytes);
-    if (!units) {
+    auto text = base::Iconv("UTF-8", encoding).convert(bytes);
+    if (!text) {
         throw Expected(std::string("text in ") + encoding);
     }
-    std::u16string text(units->size() / sizeof(char16_t), u'\0');
-    std::memcpy(text.data(), units->data(), units->size());
-    return text;
+    return *std::move(text);
 }
 
-std::string encoded(std::u16string_view text) {
-    const std::string_view bytes(reinterpret_cast<const char*>(text.data()),
-                                 text.size() * sizeof(char16_t));
-    const auto result = base::Iconv("UTF-8", kNativeUTF16).convert(bytes);
-    if (!result) {
-        throw Expected("whole surrogate pairs");
+void appendInUTF8(std::string& text, char32_t character) {
+    const auto append = [&](char32_t lead, unsigned shift) {
+        text.push_back(static_cast<char>(lead | character >> shift));
+        while (shift > 0) {
+            shift -= 6;
+            text.push_back(static_cast<char>(0x80U | (character >> shift & 0x3fU)));
+        }
+    };
+    if (character < 0x80) {
+        append(0, 0);
+    } else if (character < 0x800) {
+        append(0xc0, 6);
+    } else if (character < 0x10000) {
+        append(0xe0, 12);
+    } else {
+        append(0xf0, 18);
     }
-    return *result;
 }
 
-bool isDigit(char16_t unit, unsigned base) {
-    return (unit >= u'0' && unit < u'0' + std::min(base, 10U)) ||
-           (base == 16 && ((unit >= u'a' && unit <= u'f') || (unit >= u'A' && unit <= u'F')));
+bool isDigit(char character, unsigned base) {
+    return (character >= '0' && character < static_cast<char>('0' + std::min(base, 10U))) ||
+           (base == 16 &&
+            ((character >= 'a' && character <= 'f') || (character >= 'A' && character <= 'F')));
 }
 
-unsigned digitValue(char16_t unit) {
-    return unit <= u'9' ? unit - u'0' : (unit | 0x20U) - u'a' + 10U;
+unsigned digitValue(char character) {
+    return character <= '9' ? static_cast<unsigned>(character - '0')
+                            : (static_cast<unsigned>(character) | 0x20U) - 'a' + 10U;
 }
 
-/// Reads UTF-16, in which the format's escapes name the halves of a character one by one.
 class Parser {
   public:
-    explicit Parser(std::u16string_view text) : text_(text) {}
+    explicit Parser(std::string_view text) : text_(text) {}
 
     StringsTable table() {
         StringsTable table;
         for (skipBlanks(); at_ < text_.size(); skipBlanks()) {
             const std::string key = token("a key");
             std::string value = key;
-            if (skipBlanks(); take(u'=')) {
+            if (skipBlanks(); take("=")) {
                 skipBlanks();
                 value = token("a value");
                 skipBlanks();
             }
-            if (!take(u';')) {
+            if (!take(";")) {
                 throw Expected("';'");
             }
             table.emplace(key, value);
@@ -86,46 +89,47 @@ class Parser {
 
     [[nodiscard]] auto line() const {
         return 1 +
-               std::count(text_.begin(), text_.begin() + static_cast<std::ptrdiff_t>(at_), u'\n');
+               std::count(text_.begin(), text_.begin() + static_cast<std::ptrdiff_t>(at_), '\n');
     }
 
   private:
-    bool take(char16_t unit) {
-        const bool there = at_ < text_.size() && text_[at_] == unit;
-        at_ += there ? 1 : 0;
+    bool take(std::string_view expected) {
+        const bool there = text_.substr(at_).starts_with(expected);
+        at_ += there ? expected.size() : 0;
         return there;
     }
 
     void skipBlanks() {
+        constexpr std::string_view kBlanks = " \t\r\n\f\v";
         while (at_ < text_.size()) {
-            const auto rest = text_.substr(at_);
-            if (rest.starts_with(u"/*")) {
-                skipPast(u"*/", 2, "the end of the comment");
-            } else if (rest.starts_with(u"//")) {
-                at_ = std::min(text_.find(u'\n', at_), text_.size());
-            } else if (kBlanks.find(rest.front()) != std::u16string_view::npos) {
+            if (take("/*")) {
+                skipPast("*/", "the end of the comment");
+            } else if (take("//")) {
+                at_ = std::min(text_.find('\n', at_), text_.size());
+            } else if (kBlanks.find(text_[at_]) != std::string_view::npos) {
                 ++at_;
-            } else {
+            } else if (!take("\u2028") && !take("\u2029")) {
                 return;
             }
         }
     }
 
-    void skipPast(std::u16string_view end, std::size_t from, const char* expected) {
-        const auto found = text_.find(end, at_ + from);
-        if (found == std::u16string_view::npos) {
+    void skipPast(std::string_view end, const char* expected) {
+        const auto found = text_.find(end, at_);
+        if (found == std::string_view::npos) {
             throw Expected(expected);
         }
         at_ = found + end.size();
     }
 
-    std::string token(const char* expected) { return take(u'"') ? quoted() : bare(expected); }
+    std::string token(const char* expected) { return take("\"") ? quoted() : bare(expected); }
 
     std::string bare(const char* expected) {
         const auto start = at_;
-        const auto isBare = [](char16_t unit) {
-            return isDigit(unit, 10) || ((unit | 0x20U) >= u'a' && (unit | 0x20U) <= u'z') ||
-                   std::u16string_view(u"_$/:.-").find(unit) != std::u16string_view::npos;
+        const auto isBare = [](char character) {
+            const char lower = static_cast<char>(character | 0x20);
+            return isDigit(character, 10) || (lower >= 'a' && lower <= 'z') ||
+                   std::string_view("_$/:.-").find(character) != std::string_view::npos;
         };
         while (at_ < text_.size() && isBare(text_[at_])) {
             ++at_;
@@ -133,39 +137,53 @@ class Parser {
         if (at_ == start) {
             throw Expected(expected);
         }
-        return encoded(text_.substr(start, at_ - start));
+        return std::string(text_.substr(start, at_ - start));
     }
 
     std::string quoted() {
-        std::u16string value;
-        while (!take(u'"')) {
+        std::string value;
+        while (!take("\"")) {
             if (at_ == text_.size()) {
                 throw Expected("'\"'");
             }
-            const char16_t unit = text_[at_++];
-            value.push_back(unit == u'\\' ? escape() : unit);
+            if (take("\\")) {
+                appendEscape(value);
+            } else {
+                value.push_back(text_[at_++]);
+            }
         }
-        return encoded(value);
+        return value;
     }
 
-    char16_t escape() {
-        constexpr std::u16string_view kLetters = u"ntrfbav";
-        constexpr std::u16string_view kMeanings = u"\n\t\r\f\b\a\v";
+    void appendEscape(std::string& value) {
+        constexpr std::string_view kLetters = "ntrfbav";
+        constexpr std::string_view kMeanings = "\n\t\r\f\b\a\v";
         if (at_ == text_.size()) {
             throw Expected("an escaped character");
         }
-        if (isDigit(text_[at_], 8)) {
-            return number(8, 1, 3);
+        const char next = text_[at_];
+        if (isDigit(next, 8)) {
+            appendInUTF8(value, number(8, 1, 3));
+        } else if (take("U") || take("u")) {
+            appendInUTF8(value, character(number(16, 4, 4)));
+        } else {
+            const auto letter = kLetters.find(next);
+            value.push_back(letter == std::string_view::npos ? next : kMeanings[letter]);
+            ++at_;
         }
-        const char16_t unit = text_[at_++];
-        if (unit == u'U' || unit == u'u') {
-            return number(16, 4, 4);
-        }
-        const auto letter = kLetters.find(unit);
-        return letter == std::u16string_view::npos ? unit : kMeanings[letter];
     }
 
-    char16_t number(unsigned base, int least, int most) {
+    /// The character of a UTF-16 code unit, or of that and the one that the next escape names.
+    char32_t character(char32_t unit) {
+        const bool isHigh = unit >= 0xd800 && unit < 0xdc00;
+        const char32_t low = isHigh && (take("\\U") || take("\\u")) ? number(16, 4, 4) : 0;
+        if ((unit >= 0xd800 && unit <= 0xdfff) && (low < 0xdc00 || low > 0xdfff)) {
+            throw Expected("whole surrogate pairs");
+        }
+        return isHigh ? 0x10000 + ((unit - 0xd800) << 10U) + (low - 0xdc00) : unit;
+    }
+
+    char32_t number(unsigned base, int least, int most) {
         unsigned value = 0;
         int count = 0;
         for (; count < most && at_ < text_.size() && isDigit(text_[at_], base); ++count) {
@@ -174,10 +192,10 @@ class Parser {
         if (count < least) {
             throw Expected("four hexadecimal digits");
         }
-        return static_cast<char16_t>(value);
+        return value & 0xffff;
     }
 
-    std::u16string_view text_;
+    std::string_view text_;
     std::size_t at_ = 0;
 };
 
@@ -199,7 +217,7 @@ StringsTable readStringsTable(const std::filesystem::path& path) {
 
 StringsTable parseStringsTable(std::string_view bytes, std::string_view name) {
     std::optional<Parser> parser;
-    std::u16string text;
+    std::string text;
     try {
         text = decoded(bytes);
         return parser.emplace(text).table();
