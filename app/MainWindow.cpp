@@ -18,16 +18,17 @@
 namespace app {
 namespace {
 
-constexpr int kIconSide = 64;
 constexpr int kTight = 6;           // margins and spaces on a small screen
 constexpr int kWidth = 540;         // of the window, in which a line has some sixty letters
 constexpr QSize kButtonRoom{20, 6}; // around a button's text, beyond what the style gives
 constexpr double kHeadingScale = 1.5;
 
-QIcon applicationIcon() {
+/// In the size in which it is shown: Qt takes the file for twice the pixels by itself. The format is
+/// named, so that no plugin is asked whether it knows the file.
+QPixmap applicationIcon() {
     const auto bundle = platform::Bundle::mainBundle();
     const auto path = bundle ? bundle->pathForResource("AppIcon.png") : std::nullopt;
-    return path ? QIcon(QString::fromStdString(path->native())) : QIcon();
+    return path ? QPixmap(QString::fromStdString(path->native()), "PNG") : QPixmap();
 }
 
 /// The texts of the window description are the keys of the localized texts.
@@ -92,9 +93,9 @@ void MainWindow::setLooks() {
     for (auto* button : {ui_->removeButton, ui_->cancelButton, ui_->mainButton}) {
         giveRoom(*button);
     }
-    const QIcon icon = applicationIcon();
+    const QPixmap icon = applicationIcon();
     setWindowIcon(icon);
-    ui_->iconLabel->setPixmap(icon.pixmap({kIconSide, kIconSide}, devicePixelRatioF()));
+    ui_->iconLabel->setPixmap(icon);
 }
 
 void MainWindow::connectControls() {
