@@ -64,6 +64,8 @@ TEST_F(Fetch, GivesTheBodyOrNothingWhateverTheServerDoes) {
         {"a length too long", {head + "Content-Length: 9\r\n\r\n<a/>"}},
         {"a chunk that is cut", {head + "Transfer-Encoding: chunked\r\n\r\n9\r\n<a/>"}},
         {"a body one byte too large", httpReply(std::string(1001, 'x'))},
+        {"and without its length", {head + "\r\n" + std::string(1001, 'x')}},
+        {"headers too large", httpReply("", "200 OK", "X: " + std::string(2000, 'y') + "\r\n")},
         {"no HTTP", {"<a/>"}},
         {"a reset after what looks whole", {head + "\r\n<a/>", Reply::End::Reset}},
         {"an endless chunk extension",
