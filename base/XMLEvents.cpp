@@ -6,10 +6,14 @@
 #include <algorithm>
 #include <climits>
 #include <cstddef>
+#include <cstdlib>
+#include <cstring>
 #include <exception>
+#include <functional>
 #include <iterator>
 #include <new>
 #include <optional>
+#include <random>
 #include <string>
 
 #include <expat.h>
@@ -46,18 +50,93 @@ constexpr const char* kEncodings[] = {
     "windows-1256", "windows-1257", "windows-1258", "KOI8-R",       "KOI8-U",
 };
 
+/// The memory of one session: expat asks for some thirty pieces, of which few are given back before
+/// its end. A bump in a buffer serves them; what does not fit comes from the heap. A session within
+/// a handler of another one on the same thread takes from the outer one's, which outlives it.
+class Arena {
+  public:
+    Arena() {
+        if (current == nullptr) {
+            current = this;
+        }
+    }
+    Arena(const Arena&) = delete;
+    Arena& operator=(const Arena&) = delete;
+    ~Arena() {
+        if (current == this) {
+            current = nullptr;
+        }
+    }
+
+    static void* allocate(std::size_t size) noexcept {
+        if (size > kBytes - std::min(current->used_ + sizeof(Piece), kBytes)) {
+            return std::malloc(size);
+        }
+        auto* const piece = new (current->bytes_ + current->used_) Piece{size};
+        current->used_ +=
+            sizeof(Piece) + (size + sizeof(Piece) - 1) / sizeof(Piece) * sizeof(Piece);
+        return piece + 1;
+    }
+
+    static void* reallocate(void* old, std::size_t size) noexcept {
+        if (old == nullptr || !current->holds(old)) {
+            return old == nullptr ? allocate(size) : std::realloc(old, size);
+        }
+        void* const memory = allocate(size);
+        if (memory != nullptr) {
+            std::memcpy(memory, old, std::min(size, (static_cast<Piece*>(old) - 1)->size));
+        }
+        return memory;
+    }
+
+    static void release(void* memory) noexcept {
+        if (!current->holds(memory)) {
+            std::free(memory);
+        }
+    }
+
+  private:
+    /// What stands before each piece.
+    struct alignas(std::max_align_t) Piece {
+        std::size_t size;
+    };
+    static constexpr std::size_t kBytes = std::size_t{16} * 1024;
+
+    bool holds(const void* memory) const {
+        return !std::less<>()(memory, static_cast<const void*>(bytes_)) &&
+               std::less<>()(memory, static_cast<const void*>(bytes_ + kBytes));
+    }
+
+    static thread_local Arena* current;
+
+    alignas(std::max_align_t) std::byte bytes_[kBytes];
+    std::size_t used_ = 0;
+};
+
+thread_local Arena* Arena::current = nullptr;
+
+/// Random once for the process: expat would ask the system for each parser.
+unsigned long hashSalt() {
+    static const unsigned long salt = [] {
+        std::random_device source;
+        return (static_cast<unsigned long>(source()) << 16U ^ source()) | 1U; // 0 stands for none
+    }();
+    return salt;
+}
+
 /// One session of expat over a document: passes its callbacks on to the delegate and keeps
 /// exceptions from crossing the C library.
 class Session {
   public:
     /// @param encoding the document's, or null for the one that it declares.
     Session(XMLEventDelegate& delegate, const char* encoding)
-        : delegate_(delegate), handle_(XML_ParserCreate(encoding)) {
+        : delegate_(delegate), handle_(XML_ParserCreate_MM(encoding, &kMemory, nullptr)) {
         if (!handle_) {
             throw std::bad_alloc();
         }
         XML_Parser parser = handle_.get();
         XML_SetUserData(parser, this);
+        XML_SetHashSalt(parser, hashSalt());
         XML_SetElementHandler(parser, startElement, endElement);
         XML_SetCharacterDataHandler(parser, characters);
         XML_SetCdataSectionHandler(parser, startSection, endSection);
@@ -198,7 +277,11 @@ class Session {
         return byte(0) | byte(1) << 8 | byte(2) << 16;
     }
 
+    static constexpr XML_Memory_Handling_Suite kMemory{Arena::allocate, Arena::reallocate,
+                                                       Arena::release};
+
     XMLEventDelegate& delegate_;
+    Arena arena_; // before what is in it
     Handle<XML_ParserStruct, XML_ParserFree> handle_;
     std::exception_ptr failure_;
     int depth_ = 0;
