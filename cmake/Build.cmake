@@ -24,7 +24,7 @@ if(HELPER_SANITIZE)
         -fno-sanitize-recover=all)
     add_link_options(-fsanitize=${HELPER_SANITIZE})
 else()
-    # Hardening; tests/endtoend/HardeningTest.py looks for it in what was built.
+    # Hardening; tests/endtoend/ShippingTest.py looks for it in what was built.
     add_compile_options(-fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
     if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
         add_link_options(-Wl,-z,relro,-z,now)

@@ -1,16 +1,22 @@
-"""What a company does: its own brand file, one package, unpacked and run in a customer's home."""
+"""What is shipped: hardened files, the store client for other programs, packages, and the demonstration."""
 
 import filecmp
 import hashlib
 import os
+import pathlib
 import shutil
 import subprocess
+import sys
 import unittest
 
-from support import BUILD, TestCase
+from support import BUILD, SANITIZE, TestCase
 from desktop import desktop, wait_for
-from stage import PROJECT, Store, Window
+from stage import BUNDLE, PROJECT, Store, Window
 
+CONTENTS = pathlib.Path(BUILD) / BUNDLE / "Contents"
+BUILT = [CONTENTS / "Linux" / "Subscription Helper",
+         CONTENTS / "Frameworks" / "SubscriptionHelperApplication.so",
+         pathlib.Path(BUILD) / "tools" / "storectl"]
 BRAND = {
     "COMPANY_NAME": "Globex", "PRODUCT_NAME": r"Globex \"Draw\" 3",
     "IDENTIFIER": "org.example.globex.leave", "PRODUCT_DOMAIN": "org.example.globex.draw",
@@ -18,6 +24,72 @@ BRAND = {
     "ICON": "globex.svg"}
 
 
+def readelf(option, file):
+    return subprocess.run(["readelf", "--wide", option, file], text=True, capture_output=True,
+                          check=True).stdout
+
+
+@unittest.skipIf(SANITIZE, "sanitizer builds are not hardened")
+class HardeningTest(unittest.TestCase):
+    def test_each_file_is_hardened(self):
+        for file in BUILT:
+            with self.subTest(file.name):
+                self.assertRegex(readelf("--file-header", file), r"Type:\s+DYN")
+                segments = readelf("--segments", file)
+                self.assertIn("GNU_RELRO", segments)
+                self.assertRegex(segments, r"GNU_STACK .* RW ")
+                self.assertRegex(readelf("--dynamic", file), r"FLAGS.*NOW")
+                symbols = readelf("--dyn-syms", file)
+                self.assertIn("__stack_chk_fail", symbols)
+                self.assertRegex(symbols, r"__\w+_chk@")
+
+    def test_the_application_library_exports_its_one_function(self):
+        symbols = subprocess.run(["nm", "--dynamic", "--defined-only", BUILT[1]], text=True,
+                                 capture_output=True, check=True).stdout.split()
+        self.assertEqual(symbols[1:], ["T", "subscriptionHelperApplicationMain"])
+
+
+class InstallationTest(TestCase):
+    def run_command(self, *words, status=0):
+        result = subprocess.run([str(word) for word in words], text=True, capture_output=True,
+                                check=False)
+        self.assertEqual(result.returncode, status, result.stderr)
+        return result.stdout
+
+    def test_another_program_finds_and_uses_the_store_client(self):
+        build, prefix = self.folder / "build", self.folder / "prefix"
+        flags = f"-fsanitize={SANITIZE}" if SANITIZE else ""
+        self.run_command("cmake", "--install", BUILD, "--prefix", prefix)
+        self.run_command("cmake", "-G", "Ninja", "-S", PROJECT / "examples", "-B", build,
+                         f"-DCMAKE_PREFIX_PATH={prefix}", f"-DCMAKE_CXX_FLAGS={flags}")
+        self.run_command("cmake", "--build", build)
+        example = build / "subscription-status"
+        with Store(BUILD):
+            self.assertEqual(self.run_command(example, "DEMO-1001"), "active\n")
+            self.assertEqual(self.run_command(example, "NO-SUCH", status=1), "none\n")
+        self.assertTrue((prefix / "bin" / "storectl").exists())
+        self.assertEqual({folder.name for folder in (prefix / "include/subscription-store").iterdir()},
+                         {"base", "store"})
+        self.assertNotRegex(self.run_command("ldd", example), "lib(glib|gio|Qt)")
+
+
+class DemoTest(TestCase):
+    def run_demo(self):
+        environment = {name: value for name, value in os.environ.items()
+                       if name not in ("DISPLAY", "WAYLAND_DISPLAY")}
+        return subprocess.run([sys.executable, PROJECT / "demo" / "demo.py", BUILD,
+                               self.folder / "demo"], env=environment, text=True,
+                              capture_output=True, timeout=120, check=False)
+
+    def test_it_shows_every_step(self):
+        result = self.run_demo()
+        self.assertEqual(result.returncode, 0, result.stdout + result.stderr)
+        self.assertEqual(result.stdout.count("[ok]"), 8, result.stdout)
+        for name in ("window", "sheet", "end"):
+            self.assertTrue((self.folder / "demo" / f"{name}.png").exists(), name)
+
+
+@unittest.skipIf(SANITIZE, "packages are built by a preset of their own")
 class PackagingTest(TestCase):
     def setUp(self):
         super().setUp()
