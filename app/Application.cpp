@@ -1,12 +1,19 @@
 #include "app/Application.h"
 
+#include "app/Check.h"
 #include "app/SubscriptionHelperAppDelegate.h"
 #include "platform/Log.h"
 
+#include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <string_view>
 
 #include <QApplication>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QMessageLogContext>
 
 namespace {
@@ -23,11 +30,40 @@ void reportMissingDisplay(QtMsgType type, const QMessageLogContext& /*context*/,
     }
 }
 
+QByteArray jsonOf(const std::vector<app::Finding>& findings) {
+    QJsonArray array;
+    for (const auto& finding : findings) {
+        array.append(
+            QJsonObject{{QStringLiteral("what"), QString::fromStdString(finding.what)},
+                        {QStringLiteral("isRight"), finding.isRight},
+                        {QStringLiteral("detail"), QString::fromStdString(finding.detail)}});
+    }
+    return QJsonDocument(array).toJson();
+}
+
+int printFindings(bool asJSON) {
+    const auto findings = app::findings();
+    if (asJSON) {
+        std::fputs(jsonOf(findings).constData(), stdout);
+    } else {
+        for (const auto& finding : findings) {
+            std::printf("[%s] %s: %s\n", finding.isRight ? "ok" : "NO", finding.what.c_str(),
+                        finding.detail.c_str());
+        }
+    }
+    const bool isRight = std::all_of(findings.begin(), findings.end(),
+                                     [](const auto& finding) { return finding.isRight; });
+    return isRight && std::fflush(stdout) == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
 } // namespace
 
 int subscriptionHelperApplicationMain(int argumentCount, char** arguments) {
     // Once more: the process entry has a C++ library of its own.
     platform::logUncaughtFailures();
+    if (argumentCount > 1 && std::string_view(arguments[1]) == "--check") {
+        return printFindings(argumentCount > 2);
+    }
     const auto handler = qInstallMessageHandler(reportMissingDisplay);
     // By this name a Wayland desktop finds the entry, and so the icon, that belongs to the window.
     QApplication::setDesktopFileName(QStringLiteral(HELPER_IDENTIFIER));

@@ -23,8 +23,8 @@ constexpr int kWidth = 540;         // of the window, in which a line has some s
 constexpr QSize kButtonRoom{20, 6}; // around a button's text, beyond what the style gives
 constexpr double kHeadingScale = 1.5;
 
-/// In the size in which it is shown: Qt takes the file for twice the pixels by itself. The format is
-/// named, so that no plugin is asked whether it knows the file.
+/// In the size in which it is shown: Qt takes the file for twice the pixels by itself. The format
+/// is named, so that no plugin is asked whether it knows the file.
 QPixmap applicationIcon() {
     const auto bundle = platform::Bundle::mainBundle();
     const auto path = bundle ? bundle->pathForResource("AppIcon.png") : std::nullopt;

@@ -20,11 +20,15 @@ bool isRecentRun(const std::optional<base::Timestamp>& lastRun, const Clock& clo
            *lastRun - clock() <= base::Timestamp::duration::zero();
 }
 
+std::optional<base::Timestamp> lastRunIn(const platform::UserDefaults& defaults) {
+    return defaults.date(kLastRun);
+}
+
 bool passRunThrottle(const platform::UserDefaults& defaults, const Clock& clock) {
     // From reading the moment to storing it, so that no second start can read it in between.
     const platform::FileLock lock = defaults.lock();
     if (lock.error() == std::errc::operation_would_block ||
-        isRecentRun(defaults.date(kLastRun), clock)) {
+        isRecentRun(lastRunIn(defaults), clock)) {
         return false;
     }
     if (const auto error = defaults.setDate(kLastRun, clock())) {

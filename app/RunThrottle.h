@@ -22,6 +22,9 @@ inline constexpr std::chrono::hours kRunInterval{4};
 /// the present moment is. Reads the clock anew for each of the two bounds.
 [[nodiscard]] bool isRecentRun(const std::optional<base::Timestamp>& lastRun, const Clock& clock);
 
+/// The moment of the last run that was stored; none when there is none.
+[[nodiscard]] std::optional<base::Timestamp> lastRunIn(const platform::UserDefaults& defaults);
+
 /// Decides whether this start goes on, and if so stores the present moment as that of the last run
 /// under "lastRunUserDefaultKey", on the disk, before it returns. Of any number of simultaneous
 /// starts exactly one goes on; none ever waits for another. A moment that cannot be stored is

@@ -4,9 +4,12 @@
 #include "platform/Log.h"
 #include "platform/UserDefaults.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <iterator>
+#include <optional>
 #include <string_view>
 
 #include <dlfcn.h>
@@ -14,6 +17,8 @@
 #include <unistd.h>
 
 namespace {
+
+constexpr int kWrongUsage = 2;
 
 /// Opens the null device in place of each standard stream that is closed. The next file or
 /// connection would take its number otherwise, and log lines would go into that.
@@ -41,24 +46,59 @@ int runApplication(const platform::Bundle& bundle, int argumentCount, char** arg
                                                                                     arguments);
 }
 
+/// Options of two dashes that Qt takes as well as with one.
+constexpr std::string_view kToolkitOptions[] = {
+    "display",
+    "fontengine",
+    "geometry",
+    "icon",
+    "name",
+    "platform",
+    "plugin",
+    "platformtheme",
+    "platformpluginpath",
+    "qwindowgeometry",
+    "qwindowtitle",
+    "reverse",
+    "session",
+    "style",
+    "stylesheet",
+    "sync",
+    "title",
+    "qwindowicon",
+};
+
+bool isOfToolkit(std::string_view option) {
+    const auto name = option.substr(2, option.find('=') - 2);
+    return std::find(std::begin(kToolkitOptions), std::end(kToolkitOptions), name) !=
+           std::end(kToolkitOptions);
+}
+
 /// Obeys an option that asks about the program itself, which counts as no run.
-/// @return false for anything else.
-bool handleOption(std::string_view option) {
+/// @return the exit status; none where there is more to do.
+std::optional<int> handleOption(std::string_view option) {
     if (option == "--version") {
         std::puts("Subscription Helper " HELPER_VERSION);
-    } else if (option == "--help" || option == "-h") {
-        std::puts("Usage: \"Subscription Helper\" [--help | --version]\n\n"
+        return EXIT_SUCCESS;
+    }
+    if (option == "--help" || option == "-h") {
+        std::puts("Usage: \"Subscription Helper\" [--help | --version | --check [--json]]\n\n"
                   "Helps a customer to leave " HELPER_PRODUCT_NAME
                   ": shows one window and, on request,\n"
                   "cancels the subscription at the store, starts the uninstaller and moves itself\n"
                   "to the Trash. Works at most once in four hours; a start in between, or one\n"
                   "without a subscription, ends at once with status 0.\n\n"
-                  "The time of the last run is kept in " HELPER_IDENTIFIER ".conf in the\n"
-                  "user's configuration directory.");
-    } else {
-        return false;
+                  "--check prints what a start would find, and is none; status 1 when something\n"
+                  "is not right. The time of the last run is kept in\n" HELPER_IDENTIFIER
+                  ".conf in the user's configuration directory.");
+        return EXIT_SUCCESS;
     }
-    return true;
+    if (option.starts_with("--") && option != "--check" && !isOfToolkit(option)) {
+        std::fprintf(stderr, "There is no option %.*s; --help tells what there is\n",
+                     static_cast<int>(option.size()), option.data());
+        return kWrongUsage;
+    }
+    return std::nullopt;
 }
 
 } // namespace
@@ -66,8 +106,9 @@ bool handleOption(std::string_view option) {
 int main(int argumentCount, char** arguments) {
     openClosedStreams();
     platform::logUncaughtFailures();
-    if (argumentCount == 2 && handleOption(arguments[1])) {
-        return EXIT_SUCCESS;
+    const std::string_view option = argumentCount > 1 ? arguments[1] : "";
+    if (const auto status = handleOption(option)) {
+        return *status;
     }
     const auto bundle = platform::Bundle::mainBundle();
     if (!bundle) {
@@ -75,7 +116,7 @@ int main(int argumentCount, char** arguments) {
                       {platform::executablePath().native()});
         return EXIT_FAILURE;
     }
-    if (!app::passRunThrottle(platform::UserDefaults(HELPER_IDENTIFIER))) {
+    if (option != "--check" && !app::passRunThrottle(platform::UserDefaults(HELPER_IDENTIFIER))) {
         return EXIT_SUCCESS;
     }
     return runApplication(*bundle, argumentCount, arguments);

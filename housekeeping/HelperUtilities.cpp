@@ -75,6 +75,10 @@ std::string HelperUtilities::storeID() {
     return configured("storeid");
 }
 
+std::string HelperUtilities::uninstallerName() {
+    return configured("Application Uninstaller");
+}
+
 bool HelperUtilities::trash(const fs::path& path) {
     return !platform::workspace::moveToTrash(path);
 }
@@ -87,7 +91,7 @@ void HelperUtilities::clearQuarantineAttribute(const fs::path& path) {
 }
 
 bool HelperUtilities::launchUninstaller() {
-    const std::string name = configured("Application Uninstaller");
+    const std::string name = uninstallerName();
     if (name.empty()) {
         return true;
     }

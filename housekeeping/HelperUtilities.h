@@ -16,6 +16,10 @@ class HelperUtilities {
     /// the key gives the key itself.
     [[nodiscard]] static std::string storeID();
 
+    /// The name of the uninstaller among the bundle's auxiliary executables: the value of
+    /// "Application Uninstaller", empty for none. A table without the key gives the key itself.
+    [[nodiscard]] static std::string uninstallerName();
+
     /// Moves a file or bundle to the Trash.
     /// @return false, with the item where it was and nothing logged, when the platform refuses.
     [[nodiscard]] static bool trash(const std::filesystem::path& path);

@@ -12,6 +12,9 @@ namespace platform::desktop {
 /// @return why the system refuses; the item is then where it was.
 [[nodiscard]] std::error_code moveToTrash(const std::filesystem::path& item);
 
+/// Whether it offers to move an item there.
+[[nodiscard]] std::error_code checkTrash(const std::filesystem::path& item);
+
 /// Opens a file, as workspace::openFile() says.
 [[nodiscard]] std::error_code openFile(const std::filesystem::path& file);
 

@@ -38,6 +38,9 @@ class UserDefaults {
     /// be read whole and would lose its other values. The stored values are then unchanged.
     [[nodiscard]] std::error_code setDate(std::string_view key, base::Timestamp moment) const;
 
+    /// Where the values are, for people.
+    [[nodiscard]] std::string place() const { return file_.native(); }
+
     /// Tries to be the only one that changes this domain. See FileLock.
     [[nodiscard]] FileLock lock() const;
 

@@ -32,6 +32,10 @@ std::error_code moveToTrash(const std::filesystem::path& path) {
     return desktop::moveToTrash(item);
 }
 
+std::error_code checkTrash(const std::filesystem::path& path) {
+    return desktop::checkTrash(path);
+}
+
 std::error_code openFile(const std::filesystem::path& file) {
     return desktop::openFile(file);
 }

@@ -16,6 +16,10 @@ namespace platform::workspace {
 /// relative `XDG_DATA_HOME`.
 [[nodiscard]] std::error_code moveToTrash(const std::filesystem::path& path);
 
+/// Whether the system offers to move an item to the Trash; it may still refuse when it is asked to.
+/// @return why not, as moveToTrash().
+[[nodiscard]] std::error_code checkTrash(const std::filesystem::path& path);
+
 /// Opens a file as a double click would. An executable file and an application bundle
 /// (`<name>.app`, by Bundle::executableOf()) are started themselves, detached; anything else goes
 /// to its default application. Nothing waits for it to end. What is started is on its own, as

@@ -120,6 +120,20 @@ std::error_code moveToTrash(const fs::path& item) {
                                              : std::error_code();
 }
 
+std::error_code checkTrash(const fs::path& item) {
+    constexpr const char* kAttribute = G_FILE_ATTRIBUTE_ACCESS_CAN_TRASH;
+    GError* refusal = nullptr;
+    const Handle<GFileInfo, g_object_unref> info(g_file_query_info(
+        fileFor(item).get(), kAttribute, G_FILE_QUERY_INFO_NOFOLLOW_SYMLINKS, nullptr, &refusal));
+    if (!info) {
+        const Handle<GError, g_error_free> owned(refusal);
+        return errorOf(*refusal);
+    }
+    return g_file_info_get_attribute_boolean(info.get(), kAttribute) != FALSE
+               ? std::error_code()
+               : std::make_error_code(std::errc::not_supported);
+}
+
 std::error_code openFile(const fs::path& file) {
     // What cannot be looked at is not opened: some other application would get it.
     std::error_code error;

@@ -2,6 +2,7 @@
 
 #include <QDesktopServices>
 #include <QFile>
+#include <QFileInfo>
 #include <QUrl>
 
 namespace platform::desktop {
@@ -17,6 +18,11 @@ std::error_code errorUnless(bool done) {
 
 std::error_code moveToTrash(const std::filesystem::path& item) {
     return errorUnless(QFile::moveToTrash(QString::fromStdString(item.native())));
+}
+
+std::error_code checkTrash(const std::filesystem::path& item) {
+    // A move there is a change of the directory around it.
+    return errorUnless(QFileInfo(QString::fromStdString(item.parent_path().native())).isWritable());
 }
 
 std::error_code openFile(const std::filesystem::path& file) {

@@ -30,7 +30,10 @@ class StartTest(TestCase):
                 ([], {"DISPLAY": ":4711"}, 1, NO_DISPLAY + "could not connect to display :4711", True),
                 ([], {"QT_QPA_PLATFORM": "nosuch"}, 1, NO_DISPLAY + 'Qt platform plugin "nosuch"', True),
                 ([], {"HOME": "/proc/none"}, 1, f"(?s)cannot be stored: No such file .*{NO_DISPLAY}", False),
-                (["unknown"], {}, 1, NO_DISPLAY, True),
+                (["unknown"], {}, 1, NO_DISPLAY, True), (["--style=fusion"], {}, 1, NO_DISPLAY, True),
+                (["--chek"], {}, 2, "^There is no option --chek", False),
+                (["--check"], {}, 0, r"(?s)\[ok\] bundle: .*\[ok\] Trash: .*; a start works now; kept in", False),
+                (["--check", "--json"], {"HOME": "/proc"}, 1, r"(?s)\[NO\]|: false.*Trash", False),
                 (["--version"], {}, 0, r"^Subscription Helper \d+\.\d+\.\d+\n$", False),
                 (["--help"], {}, 0, "Helps a customer to leave Acme Studio: ", False)):
             with self.subTest(words=words, variables=variables):
@@ -40,7 +43,8 @@ class StartTest(TestCase):
                 self.assertEqual(result.returncode, status, result.stderr)
                 self.assertRegex(result.stdout + result.stderr, said)
                 self.assertEqual(stage.last_run() is not None, counts)
-                self.assertEqual(len(result.stderr.splitlines()), status + ("HOME" in variables))
+                self.assertEqual(len(result.stderr.splitlines()), words[:1] != ["--check"] and
+                                 min(status, 1) + ("HOME" in variables))
         stage.forget_last_run()
         result = subprocess.run([lonely], env=stage.environment(), text=True, capture_output=True, check=False)
         self.assertEqual((result.returncode, stage.last_run(), lonely.exists()), (1, None, True))

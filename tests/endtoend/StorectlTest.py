@@ -53,10 +53,10 @@ class StorectlTest(TestCase):
 
     def test_several_references_have_a_line_each_and_the_worst_status(self):
         with Store(BUILD) as store:
-            code, output, _ = run("subscription", "DEMO-1001", "-", "a b", given="unknown\nDEMO-KEEP\n")
+            code, output, _ = run("subscription", "DEMO-1001", "a b", "-", given="unknown\nDEMO-KEEP\n")
             lines = [json.loads(line) for line in output.splitlines()]
             self.assertEqual([(line["reference"], line["result"]) for line in lines], [
-                ("DEMO-1001", "record"), ("unknown", "none"), ("DEMO-KEEP", "record"), ("a b", "invalid")])
+                ("DEMO-1001", "record"), ("a b", "invalid"), ("unknown", "none"), ("DEMO-KEEP", "record")])
             self.assertEqual(code, USAGE)
             # A terminal is shown how far it is, and asked before something is canceled.
             ours, terminal = pty.openpty()

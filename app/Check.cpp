@@ -1,0 +1,84 @@
+#include "app/Check.h"
+
+#include "app/RunThrottle.h"
+#include "base/Timestamp.h"
+#include "housekeeping/HelperUtilities.h"
+#include "platform/Bundle.h"
+#include "platform/TemporaryDirectory.h"
+#include "platform/UserDefaults.h"
+#include "platform/Workspace.h"
+#include "store/ScriptURL.h"
+
+#include <filesystem>
+
+#include <unistd.h>
+
+namespace app {
+namespace {
+
+Finding reference() {
+    const platform::UserDefaults defaults(HELPER_PRODUCT_DOMAIN);
+    const auto text = defaults.text("subscriptionReference");
+    return {"subscription reference", text && !text->empty(),
+            "subscriptionReference in " + defaults.place()};
+}
+
+Finding uninstaller(const platform::Bundle& bundle) {
+    const auto name = housekeeping::HelperUtilities::uninstallerName();
+    if (name.empty()) {
+        return {"uninstaller", true, "none is configured"};
+    }
+    const auto path = bundle.pathForAuxiliaryExecutable(name);
+    const auto program = path && path->extension() == ".app" ? platform::Bundle::executableOf(*path)
+                                                             : path.value_or("");
+    return {"uninstaller", access(program.c_str(), X_OK) == 0,
+            path ? program.native() : "there is no \"" + name + "\" in the bundle"};
+}
+
+Finding trash(const platform::Bundle& bundle) {
+    const auto error = platform::workspace::checkTrash(bundle.bundlePath());
+    return {"Trash", !error,
+            error ? error.message()
+                  : "the bundle can be moved there from " + bundle.bundlePath().native()};
+}
+
+Finding copy() {
+    const auto directory = platform::userTemporaryDirectory(0);
+    return {"place for the uninstaller's copy", directory.has_value(),
+            directory ? directory->native() : "none of the user's own from which programs start"};
+}
+
+Finding lastRun() {
+    const platform::UserDefaults defaults(HELPER_IDENTIFIER);
+    const auto moment = lastRunIn(defaults);
+    const auto next = [&] {
+        return isRecentRun(moment, presentMoment)
+                   ? "the next start works at " + base::timestampText(*moment + kRunInterval)
+                   : std::string("a start works now");
+    };
+    return {"last run", true,
+            (moment ? base::timestampText(*moment) : "none") + "; " + next() + "; kept in " +
+                defaults.place()};
+}
+
+} // namespace
+
+std::vector<Finding> findings() {
+    std::vector<Finding> all;
+    const auto bundle = platform::Bundle::mainBundle();
+    all.push_back({"bundle", bundle.has_value(),
+                   bundle ? bundle->bundlePath().native() : "the program lies in none"});
+    all.push_back({"application library", true, "loaded"});
+    all.push_back({"identifier", true, HELPER_IDENTIFIER});
+    all.push_back({"store", true, std::string(store::scriptURL())});
+    all.push_back(reference());
+    if (bundle) {
+        all.push_back(uninstaller(*bundle));
+        all.push_back(trash(*bundle));
+    }
+    all.push_back(copy());
+    all.push_back(lastRun());
+    return all;
+}
+
+} // namespace app
