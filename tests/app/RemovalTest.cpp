@@ -101,6 +101,7 @@ TEST_F(Removal, GoesThroughItsStepsAndLeavesTheSheetUp) {
                           "'<true>' >/dev/null"),
               0);
     ASSERT_TRUE(QTest::qWaitFor([] { return QAccessible::isActive(); }, 10000));
+    announced.clear();
     QAccessible::installUpdateHandler([](QAccessibleEvent* event) {
         if (event->type() == QAccessible::NameChanged && event->object()->inherits("QLabel")) {
             announced.push_back(event->accessibleInterface()->text(QAccessible::Name));

@@ -34,6 +34,7 @@ TEST(RunThrottle, ReadsTheClockForEachBound) {
 
 TEST(RunThrottle, StoresTheMomentOfARunThatPassesAndOfNoOther) {
     const test::TestHome home;
+    std::filesystem::remove_all(test::TestHome::path() / "config");
     const platform::UserDefaults defaults("com.example.throttle");
     Timestamp last = kNow;
     const std::pair<Timestamp::duration, bool> starts[] = {
