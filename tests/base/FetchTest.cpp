@@ -58,7 +58,6 @@ TEST_F(Fetch, GivesTheBodyOrNothingWhateverTheServerDoes) {
     const std::string head = "HTTP/1.1 200 OK\r\n";
     const Row rows[] = {
         {"a body", httpReply("<a/>"), "<a/>"},
-        {"a server error", httpReply("<a/>", "500 Oops"), "<a/>"},
         {"an empty body", httpReply(""), ""},
         {"a body that ends with the connection", {head + "\r\n<a/>"}, "<a/>"},
         {"a length too long", {head + "Content-Length: 9\r\n\r\n<a/>"}},

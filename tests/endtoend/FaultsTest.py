@@ -187,6 +187,16 @@ class MountsTest(RemovalCase):
         self.mount_tmpfs(self.bundle.parent, "8m")
         self.assert_whole(self.step("trash"))
 
+    def on_one_with_large_inode_numbers(self):
+        other = self.folder / "other"
+        other.mkdir()
+        self.mount("-t", "tmpfs", "tmpfs", other)
+        self.mount_tmpfs(self.bundle.parent, "8m")  # on which others can be laid
+        self.mount("-t", "overlay", "-o", f"lowerdir={self.bundle.parent}:{other},xino=on", "overlay",
+                   self.bundle.parent)
+        self.assertGreater(self.bundle.stat().st_ino, 2 ** 32)
+        self.assertEqual(self.step("launch"), 0)
+
     def with_a_home_that_is_read_only(self):
         home = self.folder / "home"
         self.mount("--bind", home, home)
@@ -231,7 +241,7 @@ class MountsTest(RemovalCase):
                            env=os.environ | {"HELPER_MOUNTS": "1"})
             return
         for condition in (self.on_a_read_only_one, self.on_another_one_than_home,
-                          self.with_a_home_that_is_read_only,
+                          self.on_one_with_large_inode_numbers, self.with_a_home_that_is_read_only,
                           self.on_a_full_one, self.without_execution,
                           self.with_a_relative_data_directory, self.with_a_system_log):
             self.setUp()

@@ -77,6 +77,7 @@ TEST_F(HelperUtilitiesTest, TellHowALaunchEnded) {
     bundle_.withScript("large", "");
     fs::resize_file(bundle_.executable("large"), std::uintmax_t{1} << 43U); // sparse
     test::writeFile(bundle_.executable("noise.xyzzy"), "\x01\x02");
+    test::writeFile(bundle_.executable("no interpreter"), "#!/no/such\n", true);
     const test::TestBundle inner(bundle_.executable("pipe.app"));
     ASSERT_EQ(mkfifo((inner.path() / "Contents" / "pipe").c_str(), 0600), 0);
     const std::tuple<const char*, bool, std::string> rows[] = {
@@ -89,6 +90,7 @@ TEST_F(HelperUtilitiesTest, TellHowALaunchEnded) {
         {"large", false, "There is no place from which a copy of the uninstaller can be started\n"},
         {"pipe.app", false, ""}, // cannot be copied
         {"noise.xyzzy", false, ""},
+        {"no interpreter", false, ""},
     };
     for (const auto& [name, result, log] : rows) {
         configure(name);
@@ -125,13 +127,6 @@ TEST_F(HelperUtilitiesTest, FollowNothingThatWasPutAtTheCopysPlace) {
         EXPECT_EQ(test::readFile(copy), test::readFile(bundle_.executable("Remove It")));
         EXPECT_EQ(test::readFile(victim / "Remove It"), "precious");
     }
-}
-
-TEST_F(HelperUtilitiesTest, TrashABundleByItsPath) {
-    const test::TestBundle other(TestHome::path() / "Other.app");
-    EXPECT_TRUE(HelperUtilities::trash(other.path().native() + "/"));
-    EXPECT_TRUE(fs::exists(TestHome::trashedFile("Other.app")));
-    EXPECT_FALSE(HelperUtilities::trash(other.path()));
 }
 
 TEST_F(HelperUtilitiesTest, ClearTheQuarantineMarkThroughTheShellUnescaped) {

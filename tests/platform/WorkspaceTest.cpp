@@ -161,15 +161,6 @@ TEST_F(OpenedAddress, StartsAProgramOnItsOwnLikeAFile) {
     close(200);
 }
 
-TEST_F(WorkspaceTest, OpensNothingThatCannotBeStarted) {
-    test::writeFile(folder_ / "noise.xyzzy", "\x01\x02\x03");
-    fs::create_directories(folder_ / "Empty.app");
-    test::writeFile(folder_ / "no-program", "#!/no/such/interpreter\n", true);
-    for (const char* name : {"missing", "noise.xyzzy", "Empty.app", "no-program"}) {
-        EXPECT_NE(workspace::openFile(folder_ / name), kDone) << name;
-    }
-}
-
 TEST_F(WorkspaceTest, TakesTheFirstPlaceThatIsTheUsersOwn) {
     const auto tmp = TestHome::path() / "tmp";
     const auto runtime = TestHome::path() / "runtime";

@@ -64,13 +64,11 @@ TEST(OrderParser, AppendsTheCurrentRecordAtTheEndOfAContainerOrFails) {
         // A line item that started before its container is the current one all the same.
         {"<orderItem><quantity>1</quantity></orderItem><orderItems/>",
          "{orderItems:[{quantity:1}]}"},
-        {"<orderItem><quantity>1</quantity></orderItem>", "{}"},
         {"<payment/><payments/>", "{payments:[{}]}"},
         {kItems + "<orderItems><orderItem/></orderItems>", "{orderItems:[{}]}"},
         {"<orderItems>", "{orderItems:[]}"},
         {"<payments><payment>", "{payments:[]}"},
         {"<orderItems/>", "(invalid_argument)"},
-        {"<payments/>", "(invalid_argument)"},
         {kItems + "<orderItems/>", "(invalid_argument)"},
         // The end of "payments" takes the line item away and leaves the payment.
         {"<orderItem/>" + kPayments + "<orderItems/>", "(invalid_argument)"},
@@ -117,7 +115,6 @@ TEST(OrderParser, TellsTheContextsApart) {
         {"<payments><purchaser><payment/><email>e</email><total>1</total></purchaser></payments>"
          "<phoneNumber>p</phoneNumber><total>2</total>",
          "{payments:[{total:1}],purchaserEmail:e,purchaserPhoneNumber:p,total:2}"},
-        {"<customer><city>1</city></customer><purchaser><city>2</city></purchaser>", "{city:2}"},
     });
 }
 
@@ -127,13 +124,11 @@ TEST(OrderParser, ConvertsAndFailsLikeEveryParser) {
          "{shipping:18446744073709551611,tax:1,total:19}"},
         {"<total>abc</total><tax>99999999999999999999</tax>", "{tax:9223372036854775807,total:0}"},
         {"<test>TRUE</test><city> Berlin </city><region/>", "{city: Berlin ,isTest:true,region:}"},
-        {"<test> true</test><city>a<x>b</x>c</city>", "{city:b}"},
         // Containers leave the text that is being gathered alone.
         {"<city>a<customer>b</customer></city>", "{city:ab}"},
         {"<city>a<order>b</order></city>", "{city:ab}"},
         {"<statusChanged>soonZ</statusChanged>", "{}"},
         {"<statusChanged/>", "(out_of_range)"},
-        {"<payments><statusChanged/></payments>", "(out_of_range)"},
         {"<city>1</city><order/><country>2</country>", "{country:2}"},
         {"<city>1</city><cut", "{city:1}"},
         {"<html><order><city>1</city></order></html>", "{}"},

