@@ -9,7 +9,6 @@ namespace platform {
 namespace {
 
 namespace fs = std::filesystem;
-using namespace std::chrono_literals;
 
 class UserDefaultsTest : public testing::Test {
   protected:
