@@ -82,7 +82,7 @@ std::string explanation(const CLI::App& app, const CLI::ParseError& error) {
 }
 
 /// One of a few words.
-CLI::Validator oneOf(std::vector<std::string> words) {
+CLI::Validator oneOf(const std::vector<std::string>& words) {
     const std::string list = CLI::detail::join(words, "|");
     return {[words, list](std::string& word) {
                 return std::find(words.begin(), words.end(), word) != words.end()

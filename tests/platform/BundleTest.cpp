@@ -63,8 +63,9 @@ TEST_F(BundleTest, LooksTextsUpInTheOrderOfLanguages) {
         EXPECT_EQ(bundle->localizedString("Close"), "\xe5\x85\xb3") << locale;
     }
     test::writeFile(folder_ / "out.lproj" / "Localizable.strings", "\"Close\" = \"Out\";");
-    for (const std::string& locale : {"zh_TW.UTF-8", "C.UTF-8", (folder_ / "out").c_str()}) {
-        setenv("LC_ALL", locale.c_str(), 1);
+    const std::string outside = folder_ / "out";
+    for (const char* locale : {"zh_TW.UTF-8", "C.UTF-8", outside.c_str()}) {
+        setenv("LC_ALL", locale, 1);
         EXPECT_EQ(bundle->localizedString("Close"), "Close it") << locale;
     }
     files.withResource("pt_BR.lproj/Localizable.strings", "\"Close\" = Fechar;");

@@ -1,0 +1,59 @@
+// A removal in the real window, with an uninstaller of 256 MiB: prints the longest gap between two
+// turns of the event loop in microseconds. Needs a display.
+#include "app/SubscriptionHelperAppDelegate.h"
+#include "tests/support/LoopbackServer.h"
+#include "tests/support/TestHome.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <iostream>
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QPushButton>
+#include <QTimer>
+
+namespace {
+
+constexpr std::uintmax_t kSize = std::uintmax_t{256} << 20U;
+const char* const kAnswer = "<subscription/>";
+
+/// Lets events happen until a condition holds.
+template <class Condition>
+void runUntil(Condition condition) {
+    while (!condition()) {
+        QApplication::processEvents(QEventLoop::AllEvents, 10);
+    }
+}
+
+} // namespace
+
+int main(int argumentCount, char** arguments) {
+    const test::TestHome home;
+    QApplication application(argumentCount, arguments);
+    const test::TestBundle bundle(test::TestHome::path() / "Applications" / "Helper.app");
+    bundle.asMainBundle();
+    bundle.withResource("Configuration.strings", "\"Application Uninstaller\" = Uninstall;");
+    bundle.withScript("Uninstall", "exit 0");
+    test::writeFile(bundle.executable("Uninstall"), std::string(kSize, 'x'), true);
+    test::writeFile(test::TestHome::path() / "config" / (HELPER_PRODUCT_DOMAIN ".conf"),
+                    "subscriptionReference=REF\n");
+    const test::LoopbackServer server(test::httpReply(kAnswer));
+    test::setStorePort(server.port());
+
+    app::SubscriptionHelperAppDelegate delegate;
+    delegate.awakeFromNib();
+    runUntil([] { return QApplication::activeWindow() != nullptr; });
+    QElapsedTimer sinceTurn;
+    qint64 longest = 0;
+    QTimer turn;
+    QObject::connect(&turn, &QTimer::timeout, [&] {
+        longest = std::max(longest, sinceTurn.nsecsElapsed());
+        sinceTurn.start();
+    });
+    sinceTurn.start();
+    turn.start(0);
+    QApplication::activeWindow()->findChild<QPushButton*>("removeButton")->click();
+    runUntil([&] { return !delegate.isRemoving(); });
+    std::cout << longest / 1000 << "\n";
+}
