@@ -9,7 +9,6 @@ import contextlib
 import json
 import os
 import pathlib
-import re
 import shutil
 import statistics
 import subprocess
