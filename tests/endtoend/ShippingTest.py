@@ -95,6 +95,7 @@ class PackagingTest(TestCase):
         super().setUp()
         (self.folder / "Remove Globex").write_text('#!/bin/sh\necho ran >"$HOME/removed"\n')
         (self.folder / "Remove Globex").chmod(0o755)
+        (self.folder / "not.svg").write_text("no drawing")
         (self.folder / "globex.svg").write_text(
             '<svg xmlns="http://www.w3.org/2000/svg"><circle cx="9" cy="9" r="9"/></svg>')
 
@@ -114,7 +115,11 @@ class PackagingTest(TestCase):
                 ("PRODUCT_DOMAIN", "draw", "a reverse domain name"),
                 ("PRODUCT_DOMAIN", BRAND["IDENTIFIER"], "must differ"),
                 ("STORE_HOST", "http://host/", "a host or host:port"),
-                ("UNINSTALLER", "missing", "there is no"), ("ICON", "globex.ico", "an SVG file")):
+                ("STORE_HOST", "-host", "a host or host:port"), ("STORE_HOST", "h:70000", "from 1 to 65535"),
+                ("STORE_ID", " globex", "such as"), ("STORE_ID", "a@b", "such as"), ("VERSION", "one", "numbers"),
+                ("UNINSTALLER", "missing", "there is no"), ("UNINSTALLER", "globex.svg", "an executable file"),
+                ("UNINSTALER", "x", "is no setting"), ("ICON", "globex.ico", "an SVG file"),
+                ("ICON", "not.svg", "can be drawn")):
             with self.subTest(setting=setting, value=value):
                 result = subprocess.run(
                     ["cmake", f"-DHELPER_BRAND={self.brand(**{setting: value})}", "-P",
@@ -130,9 +135,9 @@ class PackagingTest(TestCase):
         environment = os.environ | {"HELPER_BRAND": str(self.brand(STORE_HOST=host))}
         for command in (["cmake", "--preset", "brand", "-B", build],
                         ["cmake", "--build", build, "--target", "bundle"],
-                        ["cpack", "--config", build / "CPackConfig.cmake", "-B", build]):
+                        ["cpack", "--config", build / "CPackConfig.cmake"]):
             subprocess.run(command, cwd=PROJECT, env=environment, check=True, capture_output=True)
-        return next(build.glob("*.tar.gz"))
+        return next(build.glob("dist/*.tar.gz"))
 
     def test_a_package_is_the_same_each_time_and_runs_where_it_is_unpacked(self):
         with desktop() as environment, Store(BUILD, "0") as store:
