@@ -32,7 +32,7 @@ else()
 endif()
 # The process entry links the platform library but must not drag in what it does not use.
 if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
-    add_link_options(-Wl,--as-needed)
+    add_link_options(-Wl,--as-needed $<$<CONFIG:Release>:-s>) # and what is shipped has no symbols
 endif()
 
 include(CheckPIESupported)
