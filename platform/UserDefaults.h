@@ -39,7 +39,9 @@ class UserDefaults {
     [[nodiscard]] std::error_code setDate(std::string_view key, base::Timestamp moment) const;
 
     /// Where the values are, for people.
-    [[nodiscard]] std::string place() const { return file_.native(); }
+    [[nodiscard]] std::string place() const {
+        return file_.empty() ? "no place, as the user has no home" : file_.native();
+    }
 
     /// Tries to be the only one that changes this domain. See FileLock.
     [[nodiscard]] FileLock lock() const;
