@@ -2,13 +2,16 @@
 
 #include "app/Check.h"
 #include "app/SubscriptionHelperAppDelegate.h"
+#include "platform/Bundle.h"
 #include "platform/Log.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 #include <QApplication>
 #include <QJsonArray>
@@ -27,6 +30,16 @@ void reportMissingDisplay(QtMsgType type, const QMessageLogContext& /*context*/,
     if (type == QtFatalMsg) {
         platform::log("No window can be shown:%@", {reasons});
         std::_Exit(EXIT_FAILURE);
+    }
+}
+
+/// A bundle that brings Qt along brings its plugins too, and those of another Qt would not fit.
+void useOwnPlugins() {
+    const auto bundle = platform::Bundle::mainBundle();
+    std::error_code ignored;
+    if (bundle && std::filesystem::is_directory(bundle->plugInsPath(), ignored)) {
+        QCoreApplication::setLibraryPaths({QString::fromStdString(bundle->plugInsPath())});
+        qunsetenv("QT_QPA_PLATFORM_PLUGIN_PATH");
     }
 }
 
@@ -64,6 +77,7 @@ int subscriptionHelperApplicationMain(int argumentCount, char** arguments) {
     if (argumentCount > 1 && std::string_view(arguments[1]) == "--check") {
         return printFindings(argumentCount > 2);
     }
+    useOwnPlugins();
     const auto handler = qInstallMessageHandler(reportMissingDisplay);
     // By this name a Wayland desktop finds the entry, and so the icon, that belongs to the window.
     QApplication::setDesktopFileName(QStringLiteral(HELPER_IDENTIFIER));

@@ -41,6 +41,10 @@ std::filesystem::path Bundle::frameworksPath() const {
     return path_ / "Contents" / "Frameworks";
 }
 
+std::filesystem::path Bundle::plugInsPath() const {
+    return path_ / "Contents" / "PlugIns";
+}
+
 std::optional<std::filesystem::path>
 Bundle::pathForAuxiliaryExecutable(std::string_view name) const {
     // A name with a slash or dots would lead out of the directory, and so would what is made of it.

@@ -9,8 +9,9 @@ namespace platform {
 
 /// An application bundle: a directory `<name>.app` with `Contents/Info.plist`, the executable
 /// directory `Contents/Linux` (`Contents/MacOS` on macOS), which also holds the auxiliary
-/// executables, `Contents/Frameworks` and `Contents/Resources`. A value; nothing of the bundle's
-/// files is kept in memory, each look-up reads them anew. Safe to use from any thread.
+/// executables, `Contents/Frameworks`, `Contents/PlugIns` and `Contents/Resources`. A value; nothing
+/// of the bundle's files is kept in memory, each look-up reads them anew. Safe to use from any
+/// thread.
 class Bundle {
   public:
     /// The bundle in whose executable directory this process's executable lay when this was first
@@ -31,6 +32,9 @@ class Bundle {
 
     /// The directory of the shared libraries that the bundle brings along.
     [[nodiscard]] std::filesystem::path frameworksPath() const;
+
+    /// The directory of the plugins that it brings along. It need not exist.
+    [[nodiscard]] std::filesystem::path plugInsPath() const;
 
     /// The path of the entry `name` of the executable directory, or none when there is no such
     /// entry or `name` is not a plain file name.

@@ -1,0 +1,76 @@
+# Puts into the bundle the libraries and plugins that a desktop does not have, each with its licence. Read as
+# a part of the project it declares how; run as a script, by cmake -P, it does so.
+cmake_minimum_required(VERSION 3.25)
+
+if(NOT CMAKE_SCRIPT_MODE_FILE)
+    find_package(Python3 REQUIRED COMPONENTS Interpreter)
+    find_program(PATCHELF patchelf REQUIRED)
+    set(origins "${PROJECT_BINARY_DIR}/origins.txt") # of each file that is taken, a line each
+    set(licenses "${CMAKE_CURRENT_LIST_DIR}/licenses.py")
+    add_custom_command(OUTPUT "${origins}"
+        COMMAND ${CMAKE_COMMAND} "-DAPPLICATION=$<TARGET_FILE:application>" "-DCURL=$<TARGET_FILE:CURL::libcurl>"
+            "-DQT_PLUGINS=${QT6_INSTALL_PREFIX}/${QT6_INSTALL_PLUGINS}" "-DCONTENTS=${HELPER_BUNDLE_CONTENTS}"
+            "-DPATCHELF=${PATCHELF}" "-DORIGINS=${origins}" -P "${CMAKE_CURRENT_LIST_FILE}"
+        COMMAND ${Python3_EXECUTABLE} "${licenses}" "${HELPER_BUNDLE_CONTENTS}" "${origins}"
+            "${HELPER_IDENTIFIER}" "${HELPER_VERSION}" "${HELPER_COMPANY_NAME}" "${HELPER_LICENSE}"
+        DEPENDS application curl "${CMAKE_CURRENT_LIST_FILE}" "${licenses}" ${HELPER_LICENSE}
+        COMMENT "Putting libraries, plugins and their licences into the bundle"
+        VERBATIM)
+    add_custom_target(self-contained DEPENDS "${origins}")
+    add_dependencies(bundle self-contained)
+    return()
+endif()
+
+# The window on X11 and on Wayland, with the desktop's colours and fonts, and input methods. Not image formats,
+# GL and printing, which the window does not use.
+set(plugins
+    platforms/libqxcb.so
+    platforms/libqwayland-generic.so
+    wayland-shell-integration/libxdg-shell.so
+    wayland-decoration-client/libbradient.so
+    platformthemes/libqgtk3.so
+    platforminputcontexts/libcomposeplatforminputcontextplugin.so
+    platforminputcontexts/libibusplatforminputcontextplugin.so)
+
+# What every desktop has, and must have from one hand with the rest of its system: after the exclude list that
+# the AppImage project publishes, with D-Bus and, for the theme of desktops that use it, GTK.
+set(of_system
+    ld-linux-x86-64 libc libm libdl libpthread librt libresolv libutil libstdc\\+\\+ libgcc_s libz
+    libX11 libX11-xcb libxcb libICE libSM libwayland-client libEGL libGL libGLX libGLdispatch libOpenGL
+    libfontconfig libfreetype libharfbuzz
+    libglib-2\\.0 libgobject-2\\.0 libgio-2\\.0 libgmodule-2\\.0 libdbus-1
+    libgtk-3 libgdk-3 libpango-1\\.0 libgdk_pixbuf-2\\.0)
+list(JOIN of_system "|" of_system)
+
+cmake_path(GET APPLICATION PARENT_PATH frameworks)
+file(GLOB old "${frameworks}/*")
+list(REMOVE_ITEM old "${APPLICATION}")
+file(REMOVE_RECURSE ${old} "${CONTENTS}/PlugIns")
+file(REMOVE "${ORIGINS}")
+
+function(take file destination)
+    file(REAL_PATH "${file}" original)
+    file(COPY_FILE "${original}" "${CONTENTS}/${destination}")
+    file(APPEND "${ORIGINS}" "${destination}\t${original}\n")
+endfunction()
+
+foreach(plugin ${plugins})
+    cmake_path(GET plugin PARENT_PATH folder)
+    file(MAKE_DIRECTORY "${CONTENTS}/PlugIns/${folder}")
+    take("${QT_PLUGINS}/${plugin}" "PlugIns/${plugin}")
+    # What opens them has no say in where their libraries are looked for.
+    execute_process(COMMAND_ERROR_IS_FATAL ANY
+        COMMAND "${PATCHELF}" --force-rpath --set-rpath $ORIGIN/../../Frameworks "${CONTENTS}/PlugIns/${plugin}")
+    list(APPEND originals "${QT_PLUGINS}/${plugin}")
+endforeach()
+# First, so that it is found before one of the system.
+take("${CURL}" Frameworks/libcurl.so.4)
+file(GET_RUNTIME_DEPENDENCIES
+    LIBRARIES "${APPLICATION}" ${originals}
+    PRE_EXCLUDE_REGEXES "^(${of_system})\\.so(\\..*)?$"
+    RESOLVED_DEPENDENCIES_VAR libraries)
+list(REMOVE_ITEM libraries "${frameworks}/libcurl.so.4")
+foreach(library ${libraries})
+    cmake_path(GET library FILENAME name)
+    take("${library}" "Frameworks/${name}")
+endforeach()

@@ -1,0 +1,133 @@
+"""The licences of what a bundle takes along: `licenses.py CONTENTS ORIGINS IDENTIFIER VERSION COMPANY [LICENSE]`.
+
+ORIGINS has a line for each file: its place below CONTENTS, a tab, and the file that it is a copy of. Puts the
+licence texts of the Debian packages that these came from into CONTENTS/Resources/licenses, and a list of packages,
+versions, licences and files, by the SPDX specification 2.3. A file without a licence is an error.
+"""
+
+import datetime
+import hashlib
+import json
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+
+# By Debian's source packages, after their copyright files.
+LICENSES = {
+    "curl": "curl",
+    "double-conversion": "BSD-3-Clause",
+    "expat": "MIT",
+    "gcc-12": "GPL-3.0-or-later WITH GCC-exception-3.1",
+    "icu": "Unicode-DFS-2016",
+    "libb2": "CC0-1.0",
+    "libpng1.6": "libpng-2.0",
+    "libxcb": "MIT",
+    "libxkbcommon": "MIT",
+    "libzstd": "BSD-3-Clause OR GPL-2.0-only",
+    "md4c": "MIT",
+    "openssl": "Apache-2.0",
+    "pcre2": "BSD-3-Clause",
+    "qt6-base": "LGPL-3.0-only OR GPL-2.0-only OR GPL-3.0-only",
+    "qt6-wayland": "LGPL-3.0-only OR GPL-2.0-only OR GPL-3.0-only",
+    "uriparser": "BSD-3-Clause",
+    "wayland": "MIT",
+    "xcb-util": "MIT",
+    "xcb-util-image": "MIT",
+    "xcb-util-keysyms": "MIT",
+    "xcb-util-renderutil": "MIT",
+    "xcb-util-wm": "MIT",
+}
+COMMON = pathlib.Path("/usr/share/common-licenses")
+
+
+def output_of(*command):
+    return subprocess.run(command, text=True, check=True, stdout=subprocess.PIPE).stdout.strip()
+
+
+def package_of(origin):
+    """The source package that a file came from: name, version, and file of licences."""
+    source = next((folder for folder in origin.parents if (folder / "src/curl/debian").is_dir()), None)
+    if source:  # built from Debian's sources
+        debian = source / "src/curl/debian"
+        fields = {name: output_of("dpkg-parsechangelog", "-l", str(debian / "changelog"), "-S", name)
+                  for name in ("Source", "Version")}
+        return fields["Source"], fields["Version"], debian / "copyright"
+    # Some packages name their files as they were before /lib became a part of /usr.
+    for path in (str(origin), str(origin).removeprefix("/usr")):
+        found = subprocess.run(["dpkg-query", "--search", path], text=True, capture_output=True, check=False)
+        if found.returncode == 0:
+            package = found.stdout.split(": ")[0]
+            name, version = output_of("dpkg-query", "--show", "--showformat",
+                                      "${source:Package} ${source:Version}", package).split()
+            return name, version, pathlib.Path("/usr/share/doc", package.split(":")[0], "copyright")
+    sys.exit(f"licenses: no package has {origin}")
+
+
+def digest(file, kind):
+    return hashlib.new(kind, file.read_bytes()).hexdigest()
+
+
+def identifier_of(*names):
+    return "SPDXRef-" + re.sub(r"[^A-Za-z0-9.]", "-", "-".join(names))
+
+
+def described(name, version, license_, supplier):
+    return {"SPDXID": identifier_of("Package", name), "name": name, "versionInfo": version,
+            "supplier": supplier, "downloadLocation": "NOASSERTION", "licenseDeclared": license_,
+            "licenseConcluded": license_, "copyrightText": "NOASSERTION"}
+
+
+def main():
+    contents, origins, identifier, version, company, license_ = (*sys.argv[1:], "")[:6]
+    contents = pathlib.Path(contents)
+    folder = contents / "Resources" / "licenses"
+    shutil.rmtree(folder, ignore_errors=True)
+    folder.mkdir()
+
+    packages, files, relations = {}, [], []
+    for line in sorted(pathlib.Path(origins).read_text().splitlines()):
+        place, origin = line.split("\t")
+        name, package_version, text = package_of(pathlib.Path(origin))
+        if name not in LICENSES or not text.is_file():
+            sys.exit(f"licenses: of {place}, from the package {name}, no licence is known; {__file__} names them")
+        if name not in packages:
+            packages[name] = described(name, package_version, LICENSES[name], "Organization: Debian") | {
+                "filesAnalyzed": False}
+            shutil.copyfile(text, folder / f"{name}.txt")
+            for common in set(re.findall(rf"{COMMON}/([\w.+-]*\w)", text.read_text())):
+                shutil.copyfile(COMMON / common, folder / f"{common}.txt")
+        files.append({"SPDXID": identifier_of("File", place), "fileName": f"./Contents/{place}",
+                      "checksums": [{"algorithm": kind.upper(), "checksumValue": digest(contents / place, kind)}
+                                    for kind in ("sha1", "sha256")],
+                      "licenseConcluded": LICENSES[name], "copyrightText": "NOASSERTION"})
+        relations.append((files[-1]["SPDXID"], "GENERATED_FROM", packages[name]["SPDXID"]))
+
+    own = described(identifier, version, "NOASSERTION", f"Organization: {company}") | {"filesAnalyzed": False}
+    document = {
+        "spdxVersion": "SPDX-2.3", "dataLicense": "CC0-1.0", "SPDXID": "SPDXRef-DOCUMENT",
+        "name": f"{identifier}-{version}", "packages": [own, *packages.values()], "files": files}
+    if license_:
+        shutil.copyfile(license_, folder / f"{identifier}.txt")
+        own["licenseDeclared"] = own["licenseConcluded"] = "LicenseRef-company"
+        document["hasExtractedLicensingInfos"] = [
+            {"licenseId": "LicenseRef-company", "extractedText": pathlib.Path(license_).read_text()}]
+    relations = [("SPDXRef-DOCUMENT", "DESCRIBES", own["SPDXID"]),
+                 *((own["SPDXID"], "CONTAINS", file["SPDXID"]) for file in files), *relations]
+    document["relationships"] = [
+        {"spdxElementId": one, "relationshipType": kind, "relatedSpdxElement": other}
+        for one, kind, other in relations]
+    epoch = int(os.environ.get("SOURCE_DATE_EPOCH") or output_of(
+        "git", "-C", str(pathlib.Path(__file__).parent), "log", "-1", "--format=%ct"))
+    document["creationInfo"] = {
+        "creators": [f"Organization: {company}"],
+        "created": datetime.datetime.fromtimestamp(epoch, datetime.timezone.utc).strftime("%Y-%m-%dT%H:%M:%SZ")}
+    whole = hashlib.sha256(json.dumps(document).encode()).hexdigest()
+    document["documentNamespace"] = f"https://spdx.org/spdxdocs/{identifier}-{version}-{whole}"
+    (folder / "libraries.spdx.json").write_text(json.dumps(document, indent=1) + "\n")
+
+
+if __name__ == "__main__":
+    main()
