@@ -5,6 +5,7 @@ cmake_minimum_required(VERSION 3.25)
 # setting is. Every value is compiled or bundled in; none can be changed at run time.
 set(HELPER_BRAND "${PROJECT_SOURCE_DIR}/demo/product/brand.cmake" CACHE FILEPATH
     "The brand file: a set() line for each setting")
+option(HELPER_DEMO_STORE "Ask the demo store service on loopback, whatever the brand says" OFF)
 
 include("${CMAKE_CURRENT_LIST_DIR}/Bundle.cmake")
 
@@ -88,6 +89,9 @@ helper_setting(ICON "${text}\\.svg" "an SVG file, such as \"globex.svg\"")
 string(REGEX MATCH "[0-9]+$" port "${HELPER_STORE_HOST}")
 if(HELPER_STORE_HOST MATCHES ":" AND (port LESS 1 OR port GREATER 65535))
     helper_refuse(STORE_HOST "must have a port from 1 to 65535, not ${port}")
+endif()
+if(HELPER_DEMO_STORE)
+    set(HELPER_STORE_HOST "127.0.0.1:8642")
 endif()
 if(HELPER_PRODUCT_DOMAIN STREQUAL HELPER_IDENTIFIER)
     helper_refuse(PRODUCT_DOMAIN "and HELPER_IDENTIFIER must differ: both name a file of the user's")

@@ -21,22 +21,24 @@ if(NOT CMAKE_SCRIPT_MODE_FILE)
     return()
 endif()
 
-# The window on X11 and on Wayland, with the desktop's colours and fonts, and input methods. Not image formats,
-# GL and printing, which the window does not use.
+# The window on X11 and on Wayland, with the desktop's colours and fonts, and input methods. Not image formats, GL
+# on X11 and printing, which the window does not use; on Wayland Qt draws no title bar without it.
 set(plugins
     platforms/libqxcb.so
     platforms/libqwayland-generic.so
     wayland-shell-integration/libxdg-shell.so
     wayland-decoration-client/libbradient.so
+    wayland-graphics-integration-client/libqt-plugin-wayland-egl.so
     platformthemes/libqgtk3.so
     platforminputcontexts/libcomposeplatforminputcontextplugin.so
     platforminputcontexts/libibusplatforminputcontextplugin.so)
 
 # What every desktop has, and must have from one hand with the rest of its system: after the exclude list that
-# the AppImage project publishes, with D-Bus and, for the theme of desktops that use it, GTK.
+# the AppImage project publishes, with D-Bus and, for the theme of desktops that use it, GTK. Not libOpenGL, which
+# Qt needs and GNOME, Xfce, MATE and Cinnamon of Debian 13 do without (their packages, 2026-11-24).
 set(of_system
     ld-linux-x86-64 libc libm libdl libpthread librt libresolv libutil libstdc\\+\\+ libgcc_s libz
-    libX11 libX11-xcb libxcb libICE libSM libwayland-client libEGL libGL libGLX libGLdispatch libOpenGL
+    libX11 libX11-xcb libxcb libICE libSM libwayland-client libEGL libGL libGLX libGLdispatch
     libfontconfig libfreetype libharfbuzz
     libglib-2\\.0 libgobject-2\\.0 libgio-2\\.0 libgmodule-2\\.0 libdbus-1
     libgtk-3 libgdk-3 libpango-1\\.0 libgdk_pixbuf-2\\.0)

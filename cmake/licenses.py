@@ -23,6 +23,7 @@ LICENSES = {
     "gcc-12": "GPL-3.0-or-later WITH GCC-exception-3.1",
     "icu": "Unicode-DFS-2016",
     "libb2": "CC0-1.0",
+    "libglvnd": "MIT AND BSD-1-Clause",
     "libpng1.6": "libpng-2.0",
     "libxcb": "MIT",
     "libxkbcommon": "MIT",

@@ -44,7 +44,7 @@ def use_by_hand(stage):
 def use_by_itself(stage, store, folder, refuse):
     """Presses the removal control by keyboard on a virtual display, and takes pictures."""
     with desktop(stage.environment()) as environment:
-        window = Window(environment)
+        window = Window(environment, stage.brand["productName"])
         # Into a file: a browser that the helper starts would keep a pipe open.
         with (stage.home / "log").open("w") as log:
             process = stage.start(environment, log=log)
@@ -67,7 +67,7 @@ def photograph_removal(window, stage, store, folder, refuse):
     time.sleep(CANCELLATION / 2000)
     screenshot(window.environment, folder / "sheet.png")
     wait_for(stage.trashed_bundle)
-    wait_for(stage.note.exists)
+    stage.wait_for_uninstaller()
     if refuse:
         wait_for(lambda: any("/account/" in line for line in store.requests), 60)
         time.sleep(3)  # for the page to be drawn
@@ -90,8 +90,6 @@ def report(stage, store, status, refuse):
     steps = [
         (request("f=getsubscription"), "The store was asked for the subscription"),
         (request("f=deletesubscription"), "The store was asked to cancel it"),
-        (stage.note.exists() and note, "The uninstaller ran and left a note"),
-        (not stage.product.exists() and str(stage.product), "The product's directory is gone"),
         (stage.trashed_bundle(), "The helper's bundle lies in the Trash"),
         (stage.restore_path() == str(stage.bundle) and stage.restore_path(),
          "It can be restored to"),
@@ -100,6 +98,10 @@ def report(stage, store, status, refuse):
          and f"status 0 after {seconds * 1000:.0f} ms, nothing requested",
          "A second start left at once"),
     ]
+    if stage.is_demo():
+        steps[2:2] = [
+            (stage.note.exists() and note, "The uninstaller ran and left a note"),
+            (not stage.product.exists() and str(stage.product), "The product's directory is gone")]
     if refuse:
         steps.insert(2, (request("GET /account/"), "The account page opened in a browser"))
     print("\nWhat happened:")
@@ -130,7 +132,7 @@ def main():
             print(f"Demo store: {store.address}", flush=True)
             status = use_by_hand(stage) if has_display else \
                 use_by_itself(stage, store, folder, arguments.refuse)
-            wait_for(stage.note.exists, 5)
+            stage.wait_for_uninstaller(5)
             done = report(stage, store, status, arguments.refuse)
     except RuntimeError as error:
         sys.exit(f"demo: {error}")

@@ -77,17 +77,18 @@ def desktop(environment=None):
 
 
 @contextlib.contextmanager
-def wayland_desktop(runtime, environment=None):
-    """Yields an environment for programs that are to run on a new Wayland desktop without a screen;
-    its socket lies in the folder `runtime`."""
+def wayland_desktop(runtime, environment=None, backend="headless"):
+    """Yields an environment for programs that are to run on a new Wayland desktop without a screen, or in a
+    window where the backend is "x11"; its socket lies in the folder `runtime`."""
     environment = dict(environment if environment is not None else os.environ)
-    environment.pop("DISPLAY", None)
+    if backend == "headless":
+        environment.pop("DISPLAY", None)
     runtime.mkdir(mode=0o700)
     environment |= {"XDG_RUNTIME_DIR": str(runtime), "WAYLAND_DISPLAY": "wayland-own",
                     "QT_QPA_PLATFORM": "wayland"}
     with contextlib.ExitStack() as stack:
         compositor = subprocess.Popen(
-            ["weston", "--backend=headless-backend.so", "--socket=wayland-own", "--no-config"],
+            ["weston", f"--backend={backend}-backend.so", "--socket=wayland-own", "--no-config"],
             env=environment, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         stack.callback(end, compositor)
         wait_for((runtime / "wayland-own").exists)

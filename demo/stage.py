@@ -1,7 +1,9 @@
 """A stage for the helper: a throw-away home with its bundle and the demo product, and a store."""
 
+import json
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import threading
@@ -12,8 +14,7 @@ from desktop import end, wait_for
 
 PROJECT = pathlib.Path(__file__).resolve().parents[1]
 BUNDLE = "Subscription Helper.app"
-HELPER_DOMAIN = "com.example.subscription-helper"
-PRODUCT_DOMAIN = "com.example.acme-studio"
+HELPER_DOMAIN = "com.example.subscription-helper"  # of the demo product's helper
 
 
 class Store:
@@ -47,6 +48,7 @@ class Stage:
 
     def __init__(self, build, folder, reference="DEMO-1001", applications="Applications"):
         self.home = pathlib.Path(folder)
+        self.brand = json.loads((pathlib.Path(build) / "brand.json").read_text())
         self.applications = self.home / applications
         self.bundle = self.applications / BUNDLE
         self.product = self.home / "Applications" / "Acme Studio"
@@ -58,9 +60,17 @@ class Stage:
         shutil.copytree(PROJECT / "demo" / "product" / "Acme Studio", self.product)
         self.set_reference(reference)
 
+    def is_demo(self):
+        """Whether the brand is that of the demo product, whose uninstaller leaves a note."""
+        return self.brand["identifier"] == HELPER_DOMAIN
+
+    def wait_for_uninstaller(self, seconds=15):
+        if self.is_demo():
+            wait_for(self.note.exists, seconds)
+
     def set_reference(self, reference):
         """What the product says of its subscription; None for nothing."""
-        file = self.config / f"{PRODUCT_DOMAIN}.conf"
+        file = self.config / f"{self.brand['productDomain']}.conf"
         file.unlink(missing_ok=True)
         if reference is not None:
             file.write_text(f"subscriptionReference={reference}\n")
@@ -96,13 +106,13 @@ class Stage:
 
     def last_run(self):
         """The stored moment of the last run, or None."""
-        file = self.config / f"{HELPER_DOMAIN}.conf"
+        file = self.config / f"{self.brand['identifier']}.conf"
         lines = file.read_text().splitlines() if file.exists() else []
         key = "lastRunUserDefaultKey="
         return next((line[len(key):] for line in lines if line.startswith(key)), None)
 
     def forget_last_run(self):
-        (self.config / f"{HELPER_DOMAIN}.conf").unlink(missing_ok=True)
+        (self.config / f"{self.brand['identifier']}.conf").unlink(missing_ok=True)
 
     def trashed_bundle(self):
         """Where the bundle lies in the Trash, or None."""
@@ -133,13 +143,14 @@ class Window:
     def __init__(self, environment, title="Acme Studio"):
         self.environment = environment
         self.title = title
+        self._pattern = f"^{re.escape(title)}$"
 
     def _xdotool(self, *words):
         return subprocess.run(["xdotool", *words], env=self.environment, text=True,
                               capture_output=True, check=False).stdout.split()
 
     def is_shown(self):
-        return bool(self._xdotool("search", "--onlyvisible", "--name", f"^{self.title}$"))
+        return bool(self._xdotool("search", "--onlyvisible", "--name", self._pattern))
 
     def wait(self, seconds=30):
         """Waits until the window is on the screen and has the keyboard."""
@@ -152,7 +163,7 @@ class Window:
 
     def activate(self):
         """Brings the window to the front, with the keyboard."""
-        self._xdotool("search", "--onlyvisible", "--name", f"^{self.title}$", "windowactivate",
+        self._xdotool("search", "--onlyvisible", "--name", self._pattern, "windowactivate",
                       "--sync")
 
     def press_remove(self):
@@ -160,7 +171,7 @@ class Window:
         self.keys("Tab", "Tab", "space")
 
     def _id(self):
-        return self._xdotool("search", "--onlyvisible", "--name", f"^{self.title}$")[0]
+        return self._xdotool("search", "--onlyvisible", "--name", self._pattern)[0]
 
     def property(self, name):
         return subprocess.run(["xprop", "-id", self._id(), name], env=self.environment, text=True,

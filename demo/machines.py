@@ -1,0 +1,157 @@
+"""The packaged helper on bare machines: `machines.py BUILD ROOT...`, as root, in a mount name space of its own.
+
+In each ROOT, a system without Qt and libcurl, a customer unpacks the package of the build folder and does the main
+job, on a display outside: under X11, and under a Wayland compositor. Prints a table; status 0 only if all of it
+happened everywhere.
+"""
+
+import contextlib
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+
+from desktop import desktop, end, screenshot, wait_for, wayland_desktop
+from stage import Stage, Store, Window
+
+CUSTOMER = 1000
+
+
+def run(*words):
+    return subprocess.run([str(word) for word in words], text=True, check=True, stdout=subprocess.PIPE).stdout
+
+
+def prepare(root):
+    """Gives a system a customer, the kernel's folders, and the X servers outside."""
+    if "customer:" not in (root / "etc/passwd").read_text():
+        run("chroot", root, "useradd", "--uid", CUSTOMER, "customer")
+    for folder in ("proc", "sys", "dev", "tmp/.X11-unix"):
+        (root / folder).mkdir(parents=True, exist_ok=True)
+        run("mount", "--rbind", f"/{folder}", root / folder)
+
+
+class Machine:
+    """A customer on a bare system, with the package unpacked in a new home."""
+
+    def __init__(self, build, root):
+        self.root = root
+        home = root / "home/customer"
+        shutil.rmtree(home, ignore_errors=True)
+        self.stage = Stage(build, home)
+        shutil.rmtree(self.stage.bundle)
+        package = next(pathlib.Path(build).glob("dist/*.tar.gz"))
+        run("tar", "-xzf", package, "-C", self.stage.applications)
+        run("chown", "-R", f"{CUSTOMER}:{CUSTOMER}", home)
+
+    def system(self):
+        name = next(line for line in (self.root / "etc/os-release").read_text().splitlines()
+                    if line.startswith("PRETTY_NAME="))
+        version = run("chroot", self.root, "dpkg-query", "--show", "--showformat", "${Version}", "libc6")
+        return f"{name.split('=')[1].strip(chr(34))}, glibc {version.split('-')[0]}"
+
+    def start(self, **environment):
+        home = "/home/customer"
+        words = [f"{name}={value}" for name, value in environment.items()]
+        program = str(self.stage.program()).removeprefix(str(self.root))
+        return subprocess.Popen(
+            ["chroot", f"--userspec={CUSTOMER}:{CUSTOMER}", str(self.root), "env", "-i", "--chdir", home,
+             f"HOME={home}", f"TMPDIR={home}/tmp", "LC_ALL=C.UTF-8", "PATH=/usr/bin:/bin", *words,
+             "dbus-run-session", "--", program], text=True, stderr=subprocess.PIPE)
+
+    def libraries(self):
+        """The files of code that the running helper has from its system, and whether its bundle has the rest."""
+        for maps in pathlib.Path("/proc").glob("[0-9]*/maps"):
+            with contextlib.suppress(OSError):
+                lines = maps.read_text()
+                if "SubscriptionHelperApplication.so" in lines:
+                    files = {line.split(None, 5)[5] for line in lines.splitlines() if ".so" in line}
+                    return {pathlib.Path(file).name.split(".so")[0] for file in files if ".app/" not in file}
+        return set()
+
+
+def shown_on_x11(machine, environment, picture):
+    """Starts the helper and waits for its window; gives both, and whether it came."""
+    window = Window(environment, machine.stage.brand["productName"])
+    process = machine.start(DISPLAY=environment["DISPLAY"])
+    is_shown = window.wait()
+    screenshot(environment, picture)
+    return process, window, is_shown
+
+
+def shown_on_wayland(machine, environment, picture, socket):
+    """The same in a compositor, whose own window it is that has the keyboard."""
+    def differing():
+        screenshot(environment, picture)
+        result = subprocess.run(["compare", "-metric", "AE", before, picture, "null:"], text=True,
+                                capture_output=True, check=False)
+        return float(result.stderr) > 20000
+
+    window = Window(environment, "Weston Compositor - screen0")
+    window.wait()
+    before = picture.with_suffix(".before.png")
+    screenshot(environment, before)
+    process = machine.start(WAYLAND_DISPLAY=socket, XDG_RUNTIME_DIR="/home/customer/run", QT_QPA_PLATFORM="wayland")
+    is_shown = wait_for(differing, 30, 0.5)
+    return process, window, bool(is_shown)
+
+
+def use(machine, requests, process, window):
+    """The main job, by keyboard; gives whether it was all done, with nothing to be logged."""
+    window.press_remove()
+    wait_for(machine.stage.trashed_bundle)
+    machine.stage.wait_for_uninstaller()
+    window.keys("Return")
+    try:
+        _, log = process.communicate(timeout=20)
+    except subprocess.TimeoutExpired:
+        return False
+    finally:
+        end(process)
+    uninstalled = not machine.stage.is_demo() or machine.stage.note.exists()
+    print(log, file=sys.stderr, end="")
+    return bool(machine.stage.trashed_bundle()) and uninstalled and len(requests) == 2 and process.returncode == 0
+
+
+def check(build, root, pictures):
+    """Rows for a system: under X11, and under Wayland."""
+    prepare(root)
+    libraries = set()
+    for session in ("X11", "Wayland"):
+        machine = Machine(build, root)
+        picture = pictures / f"{root.name}-{session}.png"
+        with contextlib.ExitStack() as stack:
+            store = stack.enter_context(Store(build))
+            environment = stack.enter_context(desktop())
+            if session == "X11":
+                process, window, is_shown = shown_on_x11(machine, environment, picture)
+            else:
+                runtime = machine.stage.home / "run"
+                stack.enter_context(wayland_desktop(runtime, environment, backend="x11"))
+                run("chown", "-R", f"{CUSTOMER}:{CUSTOMER}", runtime)
+                process, window, is_shown = shown_on_wayland(machine, environment, picture, "wayland-own")
+            libraries = machine.libraries()
+            is_removed = use(machine, store.requests, process, window)
+        yield machine.system(), session, is_shown, is_removed, libraries
+
+
+def main():
+    build = pathlib.Path(sys.argv[1])
+    size = int(run("du", "-s", "--block-size=1M", build / "Subscription Helper.app").split()[0])
+    print(f"| system | session | unpacked | window | removal | libraries of the system |\n|{'---|' * 6}")
+    done = True
+    names = set()
+    for root in map(pathlib.Path, sys.argv[2:]):
+        if root.is_dir():
+            for system, session, is_shown, is_removed, libraries in check(build, root, build.parent):
+                words = ["yes" if fact else "NO" for fact in (is_shown, is_removed)]
+                print(f"| {system} | {session} | {size} MB | {' | '.join(words)} | {len(libraries)} |", flush=True)
+                done = done and is_shown and is_removed
+                names |= libraries
+    print(f"\nOf the system: {', '.join(sorted(names))}")
+    sys.exit(0 if done else 1)
+
+
+if __name__ == "__main__":
+    main()
