@@ -6,7 +6,7 @@ find_package(OpenSSL REQUIRED)
 set(curl_source "${PROJECT_BINARY_DIR}/curl/src/curl")
 set(curl_library "${PROJECT_BINARY_DIR}/curl/src/curl-build/lib/libcurl.so.4")
 string(JOIN " " curl_flags -fstack-protector-strong -D_FORTIFY_SOURCE=2 -D_FILE_OFFSET_BITS=64 -D_TIME_BITS=64
-    "-ffile-prefix-map=${PROJECT_BINARY_DIR}=.") # the same bytes from each build folder
+    "'-ffile-prefix-map=${PROJECT_BINARY_DIR}=.'") # the same bytes from each build folder
 ExternalProject_Add(curl
     PREFIX "${PROJECT_BINARY_DIR}/curl"
     DOWNLOAD_COMMAND "${PROJECT_SOURCE_DIR}/scripts/debian-source" curl <SOURCE_DIR>

@@ -6,12 +6,10 @@ happened everywhere.
 """
 
 import contextlib
-import os
 import pathlib
 import shutil
 import subprocess
 import sys
-import tempfile
 
 from desktop import desktop, end, screenshot, wait_for, wayland_desktop
 from stage import Stage, Store, Window

@@ -2,11 +2,13 @@
 
 import filecmp
 import hashlib
+import json
 import os
 import pathlib
 import shutil
 import subprocess
 import sys
+import tempfile
 import unittest
 
 from support import BUILD, SANITIZE, TestCase
@@ -22,6 +24,7 @@ BRAND = {
     "IDENTIFIER": "org.example.globex.leave", "PRODUCT_DOMAIN": "org.example.globex.draw",
     "STORE_HOST": "localhost:80", "STORE_ID": "globex", "UNINSTALLER": "Remove Globex",
     "ICON": "globex.svg"}
+LARGEST = {"packed": 31, "unpacked": 76, "small": 0.75, "entry": 1.4}  # in millions of bytes
 
 
 def readelf(option, file):
@@ -95,6 +98,7 @@ class PackagingTest(TestCase):
         super().setUp()
         (self.folder / "Remove Globex").write_text('#!/bin/sh\necho ran >"$HOME/removed"\n')
         (self.folder / "Remove Globex").chmod(0o755)
+        (self.folder / "license.txt").write_text("You may leave.\n")
         (self.folder / "not.svg").write_text("no drawing")
         (self.folder / "globex.svg").write_text(
             '<svg xmlns="http://www.w3.org/2000/svg"><circle cx="9" cy="9" r="9"/></svg>')
@@ -119,7 +123,15 @@ class PackagingTest(TestCase):
                 ("STORE_ID", " globex", "such as"), ("STORE_ID", "a@b", "such as"), ("VERSION", "one", "numbers"),
                 ("UNINSTALLER", "missing", "there is no"), ("UNINSTALLER", "globex.svg", "an executable file"),
                 ("UNINSTALER", "x", "is no setting"), ("ICON", "globex.ico", "an SVG file"),
-                ("ICON", "not.svg", "can be drawn")):
+                ("ICON", "not.svg", "can be drawn"), ("LICENSE", "missing", "there is no"),
+                ("TEXTS", "missing", "there is no"),
+                ("TEXTS", self.texts("German", "x"), "named by a language"),
+                ("TEXTS", self.texts("de", 'Leave = "x";'), "expected entries"),
+                ("TEXTS", self.texts("de", '"Leave" = "x";'), "there is no text 'Leave'"),
+                ("TEXTS", self.texts("de", '"Leave %@?" = "x?";'), "must have %@ as often"),
+                ("TEXTS", self.texts("de", '"&Close" = "x";'), "must have & as often"),
+                ("TEXTS", self.texts("de", '"Not Now" = " ";'), "is empty"),
+                ("TEXTS", self.texts("sv", '"Not Now" = "x";'), "needs all texts")):
             with self.subTest(setting=setting, value=value):
                 result = subprocess.run(
                     ["cmake", f"-DHELPER_BRAND={self.brand(**{setting: value})}", "-P",
@@ -129,15 +141,61 @@ class PackagingTest(TestCase):
                 self.assertIn(message, text)
                 self.assertIn(f"HELPER_{setting}", text)
 
-    def package(self, name, host):
+    def texts(self, language, content):
+        """The name of a folder of texts beside the brand file."""
+        folder = pathlib.Path(tempfile.mkdtemp(dir=self.folder))
+        (folder / f"{language}.strings").write_text(content)
+        return folder.name
+
+    def package(self, name, host, *options):
         """The package of a build of its own."""
         build = self.folder / name
-        environment = os.environ | {"HELPER_BRAND": str(self.brand(STORE_HOST=host))}
-        for command in (["cmake", "--preset", "brand", "-B", build],
+        brand = self.brand(STORE_HOST=host, LICENSE="license.txt", VERSION="3.1",
+                           TEXTS=self.texts("en", r'/* ours */ "Product Name" = "Globex \"Draw\" 4";'))
+        environment = os.environ | {"HELPER_BRAND": str(brand)}
+        for command in (["cmake", "--preset", "brand", "-B", build, *options],
                         ["cmake", "--build", build, "--target", "bundle"],
                         ["cpack", "--config", build / "CPackConfig.cmake"]):
-            subprocess.run(command, cwd=PROJECT, env=environment, check=True, capture_output=True)
-        return next(build.glob("dist/*.tar.gz"))
+            result = subprocess.run(command, cwd=PROJECT, env=environment, check=False, text=True,
+                                    capture_output=True)
+            self.assertEqual(result.returncode, 0, result.stdout[-3000:] + result.stderr)
+        return next(build.glob("dist/*-3.1-*.tar.gz"))
+
+    def check_size(self, what, file):
+        size = int(subprocess.run(["du", "--apparent-size", "--bytes", "--summarize", file], text=True,
+                                  check=True, stdout=subprocess.PIPE).stdout.split()[0]) / 1e6
+        self.assertTrue(LARGEST[what] * 0.7 < size < LARGEST[what], f"{what}: {size} MB")
+
+    def check_licenses(self, contents):
+        """Each file that came from elsewhere is told with its licence, and its text is there."""
+        folder = contents / "Resources/licenses"
+        listed = json.loads((folder / "libraries.spdx.json").read_text())
+        shipped = {f"./Contents/{file.relative_to(contents)}" for name in ("Frameworks", "PlugIns")
+                   for file in (contents / name).rglob("*.so*") if file.name != BUILT[1].name}
+        self.assertEqual({file["fileName"] for file in listed["files"]}, shipped)
+        for package in listed["packages"]:
+            self.assertTrue((folder / f"{package['name']}.txt").exists(), package["name"])
+        self.assertIn("You may leave.", str(listed))
+
+    def check_libraries(self, process):
+        """What a desktop may lack is from the bundle, whatever the environment says."""
+        maps = pathlib.Path(f"/proc/{process.pid}/maps").read_text()
+        self.assertRegex(maps, r"\.app/Contents/PlugIns/platforms/libqxcb\.so")
+        self.assertNotRegex(maps, r"/usr/\S*/(qt6/|lib(Qt6|icu|curl|ssl|crypto|expat|uriparser|xcb-|OpenGL))")
+
+    def check_fetch(self):
+        """The fetch works with the libcurl that is shipped, too."""
+        libraries = next(self.folder.glob("one/curl/src/*/lib"))
+        result = subprocess.run([f"{BUILD}/tests/base-test", "--gtest_filter=Fetch*"], check=False, text=True,
+                                env=os.environ | {"LD_LIBRARY_PATH": str(libraries)}, capture_output=True)
+        self.assertEqual(result.returncode, 0, result.stdout)
+        self.assertIn(f"{libraries}/libcurl.so.4: no version information", result.stderr)  # it was that one
+
+    def test_the_demonstration_shows_ones_own_brand(self):
+        environment = {name: value for name, value in os.environ.items() if name != "DISPLAY"}
+        result = subprocess.run([PROJECT / "scripts/demo"], text=True, capture_output=True, check=False,
+                                env=environment | {"HELPER_BRAND": str(self.brand())})
+        self.assertEqual((result.returncode, result.stdout.count("[ok]")), (0, 6), result.stdout + result.stderr)
 
     def test_a_package_is_the_same_each_time_and_runs_where_it_is_unpacked(self):
         with desktop() as environment, Store(BUILD, "0") as store:
@@ -146,14 +204,31 @@ class PackagingTest(TestCase):
             self.assertEqual(package.with_name(package.name + ".sha256").read_text().split(),
                              [hashlib.sha256(package.read_bytes()).hexdigest(), package.name])
             self.assertTrue(filecmp.cmp(package, self.package("another folder", host), shallow=False))
+            self.check_fetch()
+            self.check_size("packed", package)
+            self.check_size("small", self.package("small", host, "-DHELPER_SELF_CONTAINED=OFF"))
 
             stage = self.make_stage()
             shutil.rmtree(stage.bundle)
-            subprocess.run(["tar", "-xzf", package, "-C", stage.applications], check=True)
-            (stage.config / f"{BRAND['PRODUCT_DOMAIN']}.conf").write_text("subscriptionReference=DEMO-1001\n")
-            process = stage.start(environment)
-            window = Window(environment, 'Globex "Draw" 3')
+            settings = stage.config / f"{BRAND['PRODUCT_DOMAIN']}.conf"
+            settings.write_text("colour=blue\nsubscriptionReference=OLD\n")
+            plugins = "/usr/lib/x86_64-linux-gnu/qt6/plugins"
+            process = subprocess.Popen(
+                [PROJECT / "examples/install-helper", package, stage.applications, BRAND["PRODUCT_DOMAIN"],
+                 "DEMO-1001"], stderr=subprocess.PIPE, text=True, env=stage.environment(environment) | {
+                     "QT_PLUGIN_PATH": plugins, "QT_QPA_PLATFORM_PLUGIN_PATH": f"{plugins}/platforms",
+                     "LD_LIBRARY_PATH": "/usr/lib/x86_64-linux-gnu"})
+            window = Window(environment, 'Globex "Draw" 4')
             self.assertTrue(window.wait())
+            self.check_libraries(process)
+            self.assertEqual(settings.read_text(), "subscriptionReference=DEMO-1001\ncolour=blue\n")
+            entry = stage.home / f".local/share/applications/{BRAND['IDENTIFIER']}.desktop"
+            subprocess.run(["desktop-file-validate", entry], check=True)
+            self.assertIn(f"\nTryExec={stage.program()}\n", entry.read_text())
+            self.assertIn('\nName[en]=Leave Globex "Draw" 4?\n', entry.read_text())
+            self.check_size("unpacked", stage.bundle)
+            self.check_size("entry", stage.program())
+            self.check_licenses(stage.bundle / "Contents")
             window.press_remove()
             self.assertTrue(wait_for(stage.trashed_bundle))
             self.assertTrue(wait_for((stage.home / "removed").exists))
