@@ -1,6 +1,6 @@
 find_package(Threads REQUIRED)
 find_package(EXPAT 2.5 REQUIRED)
-if(HELPER_SELF_CONTAINED)
+if(HELPER_SELF_CONTAINED AND NOT APPLE)
     include(cmake/OwnCurl.cmake)
 else()
     find_package(CURL 7.87 REQUIRED)

@@ -9,9 +9,9 @@ namespace platform {
 
 /// An application bundle: a directory `<name>.app` with `Contents/Info.plist`, the executable
 /// directory `Contents/Linux` (`Contents/MacOS` on macOS), which also holds the auxiliary
-/// executables, `Contents/Frameworks`, `Contents/PlugIns` and `Contents/Resources`. A value; nothing
-/// of the bundle's files is kept in memory, each look-up reads them anew. Safe to use from any
-/// thread.
+/// executables, `Contents/Frameworks`, `Contents/PlugIns` and `Contents/Resources`. A value;
+/// nothing of the bundle's files is kept in memory, each look-up reads them anew. Safe to use from
+/// any thread.
 class Bundle {
   public:
     /// The bundle in whose executable directory this process's executable lay when this was first

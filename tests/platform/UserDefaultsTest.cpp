@@ -41,6 +41,20 @@ TEST_F(UserDefaultsTest, KeepADateAndAllOtherLines) {
     EXPECT_FALSE(fs::exists(file_.native() + ".new"));
 }
 
+TEST_F(UserDefaultsTest, GiveBackADateToTheMillisecondBesideAnother) {
+    setenv("HOME", test::TestHome::path().c_str(), 1);
+    const UserDefaults defaults("com.example.test");
+    ASSERT_EQ(defaults.setDate("other", moment_ - std::chrono::hours(1)), std::error_code());
+    ASSERT_EQ(defaults.setDate("key", moment_), std::error_code());
+    const auto date = UserDefaults("com.example.test").date("key");
+    ASSERT_TRUE(date);
+    EXPECT_EQ(std::chrono::floor<std::chrono::milliseconds>(*date),
+              std::chrono::floor<std::chrono::milliseconds>(moment_));
+    EXPECT_TRUE(defaults.date("other"));
+    EXPECT_FALSE(defaults.date("missing"));
+    EXPECT_FALSE(UserDefaults("com.example.test2").date("key"));
+}
+
 TEST_F(UserDefaultsTest, ReadTextsAsTheyStand) {
     test::writeFile(file_, "a= x = y \r\nempty=\na=2\nnot a line");
     EXPECT_EQ(defaults_.text("a"), " x = y ");

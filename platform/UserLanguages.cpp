@@ -1,29 +1,12 @@
 #include "platform/UserLanguages.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <string_view>
 
 namespace platform {
 namespace {
 
-std::string_view environment(const char* name) {
-    const char* value = std::getenv(name);
-    return value != nullptr ? value : "";
-}
-
-/// The locale for messages by the order that POSIX gives to its variables.
-std::string_view messagesLocale() {
-    for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
-        if (const auto value = environment(name); !value.empty()) {
-            return value;
-        }
-    }
-    return "C";
-}
-
 void appendWithParents(std::vector<std::string>& languages, std::string_view locale) {
-    locale = locale.substr(0, locale.find_first_of(".@"));
     if (locale == "zh_CN" || locale == "zh_SG" || locale == "zh") {
         languages.emplace_back("zh_Hans"); // a locale does not name the script
     }
@@ -42,19 +25,11 @@ void appendWithParents(std::vector<std::string>& languages, std::string_view loc
 } // namespace
 
 std::vector<std::string> userLanguages() {
-    const std::string_view locale = messagesLocale();
-    const std::string_view plain = locale.substr(0, locale.find('.'));
-    if (plain == "C" || plain == "POSIX") {
-        return {};
-    }
     std::vector<std::string> languages;
-    std::string_view list = environment("LANGUAGE");
-    while (!list.empty()) {
-        const auto end = std::min(list.find(':'), list.size());
-        appendWithParents(languages, list.substr(0, end));
-        list.remove_prefix(std::min(end + 1, list.size()));
+    for (std::string locale : userLocales()) {
+        std::replace(locale.begin(), locale.end(), '-', '_');
+        appendWithParents(languages, locale.substr(0, locale.find_first_of(".@")));
     }
-    appendWithParents(languages, locale);
     return languages;
 }
 

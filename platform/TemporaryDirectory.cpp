@@ -49,6 +49,10 @@ bool isKeptInPlace(fs::path directory) {
     return false;
 }
 
+#ifndef ST_NOEXEC
+constexpr unsigned long ST_NOEXEC = 0; // where the system does not tell
+#endif
+
 bool canHoldPrograms(const fs::path& directory, std::uintmax_t room) {
     struct statvfs status {};
     return ::statvfs(directory.c_str(), &status) == 0 &&
