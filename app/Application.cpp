@@ -5,18 +5,12 @@
 #include "platform/Bundle.h"
 #include "platform/Log.h"
 
-#include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
-#include <string_view>
 #include <system_error>
 
 #include <QApplication>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QMessageLogContext>
 
 namespace {
@@ -43,39 +37,14 @@ void useOwnPlugins() {
     }
 }
 
-QByteArray jsonOf(const std::vector<app::Finding>& findings) {
-    QJsonArray array;
-    for (const auto& finding : findings) {
-        array.append(
-            QJsonObject{{QStringLiteral("what"), QString::fromStdString(finding.what)},
-                        {QStringLiteral("isRight"), finding.isRight},
-                        {QStringLiteral("detail"), QString::fromStdString(finding.detail)}});
-    }
-    return QJsonDocument(array).toJson();
-}
-
-int printFindings(bool asJSON) {
-    const auto findings = app::findings();
-    if (asJSON) {
-        std::fputs(jsonOf(findings).constData(), stdout);
-    } else {
-        for (const auto& finding : findings) {
-            std::printf("[%s] %s: %s\n", finding.isRight ? "ok" : "NO", finding.what.c_str(),
-                        finding.detail.c_str());
-        }
-    }
-    const bool isRight = std::all_of(findings.begin(), findings.end(),
-                                     [](const auto& finding) { return finding.isRight; });
-    return isRight && std::fflush(stdout) == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
-}
-
 } // namespace
 
-int subscriptionHelperApplicationMain(int argumentCount, char** arguments) {
+int subscriptionHelperApplicationMain(const app::Options& options, int argumentCount,
+                                      char** arguments) {
     // Once more: the process entry has a C++ library of its own.
     platform::logUncaughtFailures();
-    if (argumentCount > 1 && std::string_view(arguments[1]) == "--check") {
-        return printFindings(argumentCount > 2);
+    if (options.task == app::Options::Task::check) {
+        return app::printFindings(app::findings(), options.asJSON);
     }
     useOwnPlugins();
     const auto handler = qInstallMessageHandler(reportMissingDisplay);

@@ -1,6 +1,7 @@
 #include "app/Check.h"
 
 #include "app/RunThrottle.h"
+#include "app/SubscriptionReference.h"
 #include "base/Timestamp.h"
 #include "housekeeping/HelperUtilities.h"
 #include "platform/Bundle.h"
@@ -10,6 +11,7 @@
 #include "store/ScriptURL.h"
 
 #include <filesystem>
+#include <system_error>
 
 #include <unistd.h>
 
@@ -17,10 +19,8 @@ namespace app {
 namespace {
 
 Finding reference() {
-    const platform::UserDefaults defaults(HELPER_PRODUCT_DOMAIN);
-    const auto text = defaults.text("subscriptionReference");
-    return {"subscription reference", text && !text->empty(),
-            "subscriptionReference in " + defaults.place()};
+    return {"subscription reference", userSubscriptionReference().has_value(),
+            subscriptionReferencePlace()};
 }
 
 Finding uninstaller(const platform::Bundle& bundle) {
@@ -31,7 +31,9 @@ Finding uninstaller(const platform::Bundle& bundle) {
     const auto path = bundle.pathForAuxiliaryExecutable(name);
     const auto program = path && path->extension() == ".app" ? platform::Bundle::executableOf(*path)
                                                              : path.value_or("");
-    return {"uninstaller", access(program.c_str(), X_OK) == 0,
+    std::error_code error;
+    return {"uninstaller",
+            std::filesystem::is_regular_file(program, error) && access(program.c_str(), X_OK) == 0,
             path ? program.native() : "there is no \"" + name + "\" in the bundle"};
 }
 

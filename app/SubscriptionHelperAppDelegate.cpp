@@ -2,10 +2,10 @@
 
 #include "app/Localization.h"
 #include "app/MainWindow.h"
+#include "app/SubscriptionReference.h"
 #include "housekeeping/HelperUtilities.h"
 #include "platform/Bundle.h"
 #include "platform/Log.h"
-#include "platform/UserDefaults.h"
 #include "platform/Workspace.h"
 #include "store/FastSpringUtilities.h"
 
@@ -19,18 +19,6 @@ namespace app {
 using housekeeping::HelperUtilities;
 
 namespace {
-
-/// A missing or empty reference counts as none. Blanks around it are those of the line that the
-/// product wrote.
-AtomicText::Value userSubscriptionReference() {
-    constexpr const char* kBlanks = " \t\n\v\f\r";
-    const auto text = platform::UserDefaults(HELPER_PRODUCT_DOMAIN).text("subscriptionReference");
-    const auto start = text ? text->find_first_not_of(kBlanks) : std::string::npos;
-    if (start == std::string::npos) {
-        return std::nullopt;
-    }
-    return text->substr(start, text->find_last_not_of(kBlanks) + 1 - start);
-}
 
 /// Where the customer can cancel what the store did not. The worker goes on whatever becomes of it.
 void openAccountPage(const AtomicText::Value& url) {

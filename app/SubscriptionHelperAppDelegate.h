@@ -26,10 +26,9 @@ class SubscriptionHelperAppDelegate final : public QObject {
     SubscriptionHelperAppDelegate();
     ~SubscriptionHelperAppDelegate() override;
 
-    /// The start-up: obtains the user's subscription reference (`subscriptionReference` in the
-    /// product's user defaults, without blanks around it; a missing or empty one counts as none),
-    /// asks the store service for the subscription, blocking until it has answered, keeps the
-    /// reference and the customer URL, and presents the window. Without a reference or a
+    /// The start-up: obtains the user's subscription reference (userSubscriptionReference()), asks
+    /// the store service for the subscription, blocking until it has answered, keeps the reference
+    /// and the customer URL, and presents the window. Without a reference or a
     /// subscription it ends the application, silently. A date of the answer that cannot be read is
     /// an uncaught failure and ends the process.
     void awakeFromNib() noexcept;

@@ -1,16 +1,17 @@
 #include "app/Application.h"
+#include "app/Finding.h"
+#include "app/Options.h"
 #include "app/RunThrottle.h"
 #include "platform/Bundle.h"
 #include "platform/Log.h"
 #include "platform/UserDefaults.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <iterator>
-#include <optional>
-#include <string_view>
+#include <span>
 
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -30,75 +31,61 @@ void openClosedStreams() {
     }
 }
 
-/// Loads the application library of the bundle, with all that it needs, and runs it.
-int runApplication(const platform::Bundle& bundle, int argumentCount, char** arguments) {
+using Task = app::Options::Task;
+using Application = decltype(&subscriptionHelperApplicationMain);
+
+/// Loads the application library of the bundle, with all that it needs; null, with the reason in
+/// dlerror(), when that cannot be done.
+Application loadApplication(const platform::Bundle& bundle) {
     const std::filesystem::path library = bundle.frameworksPath() / HELPER_APPLICATION_LIBRARY;
     // All symbols at once, so that what is missing is missed here and not in the middle of a
     // removal.
     void* const handle = dlopen(library.c_str(), RTLD_NOW | RTLD_LOCAL);
-    void* const function =
-        handle != nullptr ? dlsym(handle, "subscriptionHelperApplicationMain") : nullptr;
-    if (function == nullptr) {
-        platform::log("The application cannot be loaded: %@", {dlerror()});
+    return handle != nullptr
+               ? reinterpret_cast<Application>(dlsym(handle, "subscriptionHelperApplicationMain"))
+               : nullptr;
+}
+
+/// Runs the application, or says why that cannot be done.
+int runApplication(const platform::Bundle& bundle, const app::Options& options, int argumentCount,
+                   char** arguments) {
+    if (const Application application = loadApplication(bundle)) {
+        return application(options, argumentCount, arguments);
+    }
+    const char* const reason = dlerror();
+    if (options.task == Task::check) {
+        return app::printFindings({{"application library", false, reason}}, options.asJSON);
+    }
+    platform::log("The application cannot be loaded: %@", {reason});
+    return EXIT_FAILURE;
+}
+
+/// The main job, or a look at what it would find, which counts as no run.
+int run(const app::Options& options, int argumentCount, char** arguments) {
+    const auto bundle = platform::Bundle::mainBundle();
+    if (!bundle) {
+        platform::log("Not started from an application bundle, so there is nothing to do: %@",
+                      {platform::executablePath().native()});
         return EXIT_FAILURE;
     }
-    return reinterpret_cast<decltype(&subscriptionHelperApplicationMain)>(function)(argumentCount,
-                                                                                    arguments);
-}
-
-/// Options of two dashes that Qt takes as well as with one.
-constexpr std::string_view kToolkitOptions[] = {
-    "display",
-    "fontengine",
-    "geometry",
-    "icon",
-    "name",
-    "platform",
-    "plugin",
-    "platformtheme",
-    "platformpluginpath",
-    "qwindowgeometry",
-    "qwindowtitle",
-    "reverse",
-    "session",
-    "style",
-    "stylesheet",
-    "sync",
-    "title",
-    "qwindowicon",
-};
-
-bool isOfToolkit(std::string_view option) {
-    const auto name = option.substr(2, option.find('=') - 2);
-    return std::find(std::begin(kToolkitOptions), std::end(kToolkitOptions), name) !=
-           std::end(kToolkitOptions);
-}
-
-/// Obeys an option that asks about the program itself, which counts as no run.
-/// @return the exit status; none where there is more to do.
-std::optional<int> handleOption(std::string_view option) {
-    if (option == "--version") {
-        std::puts("Subscription Helper " HELPER_VERSION);
+    if (options.task == Task::run &&
+        !app::passRunThrottle(platform::UserDefaults(HELPER_IDENTIFIER))) {
         return EXIT_SUCCESS;
     }
-    if (option == "--help" || option == "-h") {
-        std::puts("Usage: \"Subscription Helper\" [--help | --version | --check [--json]]\n\n"
-                  "Helps a customer to leave " HELPER_PRODUCT_NAME
-                  ": shows one window and, on request,\n"
-                  "cancels the subscription at the store, starts the uninstaller and moves itself\n"
-                  "to the Trash. Works at most once in four hours; a start in between, or one\n"
-                  "without a subscription, ends at once with status 0.\n\n"
-                  "--check prints what a start would find, and is none; status 1 when something\n"
-                  "is not right. The time of the last run is kept in\n" HELPER_IDENTIFIER
-                  ".conf in the user's configuration directory.");
-        return EXIT_SUCCESS;
-    }
-    if (option.starts_with("--") && option != "--check" && !isOfToolkit(option)) {
-        std::fprintf(stderr, "There is no option %.*s; --help tells what there is\n",
-                     static_cast<int>(option.size()), option.data());
-        return kWrongUsage;
-    }
-    return std::nullopt;
+    return runApplication(*bundle, options, argumentCount, arguments);
+}
+
+int showHelp() {
+    std::puts("Usage: \"Subscription Helper\" [--help | --version | --check [--json]]\n\n"
+              "Helps a customer to leave " HELPER_PRODUCT_NAME
+              ": shows one window and, on request,\n"
+              "cancels the subscription at the store, starts the uninstaller and moves itself\n"
+              "to the Trash. Works at most once in four hours; a start in between, or one\n"
+              "without a subscription, ends at once with status 0.\n\n"
+              "--check prints what a start would find, and is none; status 1 when something\n"
+              "is not right. The time of the last run is kept in\n" HELPER_IDENTIFIER
+              ".conf in the user's configuration directory.");
+    return EXIT_SUCCESS;
 }
 
 } // namespace
@@ -106,18 +93,22 @@ std::optional<int> handleOption(std::string_view option) {
 int main(int argumentCount, char** arguments) {
     openClosedStreams();
     platform::logUncaughtFailures();
-    const std::string_view option = argumentCount > 1 ? arguments[1] : "";
-    if (const auto status = handleOption(option)) {
-        return *status;
-    }
-    const auto bundle = platform::Bundle::mainBundle();
-    if (!bundle) {
-        platform::log("Not started from an application bundle, so there is nothing to do: %@",
-                      {platform::executablePath().native()});
-        return EXIT_FAILURE;
-    }
-    if (option != "--check" && !app::passRunThrottle(platform::UserDefaults(HELPER_IDENTIFIER))) {
+    const std::span<char*> words(arguments, static_cast<std::size_t>(argumentCount));
+    const app::Options options =
+        app::optionsOf(words.subspan(std::min<std::size_t>(1, words.size())));
+    switch (options.task) {
+    case Task::showVersion:
+        std::puts("Subscription Helper " HELPER_VERSION);
         return EXIT_SUCCESS;
+    case Task::showHelp:
+        return showHelp();
+    case Task::refuse:
+        std::fprintf(stderr, "There is no option %.*s; --help tells what there is\n",
+                     static_cast<int>(options.unknown.size()), options.unknown.data());
+        return kWrongUsage;
+    case Task::run:
+    case Task::check:
+        break;
     }
-    return runApplication(*bundle, argumentCount, arguments);
+    return run(options, argumentCount, arguments);
 }

@@ -19,11 +19,10 @@ namespace platform {
 /// Replaces the file at `path` by one that holds `content`, mode 0600, so that at every moment, and
 /// after a crash, the path holds either the old content or the new: written to `path` + ".new",
 /// flushed to the disk, renamed, and the directory flushed. A link at `path` is followed, so that
-/// it stays a link. /// Of several writers of one path only one may run at a time.
+/// it stays a link. Of several writers of one path only one may run at a time.
 ///
-/// @return why it could not be replaced: the old file is then unchanged. When
-/// only the flush of the directory failed it is replaced, and may be the old one again after a
-/// crash.
+/// @return why it could not be replaced: the old file is then unchanged. When only the flush of the
+/// directory failed it is replaced, and may be the old one again after a crash.
 [[nodiscard]] std::error_code replaceFile(const std::filesystem::path& path,
                                           std::string_view content);
 

@@ -35,6 +35,12 @@ Handle<GFile, g_object_unref> fileFor(const fs::path& path) {
     return Handle<GFile, g_object_unref>(g_vfs_get_file_for_path(g_vfs_get_local(), path.c_str()));
 }
 
+/// Whether there is a place for the Trash: GIO takes a relative data directory, which is not valid,
+/// as one below the working directory.
+bool hasDataDirectory() {
+    return g_path_is_absolute(g_get_user_data_dir()) != FALSE;
+}
+
 /// What went wrong in GIO, as far as that can be told apart without it.
 std::error_code errorOf(const GError& error) {
     constexpr std::pair<int, std::errc> kErrors[] = {
@@ -103,8 +109,7 @@ bool undoMoveWithoutInfo(const FileDescriptor& item, const fs::path& origin) {
 } // namespace
 
 std::error_code moveToTrash(const fs::path& item) {
-    // GIO takes a relative data directory, which is not valid, as one below the working directory.
-    if (g_path_is_absolute(g_get_user_data_dir()) == FALSE) {
+    if (!hasDataDirectory()) {
         return std::make_error_code(std::errc::invalid_argument);
     }
     const FileDescriptor opened(::open(item.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
@@ -121,6 +126,9 @@ std::error_code moveToTrash(const fs::path& item) {
 }
 
 std::error_code checkTrash(const fs::path& item) {
+    if (!hasDataDirectory()) {
+        return std::make_error_code(std::errc::invalid_argument);
+    }
     constexpr const char* kAttribute = G_FILE_ATTRIBUTE_ACCESS_CAN_TRASH;
     GError* refusal = nullptr;
     const Handle<GFileInfo, g_object_unref> info(g_file_query_info(

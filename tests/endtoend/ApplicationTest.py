@@ -1,6 +1,7 @@
 """The helper as its users meet it: the real bundle, store, window and Trash, from outside."""
 
 import contextlib
+import json
 import os
 import re
 import shutil
@@ -33,7 +34,8 @@ class StartTest(TestCase):
                 (["unknown"], {}, 1, NO_DISPLAY, True), (["--style=fusion"], {}, 1, NO_DISPLAY, True),
                 (["--chek"], {}, 2, "^There is no option --chek", False),
                 (["--check"], {}, 0, r"(?s)\[ok\] bundle: .*\[ok\] Trash: .*; a start works now; kept in", False),
-                (["--check", "--json"], {"HOME": "/proc"}, 1, r"(?s)\[NO\]|: false.*Trash", False),
+                (["--check", "--jsn"], {}, 2, "^There is no option --jsn", False),
+                (["--style=fusion", "--json"], {}, 2, "^There is no option --json", False),
                 (["--version"], {}, 0, r"^Subscription Helper \d+\.\d+\.\d+\n$", False),
                 (["--help"], {}, 0, "Helps a customer to leave Acme Studio: ", False)):
             with self.subTest(words=words, variables=variables):
@@ -43,12 +45,30 @@ class StartTest(TestCase):
                 self.assertEqual(result.returncode, status, result.stderr)
                 self.assertRegex(result.stdout + result.stderr, said)
                 self.assertEqual(stage.last_run() is not None, counts)
-                self.assertEqual(len(result.stderr.splitlines()), words[:1] != ["--check"] and
-                                 min(status, 1) + ("HOME" in variables))
+                self.assertEqual(len(result.stderr.splitlines()), min(status, 1) + ("HOME" in variables))
         stage.forget_last_run()
         result = subprocess.run([lonely], env=stage.environment(), text=True, capture_output=True, check=False)
         self.assertEqual((result.returncode, stage.last_run(), lonely.exists()), (1, None, True))
         self.assertIn("Not started from an application bundle", result.stderr)
+
+    def test_a_check_names_what_is_not_right(self):
+        stage = self.make_stage()
+        uninstaller = stage.bundle / "Contents/Linux/Uninstall Acme Studio"
+        library = stage.bundle / "Contents/Frameworks/SubscriptionHelperApplication.so"
+        for spoil, variables, wrong in (
+                (lambda: None, {}, set()),
+                (lambda: None, {"XDG_DATA_HOME": "relative"}, {"Trash"}),
+                (lambda: None, {"TMPDIR": "/proc", "HOME": "/proc"}, {"Trash", "subscription reference"}),
+                (lambda: stage.set_reference(" \t"), {}, {"subscription reference"}),
+                (lambda: uninstaller.chmod(0o644), {}, {"subscription reference", "uninstaller"}),
+                (library.unlink, {}, {"application library"})):
+            spoil()
+            result = subprocess.run([stage.program(), "--json", "--check"], text=True, capture_output=True,
+                                    check=False, env=stage.environment({"PATH": "/usr/bin"}) | variables)
+            found = json.loads(result.stdout)
+            self.assertEqual({each["what"] for each in found if not each["isRight"]}, wrong, found)
+            self.assertEqual((result.returncode, result.stderr), (bool(wrong), ""))
+        self.assertIsNone(stage.last_run())
 
     def test_of_simultaneous_starts_exactly_one_goes_on(self):
         # The one that goes on notices that there is no display and ends with status 1.

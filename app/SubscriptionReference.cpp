@@ -1,0 +1,30 @@
+#include "app/SubscriptionReference.h"
+
+#include "platform/UserDefaults.h"
+
+namespace app {
+namespace {
+
+constexpr const char* kKey = "subscriptionReference";
+
+platform::UserDefaults productDefaults() {
+    return platform::UserDefaults(HELPER_PRODUCT_DOMAIN);
+}
+
+} // namespace
+
+std::optional<std::string> userSubscriptionReference() {
+    constexpr const char* kBlanks = " \t\n\v\f\r";
+    const auto text = productDefaults().text(kKey);
+    const auto start = text ? text->find_first_not_of(kBlanks) : std::string::npos;
+    if (start == std::string::npos) {
+        return std::nullopt;
+    }
+    return text->substr(start, text->find_last_not_of(kBlanks) + 1 - start);
+}
+
+std::string subscriptionReferencePlace() {
+    return kKey + (" in " + productDefaults().place());
+}
+
+} // namespace app
