@@ -98,6 +98,8 @@ class PackagingTest(TestCase):
         super().setUp()
         (self.folder / "Remove Globex").write_text('#!/bin/sh\necho ran >"$HOME/removed"\n')
         (self.folder / "Remove Globex").chmod(0o755)
+        shutil.copy(self.folder / "Remove Globex", self.folder / "It's.sh")
+        (self.folder / "Empty.app").mkdir()
         (self.folder / "license.txt").write_text("You may leave.\n")
         (self.folder / "not.svg").write_text("no drawing")
         (self.folder / "globex.svg").write_text(
@@ -120,8 +122,10 @@ class PackagingTest(TestCase):
                 ("PRODUCT_DOMAIN", BRAND["IDENTIFIER"], "must differ"),
                 ("STORE_HOST", "http://host/", "a host or host:port"),
                 ("STORE_HOST", "-host", "a host or host:port"), ("STORE_HOST", "h:70000", "from 1 to 65535"),
+                ("STORE_HOST", "h:0", "from 1 to 65535"), ("STORE_HOST", "127.0.0.256:80", "no address"),
                 ("STORE_ID", " globex", "such as"), ("STORE_ID", "a@b", "such as"), ("VERSION", "one", "numbers"),
                 ("UNINSTALLER", "missing", "there is no"), ("UNINSTALLER", "globex.svg", "an executable file"),
+                ("UNINSTALLER", "Empty.app", "an executable file"), ("UNINSTALLER", "It's.sh", "no single quote"),
                 ("UNINSTALER", "x", "is no setting"), ("ICON", "globex.ico", "an SVG file"),
                 ("ICON", "not.svg", "can be drawn"), ("LICENSE", "missing", "there is no"),
                 ("TEXTS", "missing", "there is no"),
