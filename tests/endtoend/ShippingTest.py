@@ -181,6 +181,15 @@ class PackagingTest(TestCase):
             self.assertTrue((folder / f"{package['name']}.txt").exists(), package["name"])
         self.assertIn("You may leave.", str(listed))
 
+    def test_a_file_without_a_licence_ends_the_build(self):
+        contents, origins = self.folder / "Contents", self.folder / "origins"
+        (contents / "Resources").mkdir(parents=True)
+        for origin, message in ((self.folder / "not.svg", "no package has"), ("/usr/bin/env", "no licence is known")):
+            origins.write_text(f"Frameworks/some.so\t{origin}\n")
+            result = subprocess.run([sys.executable, PROJECT / "cmake/licenses.py", contents, origins, "id", "1", "Co"],
+                                    text=True, capture_output=True, check=False)
+            self.assertEqual((result.returncode, message in result.stderr), (1, True), result.stderr)
+
     def check_libraries(self, process):
         """What a desktop may lack is from the bundle, whatever the environment says."""
         maps = pathlib.Path(f"/proc/{process.pid}/maps").read_text()
