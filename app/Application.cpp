@@ -1,6 +1,7 @@
 #include "app/Application.h"
 
 #include "app/Check.h"
+#include "app/Modules.h"
 #include "app/SubscriptionHelperAppDelegate.h"
 #include "platform/Bundle.h"
 #include "platform/Log.h"
@@ -43,8 +44,13 @@ int subscriptionHelperApplicationMain(const app::Options& options, int argumentC
                                       char** arguments) {
     // Once more: the process entry has a C++ library of its own.
     platform::logUncaughtFailures();
+    const std::string missing = app::loadModules();
     if (options.task == app::Options::Task::check) {
-        return app::printFindings(app::findings(), options.asJSON);
+        return app::printFindings(app::findings(missing), options.asJSON);
+    }
+    if (!missing.empty()) {
+        platform::log("The application cannot be loaded: %@", {missing});
+        return EXIT_FAILURE;
     }
     useOwnPlugins();
     const auto handler = qInstallMessageHandler(reportMissingDisplay);

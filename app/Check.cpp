@@ -65,12 +65,13 @@ Finding lastRun() {
 
 } // namespace
 
-std::vector<Finding> findings() {
+std::vector<Finding> findings(const std::string& missing) {
     std::vector<Finding> all;
     const auto bundle = platform::Bundle::mainBundle();
     all.push_back({"bundle", bundle.has_value(),
                    bundle ? bundle->bundlePath().native() : "the program lies in none"});
-    all.push_back({"application library", true, "loaded"});
+    all.push_back(
+        {"application library", missing.empty(), missing.empty() ? "can be loaded" : missing});
     all.push_back({"identifier", true, HELPER_IDENTIFIER});
     all.push_back({"store", true, std::string(store::scriptURL())});
     all.push_back(reference());

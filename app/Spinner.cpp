@@ -29,9 +29,7 @@ Spinner::Spinner(QWidget* parent) : QWidget(parent) {
 
 void Spinner::startAnimation() {
     isStarted_ = true;
-    if (!platform::wantsReducedMotion()) {
-        timer_.start(kStep);
-    }
+    timer_.start(kStep);
     update();
 }
 
@@ -42,6 +40,11 @@ QSize Spinner::sizeHint() const {
 }
 
 void Spinner::advance() {
+    // Asked for when it would move, so that what it stands on is shown before.
+    if (steps_ == 0 && platform::wantsReducedMotion()) {
+        timer_.stop();
+        return;
+    }
     ++steps_;
     update();
 }

@@ -92,6 +92,7 @@ void SubscriptionHelperAppDelegate::startCancellation() noexcept {
 // Like the thread that runs it, it ends the process by an uncaught failure: a date of the store
 // service's answer that cannot be read.
 void SubscriptionHelperAppDelegate::cancelSubscriptionAndLaunchUninstaller() noexcept {
+    platform::workspace::prepareTrash();
     postProgress("Canceling your subscription ...");
     const std::string store = HelperUtilities::storeID();
     if (!store::FastSpringUtilities::cancelSubscriptionForStore(store, subscriptionReference())) {

@@ -8,7 +8,8 @@ if(NOT CMAKE_SCRIPT_MODE_FILE)
     set(origins "${PROJECT_BINARY_DIR}/origins.txt") # of each file that is taken, a line each
     set(licenses "${CMAKE_CURRENT_LIST_DIR}/licenses.py")
     add_custom_command(OUTPUT "${origins}"
-        COMMAND ${CMAKE_COMMAND} "-DAPPLICATION=$<TARGET_FILE:application>" "-DCURL=$<TARGET_FILE:CURL::libcurl>"
+        COMMAND ${CMAKE_COMMAND} "-DAPPLICATION=$<TARGET_FILE:application>" "-DFETCH=$<TARGET_FILE:fetch-module>"
+            "-DDESKTOP=$<TARGET_FILE:desktop-module>" "-DCURL=$<TARGET_FILE:CURL::libcurl>"
             "-DQT_PLUGINS=${QT6_INSTALL_PREFIX}/${QT6_INSTALL_PLUGINS}" "-DCONTENTS=${HELPER_BUNDLE_CONTENTS}"
             "-DPATCHELF=${PATCHELF}" "-DORIGINS=${origins}" -P "${CMAKE_CURRENT_LIST_FILE}"
         COMMAND ${Python3_EXECUTABLE} "${licenses}" "${HELPER_BUNDLE_CONTENTS}" "${origins}"
@@ -46,7 +47,7 @@ list(JOIN of_system "|" of_system)
 
 cmake_path(GET APPLICATION PARENT_PATH frameworks)
 file(GLOB old "${frameworks}/*")
-list(REMOVE_ITEM old "${APPLICATION}")
+list(REMOVE_ITEM old "${APPLICATION}" "${FETCH}" "${DESKTOP}")
 file(REMOVE_RECURSE ${old} "${CONTENTS}/PlugIns")
 file(REMOVE "${ORIGINS}")
 
@@ -68,7 +69,7 @@ endforeach()
 # First, so that it is found before one of the system.
 take("${CURL}" Frameworks/libcurl.so.4)
 file(GET_RUNTIME_DEPENDENCIES
-    LIBRARIES "${APPLICATION}" ${originals}
+    LIBRARIES "${APPLICATION}" "${FETCH}" "${DESKTOP}" ${originals}
     PRE_EXCLUDE_REGEXES "^(${of_system})\\.so(\\..*)?$"
     RESOLVED_DEPENDENCIES_VAR libraries)
 list(REMOVE_ITEM libraries "${frameworks}/libcurl.so.4")

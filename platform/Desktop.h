@@ -8,6 +8,10 @@
 /// function may be called from any thread.
 namespace platform::desktop {
 
+/// Gets ready for moves to the Trash: they need no file of this program any more. A failure shows
+/// in the move.
+void prepareTrash();
+
 /// Moves an item to the user's Trash; a link as a link.
 /// @return why the system refuses; the item is then where it was.
 [[nodiscard]] std::error_code moveToTrash(const std::filesystem::path& item);

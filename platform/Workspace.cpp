@@ -21,6 +21,10 @@ std::optional<base::URL> shownURL(std::string_view address) {
 
 } // namespace
 
+void prepareTrash() {
+    desktop::prepareTrash();
+}
+
 std::error_code moveToTrash(const std::filesystem::path& path) {
     // A trailing slash does not make the last component empty.
     const std::filesystem::path item = path.has_filename() ? path : path.parent_path();

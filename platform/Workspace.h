@@ -7,6 +7,10 @@
 /// What the desktop does for an application. Every function may be called from any thread.
 namespace platform::workspace {
 
+/// Gets ready for moves to the Trash, so that they work whatever becomes of this program's own
+/// files in the meantime. Once, before anything of them may go away.
+void prepareTrash();
+
 /// Moves a file or bundle to the user's Trash, from where it can be restored. Links are moved as
 /// links; a trailing slash does not count.
 ///

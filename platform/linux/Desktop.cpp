@@ -1,63 +1,22 @@
 #include "platform/Desktop.h"
 
-#include "base/Handle.h"
 #include "platform/Bundle.h"
 #include "platform/ChildProcess.h"
-#include "platform/FileDescriptor.h"
-#include "platform/LastError.h"
 #include "platform/Log.h"
 
 #include <chrono>
-#include <cstdio>
 #include <future>
 #include <string>
-#include <utility>
 #include <vector>
-
-#include <fcntl.h>
-#include <gio/gio.h>
-#include <unistd.h>
 
 namespace platform::desktop {
 namespace {
 
 namespace fs = std::filesystem;
 
-using base::Handle;
-
 // For both openers together. They end once the application is on its way; one that runs a browser
 // itself, or waits for a session bus that does not answer, is left to itself after this time.
 constexpr std::chrono::seconds kLongestOpening{5};
-
-/// A file of the local system only: other kinds would have GIO connect to the session bus first and
-/// wait for ever for one that does not answer.
-Handle<GFile, g_object_unref> fileFor(const fs::path& path) {
-    return Handle<GFile, g_object_unref>(g_vfs_get_file_for_path(g_vfs_get_local(), path.c_str()));
-}
-
-/// Whether there is a place for the Trash: GIO takes a relative data directory, which is not valid,
-/// as one below the working directory.
-bool hasDataDirectory() {
-    return g_path_is_absolute(g_get_user_data_dir()) != FALSE;
-}
-
-/// What went wrong in GIO, as far as that can be told apart without it.
-std::error_code errorOf(const GError& error) {
-    constexpr std::pair<int, std::errc> kErrors[] = {
-        {G_IO_ERROR_NOT_FOUND, std::errc::no_such_file_or_directory},
-        {G_IO_ERROR_PERMISSION_DENIED, std::errc::permission_denied},
-        {G_IO_ERROR_READ_ONLY, std::errc::read_only_file_system},
-        {G_IO_ERROR_NO_SPACE, std::errc::no_space_on_device},
-        {G_IO_ERROR_FILENAME_TOO_LONG, std::errc::filename_too_long},
-        {G_IO_ERROR_NOT_SUPPORTED, std::errc::not_supported},
-    };
-    for (const auto& [code, meaning] : kErrors) {
-        if (g_error_matches(&error, G_IO_ERROR, code) != FALSE) {
-            return std::make_error_code(meaning);
-        }
-    }
-    return std::make_error_code(std::errc::io_error);
-}
 
 bool isExecutable(const fs::file_status& status) {
     constexpr auto kAnyone = fs::perms::owner_exec | fs::perms::group_exec | fs::perms::others_exec;
@@ -89,58 +48,7 @@ std::error_code openWithDefaultApplication(const std::string& target) {
     return error;
 }
 
-/// Undoes the move of an item to the Trash when no trashinfo file lies beside it that says where it
-/// came from: GIO goes on when it cannot write one, on a full disk for example. Whether it did.
-/// @param item the item, open since before the move, which tells where it is now.
-bool undoMoveWithoutInfo(const FileDescriptor& item, const fs::path& origin) {
-    std::error_code error;
-    const auto link = fs::path("/proc/self/fd") / std::to_string(item.get());
-    const fs::path trashed = fs::read_symlink(link, error);
-    fs::path info = trashed.parent_path().parent_path() / "info" / trashed.filename();
-    info += ".trashinfo";
-    if (error || fs::file_size(info, error) > 0 || error ||
-        ::renameat2(AT_FDCWD, trashed.c_str(), AT_FDCWD, origin.c_str(), RENAME_NOREPLACE) != 0) {
-        return false;
-    }
-    ::unlink(info.c_str());
-    return true;
-}
-
 } // namespace
-
-std::error_code moveToTrash(const fs::path& item) {
-    if (!hasDataDirectory()) {
-        return std::make_error_code(std::errc::invalid_argument);
-    }
-    const FileDescriptor opened(::open(item.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
-    if (!opened.isOpen()) {
-        return lastError();
-    }
-    GError* refusal = nullptr;
-    if (g_file_trash(fileFor(item).get(), nullptr, &refusal) == FALSE) {
-        const Handle<GError, g_error_free> owned(refusal);
-        return errorOf(*refusal);
-    }
-    return undoMoveWithoutInfo(opened, item) ? std::make_error_code(std::errc::no_space_on_device)
-                                             : std::error_code();
-}
-
-std::error_code checkTrash(const fs::path& item) {
-    if (!hasDataDirectory()) {
-        return std::make_error_code(std::errc::invalid_argument);
-    }
-    constexpr const char* kAttribute = G_FILE_ATTRIBUTE_ACCESS_CAN_TRASH;
-    GError* refusal = nullptr;
-    const Handle<GFileInfo, g_object_unref> info(g_file_query_info(
-        fileFor(item).get(), kAttribute, G_FILE_QUERY_INFO_NOFOLLOW_SYMLINKS, nullptr, &refusal));
-    if (!info) {
-        const Handle<GError, g_error_free> owned(refusal);
-        return errorOf(*refusal);
-    }
-    return g_file_info_get_attribute_boolean(info.get(), kAttribute) != FALSE
-               ? std::error_code()
-               : std::make_error_code(std::errc::not_supported);
-}
 
 std::error_code openFile(const fs::path& file) {
     // What cannot be looked at is not opened: some other application would get it.

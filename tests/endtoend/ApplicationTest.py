@@ -3,6 +3,7 @@
 import contextlib
 import json
 import os
+import pathlib
 import re
 import shutil
 import signal
@@ -52,23 +53,27 @@ class StartTest(TestCase):
         self.assertIn("Not started from an application bundle", result.stderr)
 
     def test_a_check_names_what_is_not_right(self):
-        stage = self.make_stage()
-        uninstaller = stage.bundle / "Contents/Linux/Uninstall Acme Studio"
-        library = stage.bundle / "Contents/Frameworks/SubscriptionHelperApplication.so"
-        for spoil, variables, wrong in (
-                (lambda: None, {}, set()),
-                (lambda: None, {"XDG_DATA_HOME": "relative"}, {"Trash"}),
-                (lambda: None, {"TMPDIR": "/proc", "HOME": "/proc"}, {"Trash", "subscription reference"}),
-                (lambda: stage.set_reference(" \t"), {}, {"subscription reference"}),
-                (lambda: uninstaller.chmod(0o644), {}, {"subscription reference", "uninstaller"}),
-                (library.unlink, {}, {"application library"})):
-            spoil()
+        def remove(name):
+            return lambda stage: (stage.bundle / f"Contents/Frameworks/SubscriptionHelper{name}.so").unlink()
+
+        library, reference = {"application library"}, {"subscription reference"}
+        for number, (spoil, variables, wrong) in enumerate((
+                (lambda stage: None, {}, set()),
+                (lambda stage: None, {"XDG_DATA_HOME": "relative"}, {"Trash"}),
+                (lambda stage: None, {"TMPDIR": "/proc", "HOME": "/proc"}, {"Trash"} | reference),
+                (lambda stage: stage.set_reference(" \t"), {}, reference),
+                (lambda stage: (stage.program().with_name("Uninstall Acme Studio")).chmod(0o644), {}, {"uninstaller"}),
+                (remove("Desktop"), {}, {"Trash"} | library),
+                (remove("Fetch"), {}, library), (remove("Application"), {}, library))):
+            stage = self.make_stage(str(number))
+            spoil(stage)
             result = subprocess.run([stage.program(), "--json", "--check"], text=True, capture_output=True,
                                     check=False, env=stage.environment({"PATH": "/usr/bin"}) | variables)
             found = json.loads(result.stdout)
             self.assertEqual({each["what"] for each in found if not each["isRight"]}, wrong, found)
-            self.assertEqual((result.returncode, result.stderr), (bool(wrong), ""))
-        self.assertIsNone(stage.last_run())
+            self.assertEqual((result.returncode, result.stderr, stage.last_run()), (bool(wrong), "", None))
+            if library <= wrong:  # missed before there is a window
+                self.assertRegex(stage.run({"PATH": "/usr/bin"})[1], "^[^\n]*The application cannot be loaded: .*\n$")
 
     def test_of_simultaneous_starts_exactly_one_goes_on(self):
         # The one that goes on notices that there is no display and ends with status 1.
@@ -210,9 +215,12 @@ class DesktopTest(TestCase):
         plist = "Contents/Info.plist"
         with Store(BUILD, "--delay", "1500") as store:
             process = self.begin(stage)
+            self.assertNotIn("libgio", pathlib.Path(f"/proc/{process.pid}/maps").read_text())
             self.window.press_remove()
             self.assertTrue(wait_for(lambda: len(store.requests) == 1))
-            (stage.bundle / plist).rename(self.folder / "plist")  # it stays the bundle that it was
+            time.sleep(0.3)
+            for part in (plist, "Contents/Frameworks"):  # it stays the bundle that it was
+                (stage.bundle / part).rename(self.folder / pathlib.Path(part).name)
             self.window.keys("alt+F4", "Return", "Escape", "space", "alt+k", "alt+c")  # modal: all ignored
             self.assertTrue(wait_for(stage.trashed_bundle))
             self.assertTrue(wait_for(stage.note.exists))
@@ -226,7 +234,8 @@ class DesktopTest(TestCase):
                              ["f=getsubscription&subscriptionRef=DEMO-1001 200",
                               "f=deletesubscription&subscriptionRef=DEMO-1001 200"])
             # A second start, from where the bundle lies now, leaves at once.
-            (self.folder / "plist").rename(stage.trashed_bundle() / plist)
+            for part in (plist, "Contents/Frameworks"):
+                (self.folder / pathlib.Path(part).name).rename(stage.trashed_bundle() / part)
             status, log, _ = stage.run(self.desktop, bundle=stage.trashed_bundle())
             self.assertEqual((status, log, len(store.requests)), (0, "", 2))
 

@@ -1,0 +1,117 @@
+#include "app/Modules.h"
+
+#include "app/linux/ModuleTables.h"
+#include "platform/Bundle.h"
+#include "platform/Log.h"
+
+#include <filesystem>
+#include <optional>
+#include <system_error>
+
+#include <dlfcn.h>
+#include <link.h>
+
+namespace app {
+namespace {
+
+constexpr const char* kFetch = "SubscriptionHelperFetch.so";
+constexpr const char* kDesktop = "SubscriptionHelperDesktop.so";
+
+std::filesystem::path pathOf(const char* fileName) {
+    const auto bundle = platform::Bundle::mainBundle();
+    return bundle ? bundle->frameworksPath() / fileName : fileName;
+}
+
+bool isThere(const std::filesystem::path& path) {
+    std::error_code error;
+    return std::filesystem::exists(path, error);
+}
+
+/// A library of the bundle, loaded when it is made. It stays.
+template <class Table>
+class Module {
+  public:
+    explicit Module(const char* fileName) {
+        const auto path = pathOf(fileName);
+        // In a scope of its own: no name of Qt is looked for in what it brings along, nor the
+        // other way round.
+        void* const library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+        const void* const table = library != nullptr ? dlsym(library, kModuleTable) : nullptr;
+        table_ = static_cast<const Table*>(table);
+        if (table_ == nullptr) {
+            failure_ = dlerror();
+        }
+    }
+
+    /// Null when it could not be loaded.
+    [[nodiscard]] const Table* table() const { return table_; }
+    /// Why it could not; empty when it could.
+    [[nodiscard]] const std::string& failure() const { return failure_; }
+
+  private:
+    const Table* table_ = nullptr;
+    std::string failure_;
+};
+
+const Module<FetchModule>& fetchModule() {
+    static const Module<FetchModule> module(kFetch);
+    return module;
+}
+
+const Module<DesktopModule>& desktopModule() {
+    static const Module<DesktopModule> module(kDesktop);
+    return module;
+}
+
+/// Whether the desktop module, and GIO that it needs, can be seen to be there: GIO lies beside
+/// GLib, which Qt has loaded; they come together.
+bool isDesktopThere() {
+    void* const glib = dlopen("libglib-2.0.so.0", RTLD_LAZY | RTLD_NOLOAD);
+    const link_map* map = nullptr;
+    return glib != nullptr && dlinfo(glib, RTLD_DI_LINKMAP, &map) == 0 &&
+           isThere(pathOf(kDesktop)) &&
+           isThere(std::filesystem::path(map->l_name).replace_filename("libgio-2.0.so.0"));
+}
+
+} // namespace
+
+std::string loadModules() {
+    if (const auto& failure = fetchModule().failure(); !failure.empty()) {
+        return failure;
+    }
+    // Loaded now only where it takes that to know.
+    return isDesktopThere() ? std::string() : desktopModule().failure();
+}
+
+} // namespace app
+
+// In place of those that the modules hold.
+
+base::Fetched base::fetch(const URL& url, const FetchLimits& limits) {
+    const auto& module = app::fetchModule();
+    return module.table() != nullptr ? module.table()->fetch(url, limits)
+                                     : Fetched{std::nullopt, module.failure()};
+}
+
+void platform::desktop::prepareTrash() {
+    if (const auto& failure = app::desktopModule().failure(); !failure.empty()) {
+        platform::log("What the removal needs cannot be loaded: %@", {failure});
+    }
+}
+
+std::error_code platform::desktop::moveToTrash(const std::filesystem::path& item) {
+    const auto* const module = app::desktopModule().table();
+    return module != nullptr ? module->moveToTrash(item)
+                             : std::make_error_code(std::errc::function_not_supported);
+}
+
+std::error_code platform::desktop::checkTrash(const std::filesystem::path& item) {
+    const auto* const module = app::desktopModule().table();
+    return module != nullptr ? module->checkTrash(item)
+                             : std::make_error_code(std::errc::function_not_supported);
+}
+
+bool platform::wantsReducedMotion() {
+    const auto* const module = app::desktopModule().table();
+    return module != nullptr && module->wantsReducedMotion();
+}
