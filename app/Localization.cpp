@@ -16,10 +16,12 @@ std::string entry(std::string_view key) {
 } // namespace
 
 QString localized(std::string_view key) {
-    const std::string text = entry(key);
-    return QString::fromStdString(text.find("%@") == std::string::npos
-                                      ? text
-                                      : base::formatted(text, {productName(), productName()}));
+    std::string text = entry(key);
+    if (text.find("%@") != std::string::npos) {
+        const std::string product = productName();
+        text = base::formatted(text, {product, product});
+    }
+    return QString::fromStdString(text);
 }
 
 std::string productName() {
