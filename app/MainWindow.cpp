@@ -2,9 +2,12 @@
 
 #include "app/Localization.h"
 #include "platform/Bundle.h"
+#include "platform/File.h"
 #include "ui_MainWindow.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <system_error>
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -23,12 +26,25 @@ constexpr int kWidth = 540;         // of the window, in which a line has some s
 constexpr QSize kButtonRoom{20, 6}; // around a button's text, beyond what the style gives
 constexpr double kHeadingScale = 1.5;
 
-/// In the size in which it is shown: Qt takes the file for twice the pixels by itself. The format
-/// is named, so that no plugin is asked whether it knows the file.
+/// The icon in the size in which it is shown, or in twice that, by its pixels as they are: to read
+/// a file of any format, Qt loads all its plugins for formats.
 QPixmap applicationIcon() {
+    constexpr int kSide = 64;
+    const bool isDense = qApp->devicePixelRatio() > 1;
+    const int side = isDense ? 2 * kSide : kSide;
+    const auto size = static_cast<std::size_t>(side * side * 4);
     const auto bundle = platform::Bundle::mainBundle();
-    const auto path = bundle ? bundle->pathForResource("AppIcon.png") : std::nullopt;
-    return path ? QPixmap(QString::fromStdString(path->native()), "PNG") : QPixmap();
+    const auto path = bundle ? bundle->pathForResource(isDense ? "AppIcon@2x.rgba" : "AppIcon.rgba")
+                             : std::nullopt;
+    std::error_code error;
+    const auto pixels = path ? platform::readRegularFile(*path, size, error) : base::Data();
+    if (pixels.size() != size) {
+        return {};
+    }
+    QPixmap icon = QPixmap::fromImage(
+        QImage(reinterpret_cast<const uchar*>(pixels.data()), side, side, QImage::Format_RGBA8888));
+    icon.setDevicePixelRatio(isDense ? 2 : 1);
+    return icon;
 }
 
 /// The texts of the window description are the keys of the localized texts.
