@@ -28,6 +28,9 @@ else()
     add_compile_options(-fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
     if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
         add_link_options(-Wl,-z,relro,-z,now)
+        # What nothing calls is left out, most of it of the C++ library that the process entry has in it.
+        add_compile_options(-ffunction-sections)
+        add_link_options(-Wl,--gc-sections)
     endif()
 endif()
 # The process entry links the platform library but must not drag in what it does not use.
