@@ -1,12 +1,14 @@
 # CURL::libcurl for a self-contained bundle: Debian's newest source package, with its patches, built for HTTP
-# and HTTPS only. Debian's own library brings 25 others into the process, this one libssl and libcrypto.
+# and HTTPS only, to be linked with OpenSSL into the one library that uses it. Debian's own brings 25 libraries,
+# and a shared OpenSSL has 4,000 names that are looked up at each start.
 include(ExternalProject)
+set(OPENSSL_USE_STATIC_LIBS ON)
 find_package(OpenSSL REQUIRED)
 
 set(curl_source "${PROJECT_BINARY_DIR}/curl/src/curl")
-set(curl_library "${PROJECT_BINARY_DIR}/curl/src/curl-build/lib/libcurl.so.4")
+set(curl_library "${PROJECT_BINARY_DIR}/curl/src/curl-build/lib/libcurl.a")
 string(JOIN " " curl_flags -fstack-protector-strong -D_FORTIFY_SOURCE=2 -D_FILE_OFFSET_BITS=64 -D_TIME_BITS=64
-    "'-ffile-prefix-map=${PROJECT_BINARY_DIR}=.'") # the same bytes from each build folder
+    -ffunction-sections "'-ffile-prefix-map=${PROJECT_BINARY_DIR}=.'") # the same bytes from each build folder
 ExternalProject_Add(curl
     PREFIX "${PROJECT_BINARY_DIR}/curl"
     DOWNLOAD_COMMAND "${PROJECT_SOURCE_DIR}/scripts/debian-source" curl <SOURCE_DIR>
@@ -14,9 +16,8 @@ ExternalProject_Add(curl
     LOG_DOWNLOAD ON LOG_CONFIGURE ON LOG_BUILD ON LOG_OUTPUT_ON_FAILURE ON
     BUILD_BYPRODUCTS "${curl_library}"
     CMAKE_ARGS
-        -DCMAKE_BUILD_TYPE=Release
-        "-DCMAKE_C_FLAGS=${curl_flags}" -DCMAKE_SKIP_BUILD_RPATH=ON
-        "-DCMAKE_SHARED_LINKER_FLAGS=-Wl,-z,relro,-z,now,--as-needed,-s"
+        -DCMAKE_BUILD_TYPE=Release "-DCMAKE_C_FLAGS=${curl_flags}"
+        -DBUILD_SHARED_LIBS=OFF -DCMAKE_POSITION_INDEPENDENT_CODE=ON
         -DBUILD_CURL_EXE=OFF -DBUILD_TESTING=OFF -DENABLE_MANUAL=OFF
         -DHTTP_ONLY=ON -DCURL_USE_OPENSSL=ON -DCURL_DISABLE_HSTS=ON -DCURL_DISABLE_NTLM=ON
         -DCURL_DISABLE_OPENSSL_AUTO_LOAD_CONFIG=ON
@@ -25,8 +26,10 @@ ExternalProject_Add(curl
         -DCURL_CA_BUNDLE=/etc/ssl/certs/ca-certificates.crt -DCURL_CA_PATH=/etc/ssl/certs)
 
 file(MAKE_DIRECTORY "${curl_source}/include")
-add_library(CURL::libcurl SHARED IMPORTED)
+add_library(CURL::libcurl STATIC IMPORTED)
 set_target_properties(CURL::libcurl PROPERTIES
-    IMPORTED_LOCATION "${curl_library}" IMPORTED_SONAME libcurl.so.4
-    INTERFACE_INCLUDE_DIRECTORIES "${curl_source}/include")
+    IMPORTED_LOCATION "${curl_library}"
+    INTERFACE_COMPILE_DEFINITIONS CURL_STATICLIB
+    INTERFACE_INCLUDE_DIRECTORIES "${curl_source}/include"
+    INTERFACE_LINK_LIBRARIES "OpenSSL::SSL;OpenSSL::Crypto")
 add_dependencies(CURL::libcurl curl)

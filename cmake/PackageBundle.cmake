@@ -10,11 +10,13 @@ endif()
 
 get_filename_component(folder "${CPACK_HELPER_BUNDLE}" DIRECTORY)
 get_filename_component(name "${CPACK_HELPER_BUNDLE}" NAME)
-set(archive "${CPACK_PACKAGE_DIRECTORY}/${CPACK_PACKAGE_FILE_NAME}.tar")
+file(REMOVE_RECURSE "${CPACK_HELPER_DIST}")
+file(MAKE_DIRECTORY "${CPACK_HELPER_DIST}")
+set(archive "${CPACK_HELPER_DIST}/${CPACK_PACKAGE_FILE_NAME}.tar")
 execute_process(COMMAND_ERROR_IS_FATAL ANY
     COMMAND tar --create --format=gnu --sort=name --mtime=@${epoch} --owner=0 --group=0
             --numeric-owner --mode=u+rwX,go+rX,go-w "--file=${archive}" "--directory=${folder}" "${name}")
 execute_process(COMMAND_ERROR_IS_FATAL ANY COMMAND gzip --force --best --no-name "${archive}")
 file(SHA256 "${archive}.gz" sum)
 file(WRITE "${archive}.gz.sha256" "${sum}  ${CPACK_PACKAGE_FILE_NAME}.tar.gz\n")
-set(CPACK_EXTERNAL_BUILT_PACKAGES "${archive}.gz" "${archive}.gz.sha256")
+message(STATUS "The package: ${archive}.gz")

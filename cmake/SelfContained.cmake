@@ -9,12 +9,13 @@ if(NOT CMAKE_SCRIPT_MODE_FILE)
     set(licenses "${CMAKE_CURRENT_LIST_DIR}/licenses.py")
     add_custom_command(OUTPUT "${origins}"
         COMMAND ${CMAKE_COMMAND} "-DAPPLICATION=$<TARGET_FILE:application>" "-DFETCH=$<TARGET_FILE:fetch-module>"
-            "-DDESKTOP=$<TARGET_FILE:desktop-module>" "-DCURL=$<TARGET_FILE:CURL::libcurl>"
+            "-DDESKTOP=$<TARGET_FILE:desktop-module>"
+            "-DARCHIVES=$<TARGET_FILE:CURL::libcurl>:${OPENSSL_SSL_LIBRARY}:${OPENSSL_CRYPTO_LIBRARY}"
             "-DQT_PLUGINS=${QT6_INSTALL_PREFIX}/${QT6_INSTALL_PLUGINS}" "-DCONTENTS=${HELPER_BUNDLE_CONTENTS}"
             "-DPATCHELF=${PATCHELF}" "-DORIGINS=${origins}" -P "${CMAKE_CURRENT_LIST_FILE}"
         COMMAND ${Python3_EXECUTABLE} "${licenses}" "${HELPER_BUNDLE_CONTENTS}" "${origins}"
             "${HELPER_IDENTIFIER}" "${HELPER_VERSION}" "${HELPER_COMPANY_NAME}" "${HELPER_LICENSE}"
-        DEPENDS application curl "${CMAKE_CURRENT_LIST_FILE}" "${licenses}" ${HELPER_LICENSE}
+        DEPENDS application fetch-module desktop-module curl "${CMAKE_CURRENT_LIST_FILE}" "${licenses}" ${HELPER_LICENSE}
         COMMENT "Putting libraries, plugins and their licences into the bundle"
         VERBATIM)
     add_custom_target(self-contained DEPENDS "${origins}")
@@ -38,7 +39,7 @@ set(plugins
 # the AppImage project publishes, with D-Bus and, for the theme of desktops that use it, GTK. Not libOpenGL, which
 # Qt needs and GNOME, Xfce, MATE and Cinnamon of Debian 13 do without (their packages, 2026-11-24).
 set(of_system
-    ld-linux-x86-64 libc libm libdl libpthread librt libresolv libutil libstdc\\+\\+ libgcc_s libz
+    ld-linux[^.]* libc libm libdl libpthread librt libresolv libutil libstdc\\+\\+ libgcc_s libz
     libX11 libX11-xcb libxcb libICE libSM libwayland-client libEGL libGL libGLX libGLdispatch
     libfontconfig libfreetype libharfbuzz
     libglib-2\\.0 libgobject-2\\.0 libgio-2\\.0 libgmodule-2\\.0 libdbus-1
@@ -66,14 +67,17 @@ foreach(plugin ${plugins})
         COMMAND "${PATCHELF}" --force-rpath --set-rpath $ORIGIN/../../Frameworks "${CONTENTS}/PlugIns/${plugin}")
     list(APPEND originals "${QT_PLUGINS}/${plugin}")
 endforeach()
-# First, so that it is found before one of the system.
-take("${CURL}" Frameworks/libcurl.so.4)
 file(GET_RUNTIME_DEPENDENCIES
     LIBRARIES "${APPLICATION}" "${FETCH}" "${DESKTOP}" ${originals}
     PRE_EXCLUDE_REGEXES "^(${of_system})\\.so(\\..*)?$"
     RESOLVED_DEPENDENCIES_VAR libraries)
-list(REMOVE_ITEM libraries "${frameworks}/libcurl.so.4")
 foreach(library ${libraries})
     cmake_path(GET library FILENAME name)
     take("${library}" "Frameworks/${name}")
+endforeach()
+# What is linked into one of our own.
+string(REPLACE ":" ";" archives "${ARCHIVES}")
+cmake_path(GET FETCH FILENAME name)
+foreach(archive ${archives})
+    file(APPEND "${ORIGINS}" "Frameworks/${name}\t${archive}\n")
 endforeach()

@@ -1,6 +1,7 @@
 """The licences of what a bundle takes along: `licenses.py CONTENTS ORIGINS IDENTIFIER VERSION COMPANY [LICENSE]`.
 
-ORIGINS has a line for each file: its place below CONTENTS, a tab, and the file that it is a copy of. Puts the
+ORIGINS has lines for each file: its place below CONTENTS, a tab, and the file that it is a copy of, or that is linked
+into it. Puts the
 licence texts of the Debian packages that these came from into CONTENTS/Resources/licenses, and a list of packages,
 versions, licences and files, by the SPDX specification 2.3. A file without a licence is an error.
 """
@@ -41,6 +42,7 @@ LICENSES = {
     "xcb-util-renderutil": "MIT",
     "xcb-util-wm": "MIT",
 }
+OWN = "Frameworks/SubscriptionHelper"  # of this project, with others linked into it
 COMMON = pathlib.Path("/usr/share/common-licenses")
 
 
@@ -88,7 +90,7 @@ def main():
     shutil.rmtree(folder, ignore_errors=True)
     folder.mkdir()
 
-    packages, files, relations = {}, [], []
+    packages, files, relations = {}, {}, []
     for line in sorted(pathlib.Path(origins).read_text().splitlines()):
         place, origin = line.split("\t")
         name, package_version, text = package_of(pathlib.Path(origin))
@@ -100,23 +102,28 @@ def main():
             shutil.copyfile(text, folder / f"{name}.txt")
             for common in set(re.findall(rf"{COMMON}/([\w.+-]*\w)", text.read_text())):
                 shutil.copyfile(COMMON / common, folder / f"{common}.txt")
-        files.append({"SPDXID": identifier_of("File", place), "fileName": f"./Contents/{place}",
-                      "checksums": [{"algorithm": kind.upper(), "checksumValue": digest(contents / place, kind)}
-                                    for kind in ("sha1", "sha256")],
-                      "licenseConcluded": LICENSES[name], "copyrightText": "NOASSERTION"})
-        relations.append((files[-1]["SPDXID"], "GENERATED_FROM", packages[name]["SPDXID"]))
+        file = files.setdefault(place, {
+            "SPDXID": identifier_of("File", place), "fileName": f"./Contents/{place}",
+            "checksums": [{"algorithm": kind.upper(), "checksumValue": digest(contents / place, kind)}
+                          for kind in ("sha1", "sha256")],
+            "licenseConcluded": "NOASSERTION" if place.startswith(OWN) else LICENSES[name],
+            "copyrightText": "NOASSERTION"})
+        relation = (file["SPDXID"], "STATIC_LINK" if place.startswith(OWN) else "GENERATED_FROM",
+                    packages[name]["SPDXID"])
+        relations += [relation] if relation not in relations else []
 
     own = described(identifier, version, "NOASSERTION", f"Organization: {company}") | {"filesAnalyzed": False}
     document = {
         "spdxVersion": "SPDX-2.3", "dataLicense": "CC0-1.0", "SPDXID": "SPDXRef-DOCUMENT",
-        "name": f"{identifier}-{version}", "packages": [own, *packages.values()], "files": files}
+        "name": f"{identifier}-{version}", "packages": [own, *packages.values()],
+        "files": list(files.values())}
     if license_:
         shutil.copyfile(license_, folder / f"{identifier}.txt")
         own["licenseDeclared"] = own["licenseConcluded"] = "LicenseRef-company"
         document["hasExtractedLicensingInfos"] = [
             {"licenseId": "LicenseRef-company", "extractedText": pathlib.Path(license_).read_text()}]
     relations = [("SPDXRef-DOCUMENT", "DESCRIBES", own["SPDXID"]),
-                 *((own["SPDXID"], "CONTAINS", file["SPDXID"]) for file in files), *relations]
+                 *((own["SPDXID"], "CONTAINS", file["SPDXID"]) for file in files.values()), *relations]
     document["relationships"] = [
         {"spdxElementId": one, "relationshipType": kind, "relatedSpdxElement": other}
         for one, kind, other in relations]
