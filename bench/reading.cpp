@@ -50,6 +50,7 @@ std::string answerOf(std::size_t size) {
 
 constexpr std::size_t kUsual = 0;
 constexpr std::size_t kLarge = 12'000'000;
+constexpr std::size_t kSizes[] = {1000, 10'000, 100'000, 1'000'000, kLarge, 100'000'000};
 
 // ---- the peers ----
 
@@ -270,8 +271,20 @@ int main(int argumentCount, char** arguments) {
         benchmark::RegisterBenchmark(("usual/" + reader).c_str(), reading, read, kUsual);
         benchmark::RegisterBenchmark(("large/" + reader).c_str(), reading, read, kLarge);
     }
-    benchmark::RegisterBenchmark("lookup/ours", lookUp)->UseRealTime();
-    benchmark::RegisterBenchmark("lookup/bare", bareLookUp)->UseRealTime();
+    for (const std::size_t size : kSizes) {
+        benchmark::RegisterBenchmark(("size/" + std::to_string(size)).c_str(), reading, readByUs,
+                                     size);
+    }
+    // The second of each for a count of system calls.
+    const std::pair<std::string, void (*)(benchmark::State&)> lookUps[] = {{"ours", lookUp},
+                                                                           {"bare", bareLookUp}};
+    for (const auto& [name, ask] : lookUps) {
+        benchmark::RegisterBenchmark(("lookup/" + name).c_str(), ask)->UseRealTime();
+        for (const int times : {100, 200}) {
+            benchmark::RegisterBenchmark((std::string("calls/") + name).c_str(), ask)
+                ->Iterations(times);
+        }
+    }
     benchmark::Initialize(&argumentCount, arguments);
     benchmark::RunSpecifiedBenchmarks();
 }

@@ -64,7 +64,7 @@ class FastSpringRootParser : public base::XMLEventDelegate {
     bool accumulatingParsedCharacterData_ = false;
     ElementText currentParsedCharacterData_;
     bool isNameOfStart_ = false; // whether the last tag was a start, whose name is the next one
-    std::string elementName_; // lowercased; a member so that its memory is used again
+    std::string elementName_;    // lowercased; a member so that its memory is used again
 };
 
 } // namespace store
