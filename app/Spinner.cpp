@@ -24,6 +24,7 @@ QAccessibleInterface* accessibleSpinner(const QString& /*className*/, QObject* o
 Spinner::Spinner(QWidget* parent) : QWidget(parent) {
     QAccessible::installFactory(accessibleSpinner); // more than once makes no difference
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    setAutoFillBackground(true); // so that nothing behind it is painted at each step
     connect(&timer_, &QTimer::timeout, this, &Spinner::advance);
 }
 

@@ -347,8 +347,8 @@ def main():
         bench.storectl()
         bench.steps()
         environment = stack.enter_context(desktop())
+        bench.instructions(environment)  # before zenity, which has accessibility started for those after it
         bench.window(environment)
-        bench.instructions(environment)
         bench.event_loop(environment)
         bench.at_rest(environment)
         bench.worst_answer()
