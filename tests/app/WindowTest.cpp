@@ -104,6 +104,8 @@ void expectWhole(QWidget& window, const std::string& language) {
         EXPECT_LE(label != nullptr ? label->heightForWidth(label->width()) : 0, widget->height())
             << name;
         EXPECT_LE(widget->minimumSizeHint().width(), widget->width()) << name;
+        EXPECT_TRUE(name != "iconLabel" ||
+                    label->pixmap().deviceIndependentSize() == QSizeF(64, 64));
         EXPECT_TRUE(label == nullptr || name == "iconLabel" || label->textFormat() == Qt::PlainText)
             << name;
     }
