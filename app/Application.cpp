@@ -44,8 +44,9 @@ int subscriptionHelperApplicationMain(const app::Options& options, int argumentC
                                       char** arguments) {
     // Once more: the process entry has a C++ library of its own.
     platform::logUncaughtFailures();
-    const std::string missing = app::loadModules();
-    if (options.task == app::Options::Task::check) {
+    const bool isCheck = options.task == app::Options::Task::check;
+    const std::string missing = app::loadModules(isCheck);
+    if (isCheck) {
         return app::printFindings(app::findings(missing), options.asJSON);
     }
     if (!missing.empty()) {

@@ -15,6 +15,8 @@
 
 #include <unistd.h>
 
+#include <QString>
+
 namespace app {
 namespace {
 
@@ -68,8 +70,10 @@ Finding lastRun() {
 std::vector<Finding> findings(const std::string& missing) {
     std::vector<Finding> all;
     const auto bundle = platform::Bundle::mainBundle();
-    all.push_back({"bundle", bundle.has_value(),
-                   bundle ? bundle->bundlePath().native() : "the program lies in none"});
+    const std::string path = bundle ? bundle->bundlePath().native() : "the program lies in none";
+    const bool isText = QString::fromStdString(path).toStdString() == path;
+    all.push_back({"bundle", bundle && isText,
+                   path + (isText ? "" : ", a path that is no UTF-8, where Qt finds no plugins")});
     all.push_back(
         {"application library", missing.empty(), missing.empty() ? "can be loaded" : missing});
     all.push_back({"identifier", true, HELPER_IDENTIFIER});

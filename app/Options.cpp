@@ -34,8 +34,10 @@ constexpr std::string_view kToolkitOptions[] = {
     "style",
     "stylesheet",
     "sync",
+    "testability",
     "title",
     "qwindowicon",
+    "widgetcount",
 };
 
 bool isOfToolkit(std::string_view option) {
@@ -49,6 +51,7 @@ bool isOfToolkit(std::string_view option) {
 Options optionsOf(std::span<char* const> arguments) {
     constexpr std::string_view kJSON = "--json";
     Options options;
+    std::string_view other;
     for (const std::string_view argument : arguments) {
         const auto* const entry = std::find_if(std::begin(kTasks), std::end(kTasks),
                                                [=](auto& each) { return each.first == argument; });
@@ -58,10 +61,15 @@ Options optionsOf(std::span<char* const> arguments) {
             options.asJSON = true;
         } else if (argument.starts_with("--") && !isOfToolkit(argument)) {
             return {Task::refuse, false, argument};
+        } else {
+            other = argument;
         }
     }
     if (options.asJSON && options.task != Task::check) {
         return {Task::refuse, false, kJSON};
+    }
+    if (options.task == Task::check && !other.empty()) { // who wants JSON must not get lines
+        return {Task::refuse, false, other};
     }
     return options;
 }

@@ -6,6 +6,8 @@
 #include "platform/Log.h"
 #include "platform/UserDefaults.h"
 
+#include "Brand.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdio>
@@ -38,8 +40,8 @@ using Application = decltype(&subscriptionHelperApplicationMain);
 /// dlerror(), when that cannot be done.
 Application loadApplication(const platform::Bundle& bundle) {
     const std::filesystem::path library = bundle.frameworksPath() / HELPER_APPLICATION_LIBRARY;
-    // All symbols at once, so that what is missing is missed here and not in the middle of a
-    // removal.
+    // All symbols at once, so that what is missing is missed here. What the removal alone needs is
+    // looked for by the application.
     void* const handle = dlopen(library.c_str(), RTLD_NOW | RTLD_LOCAL);
     return handle != nullptr
                ? reinterpret_cast<Application>(dlsym(handle, "subscriptionHelperApplicationMain"))
@@ -63,6 +65,9 @@ int runApplication(const platform::Bundle& bundle, const app::Options& options, 
 /// The main job, or a look at what it would find, which counts as no run.
 int run(const app::Options& options, int argumentCount, char** arguments) {
     const auto bundle = platform::Bundle::mainBundle();
+    if (!bundle && options.task == Task::check) {
+        return app::printFindings({{"bundle", false, "the program lies in none"}}, options.asJSON);
+    }
     if (!bundle) {
         platform::log("Not started from an application bundle, so there is nothing to do: %@",
                       {platform::executablePath().native()});

@@ -53,7 +53,7 @@ def output_of(*command):
 def package_of(origin):
     """The source package that a file came from: name, version, and file of licences."""
     source = next((folder for folder in origin.parents if (folder / "src/curl/debian").is_dir()), None)
-    if source:  # built from Debian's sources
+    if source and origin.name == "libcurl.a":  # built from Debian's sources
         debian = source / "src/curl/debian"
         fields = {name: output_of("dpkg-parsechangelog", "-l", str(debian / "changelog"), "-S", name)
                   for name in ("Source", "Version")}

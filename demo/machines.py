@@ -141,7 +141,10 @@ def main():
     done = True
     names = set()
     for root in map(pathlib.Path, sys.argv[2:]):
-        if root.is_dir():
+        if not root.is_dir():
+            print(f"| {root.name} | is not to be had | | | | |")
+            done = done and root.name == "testing"
+        else:
             for system, session, is_shown, is_removed, libraries in check(build, root, build.parent):
                 words = ["yes" if fact else "NO" for fact in (is_shown, is_removed)]
                 print(f"| {system} | {session} | {size} MB | {' | '.join(words)} | {len(libraries)} |", flush=True)

@@ -75,12 +75,12 @@ bool isDesktopThere() {
 
 } // namespace
 
-std::string loadModules() {
+std::string loadModules(bool all) {
     if (const auto& failure = fetchModule().failure(); !failure.empty()) {
         return failure;
     }
     // Loaded now only where it takes that to know.
-    return isDesktopThere() ? std::string() : desktopModule().failure();
+    return !all && isDesktopThere() ? std::string() : desktopModule().failure();
 }
 
 } // namespace app

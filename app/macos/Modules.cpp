@@ -3,7 +3,7 @@
 namespace app {
 
 // A library's names are looked up in that library alone there, so all are linked directly.
-std::string loadModules() {
+std::string loadModules(bool /*all*/) {
     return {};
 }
 

@@ -36,6 +36,7 @@ class StartTest(TestCase):
                 (["--chek"], {}, 2, "^There is no option --chek", False),
                 (["--check"], {}, 0, r"(?s)\[ok\] bundle: .*\[ok\] Trash: .*; a start works now; kept in", False),
                 (["--check", "--jsn"], {}, 2, "^There is no option --jsn", False),
+                (["--check", "json"], {}, 2, "^There is no option json", False),
                 (["--style=fusion", "--json"], {}, 2, "^There is no option --json", False),
                 (["--version"], {}, 0, r"^Subscription Helper \d+\.\d+\.\d+\n$", False),
                 (["--help"], {}, 0, "Helps a customer to leave Acme Studio: ", False)):
@@ -47,14 +48,22 @@ class StartTest(TestCase):
                 self.assertRegex(result.stdout + result.stderr, said)
                 self.assertEqual(stage.last_run() is not None, counts)
                 self.assertEqual(len(result.stderr.splitlines()), min(status, 1) + ("HOME" in variables))
+        result = subprocess.run([lonely, "--check", "--json"], text=True, capture_output=True, check=False)
+        self.assertEqual((result.returncode, json.loads(result.stdout)[0]["isRight"]), (1, False))
         stage.forget_last_run()
         result = subprocess.run([lonely], env=stage.environment(), text=True, capture_output=True, check=False)
         self.assertEqual((result.returncode, stage.last_run(), lonely.exists()), (1, None, True))
         self.assertIn("Not started from an application bundle", result.stderr)
 
     def test_a_check_names_what_is_not_right(self):
+        def library_of(stage, name):
+            return stage.bundle / f"Contents/Frameworks/SubscriptionHelper{name}.so"
+
         def remove(name):
-            return lambda stage: (stage.bundle / f"Contents/Frameworks/SubscriptionHelper{name}.so").unlink()
+            return lambda stage: library_of(stage, name).unlink()
+
+        def cut(stage):
+            library_of(stage, "Desktop").write_text("")
 
         library, reference = {"application library"}, {"subscription reference"}
         for number, (spoil, variables, wrong) in enumerate((
@@ -63,16 +72,19 @@ class StartTest(TestCase):
                 (lambda stage: None, {"TMPDIR": "/proc", "HOME": "/proc"}, {"Trash"} | reference),
                 (lambda stage: stage.set_reference(" \t"), {}, reference),
                 (lambda stage: (stage.program().with_name("Uninstall Acme Studio")).chmod(0o644), {}, {"uninstaller"}),
+                (lambda stage: None, {}, {"bundle"}),
+                (cut, {}, {"Trash"} | library),
                 (remove("Desktop"), {}, {"Trash"} | library),
                 (remove("Fetch"), {}, library), (remove("Application"), {}, library))):
-            stage = self.make_stage(str(number))
+            place = "no UTF-8: \udce9" if wrong == {"bundle"} else "Applications"
+            stage = self.make_stage(str(number), applications=place)
             spoil(stage)
             result = subprocess.run([stage.program(), "--json", "--check"], text=True, capture_output=True,
                                     check=False, env=stage.environment({"PATH": "/usr/bin"}) | variables)
             found = json.loads(result.stdout)
             self.assertEqual({each["what"] for each in found if not each["isRight"]}, wrong, found)
             self.assertEqual((result.returncode, result.stderr, stage.last_run()), (bool(wrong), "", None))
-            if library <= wrong:  # missed before there is a window
+            if library <= wrong and spoil != cut:  # missed before there is a window
                 self.assertRegex(stage.run({"PATH": "/usr/bin"})[1], "^[^\n]*The application cannot be loaded: .*\n$")
 
     def test_of_simultaneous_starts_exactly_one_goes_on(self):

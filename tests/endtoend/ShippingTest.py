@@ -22,7 +22,7 @@ FRAMEWORKS = {"SubscriptionHelperApplication.so": "subscriptionHelperApplication
 BUILT = [CONTENTS / "Linux" / "Subscription Helper", *(CONTENTS / "Frameworks" / name for name in FRAMEWORKS),
          pathlib.Path(BUILD) / "tools" / "storectl"]
 BRAND = {
-    "COMPANY_NAME": "Globex", "PRODUCT_NAME": r"Globex \"Draw\" 3",
+    "COMPANY_NAME": "Globex", "PRODUCT_NAME": r"Globex \"Draw\" #3; $<1:x>",
     "IDENTIFIER": "org.example.globex.leave", "PRODUCT_DOMAIN": "org.example.globex.draw",
     "STORE_HOST": "localhost:80", "STORE_ID": "globex", "UNINSTALLER": "Remove Globex",
     "ICON": "globex.svg"}
@@ -121,6 +121,7 @@ class PackagingTest(TestCase):
                 *((name, None, "is missing") for name in BRAND),
                 ("COMPANY_NAME", "", "the company's name"),
                 ("PRODUCT_NAME", " ", "the product's display name"),
+                ("PRODUCT_NAME", r"Draw\\next", "the product's display name"), ("STORE_ID", r"a\;b", "such as"),
                 ("IDENTIFIER", "../leave", "a reverse domain name"),
                 ("PRODUCT_DOMAIN", "draw", "a reverse domain name"),
                 ("PRODUCT_DOMAIN", BRAND["IDENTIFIER"], "must differ"),
@@ -132,6 +133,7 @@ class PackagingTest(TestCase):
                 ("UNINSTALLER", "Empty.app", "an executable file"), ("UNINSTALLER", "It's.sh", "no single quote"),
                 ("UNINSTALER", "x", "is no setting"), ("ICON", "globex.ico", "an SVG file"),
                 ("ICON", "not.svg", "can be drawn"), ("LICENSE", "missing", "there is no"),
+                ("LICENSE", "Empty.app", "in UTF-8"), ("TEXTS", "globex.svg", "a folder of texts"),
                 ("TEXTS", "missing", "there is no"),
                 ("TEXTS", self.texts("German", "x"), "named by a language"),
                 ("TEXTS", self.texts("de", 'Leave = "x";'), "expected entries"),
@@ -230,11 +232,15 @@ class PackagingTest(TestCase):
             self.check_fetch()
             self.check_size("packed", package)
             self.check_size("small", self.package("small", host, "-DHELPER_SELF_CONTAINED=OFF"))
+            self.brand(IDENTIFIER="org.example.other", UNINSTALLER="")
+            self.run_commands(["cmake", self.folder / "small"])
+            left = [file.name for file in (self.folder / "small" / BUNDLE / "Contents").rglob("*")]
+            self.assertFalse({name for name in left if "globex" in name.lower()}, left)
 
             stage = self.make_stage()
             shutil.rmtree(stage.bundle)
             settings = stage.config / f"{BRAND['PRODUCT_DOMAIN']}.conf"
-            settings.write_text("colour=blue\nsubscriptionReference=OLD\n")
+            settings.write_bytes(b"colour=caf\xe9\nsubscriptionReference=OLD\n")
             plugins = "/usr/lib/x86_64-linux-gnu/qt6/plugins"
             process = subprocess.Popen(
                 [PROJECT / "examples/install-helper", package, stage.applications, BRAND["PRODUCT_DOMAIN"],
@@ -244,7 +250,8 @@ class PackagingTest(TestCase):
             window = Window(environment, 'Globex "Draw" 4')
             self.assertTrue(window.wait())
             self.check_libraries(process)
-            self.assertEqual(settings.read_text(), "subscriptionReference=DEMO-1001\ncolour=blue\n")
+            self.assertEqual(settings.read_bytes(), b"subscriptionReference=DEMO-1001\ncolour=caf\xe9\n")
+            self.assertIn('leave Globex "Draw" #3; $<1:x>: ', self.run_commands([stage.program(), "--help"]))
             entry = stage.home / f".local/share/applications/{BRAND['IDENTIFIER']}.desktop"
             subprocess.run(["desktop-file-validate", entry], check=True)
             self.assertIn(f"\nTryExec={stage.program()}\n", entry.read_text())
