@@ -204,6 +204,12 @@ void MainWindow::showProgress(const QString& text) {
     ui_->progressLabel->setText(text);
     if (const int missing = ui_->progressSheet->missingHeight(); missing > 0) {
         setFixedHeight(std::min(height() + missing, room().height()));
+        // Not every window manager moves up what has grown beyond the screen, and none at once.
+        const QRect available = screen()->availableGeometry();
+        const int beyond = frameGeometry().bottom() - available.bottom();
+        if (beyond > 0) {
+            move(pos().x(), std::max(available.top(), pos().y() - beyond));
+        }
     }
 }
 
