@@ -3,7 +3,7 @@
 ORIGINS has lines for each file: its place below CONTENTS, a tab, and the file that it is a copy of, or that is linked
 into it. Puts the
 licence texts of the Debian packages that these came from into CONTENTS/Resources/licenses, and a list of packages,
-versions, licences and files, by the SPDX specification 2.3. A file without a licence is an error.
+versions, licences and files, by SPDX 2.3. A file without a licence is an error.
 """
 
 import datetime
