@@ -49,7 +49,7 @@ def use_by_itself(stage, store, folder, refuse):
         with (stage.home / "log").open("w") as log:
             process = stage.start(environment, log=log)
         try:
-            if window.wait():
+            if window.wait(15) or (window.activate() or window.wait(15)):
                 photograph_removal(window, stage, store, folder, refuse)
                 window.keys("Return")
             else:

@@ -56,6 +56,22 @@ def start_bus(environment):
     return bus, bus.stdout.readline().strip()
 
 
+def _start_manager(environment):
+    """A window manager that manages; one that does not come up is started once more."""
+    def is_there():
+        return "_NET_SUPPORTING_WM_CHECK(WINDOW)" in subprocess.run(
+            ["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"], env=environment, text=True,
+            capture_output=True, check=False).stdout
+
+    for _ in range(3):
+        manager = subprocess.Popen(["openbox"], env=environment, stdout=subprocess.DEVNULL,
+                                   stderr=subprocess.DEVNULL)
+        if wait_for(is_there):
+            return manager
+        end(manager)
+    raise RuntimeError("openbox does not start")
+
+
 @contextlib.contextmanager
 def desktop(environment=None):
     """Yields an environment for programs that are to run on a new desktop."""
@@ -67,12 +83,7 @@ def desktop(environment=None):
         bus, environment["DBUS_SESSION_BUS_ADDRESS"] = start_bus(environment)
         stack.callback(bus.stdout.close)
         stack.callback(end, bus)
-        manager = subprocess.Popen(["openbox"], env=environment, stdout=subprocess.DEVNULL,
-                                   stderr=subprocess.DEVNULL)
-        stack.callback(end, manager)
-        wait_for(lambda: "_NET_SUPPORTING_WM_CHECK(WINDOW)" in subprocess.run(
-            ["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"], env=environment, text=True,
-            capture_output=True, check=False).stdout)
+        stack.callback(end, _start_manager(environment))
         yield environment
 
 
