@@ -32,7 +32,8 @@ QPixmap applicationIcon() {
     constexpr int kSide = 64;
     const bool isDense = qApp->devicePixelRatio() > 1;
     const int side = isDense ? 2 * kSide : kSide;
-    const auto size = static_cast<std::size_t>(side * side * 4);
+    const std::size_t size =
+        std::size_t{4} * static_cast<unsigned>(side) * static_cast<unsigned>(side);
     const auto bundle = platform::Bundle::mainBundle();
     const auto path = bundle ? bundle->pathForResource(isDense ? "AppIcon@2x.rgba" : "AppIcon.rgba")
                              : std::nullopt;
