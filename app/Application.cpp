@@ -16,8 +16,8 @@
 
 namespace {
 
-/// Stands in for Qt's own messages while it connects to the display: where it cannot, it ends the
-/// process by an abort, after several lines that tell why. They become one.
+/// Gathers Qt's messages while it connects to the display. If Qt cannot connect, it sends several
+/// and aborts. They become one line and status 1.
 void reportMissingDisplay(QtMsgType type, const QMessageLogContext& /*context*/,
                           const QString& message) {
     thread_local std::string reasons; // Qt has other threads, which have other troubles
@@ -38,6 +38,19 @@ void useOwnPlugins() {
     }
 }
 
+/// Logs Qt's messages, because Qt itself would wait for a full pipe at standard error.
+void logMessage(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& message) {
+    platform::log("%@", {message.toStdString()});
+}
+
+/// Runs at exit(), which Qt calls if the display goes away. A running worker would still use what
+/// the rest of the exit destroys.
+void leaveRunningRemoval() {
+    if (app::logInterruptedRemoval()) {
+        std::_Exit(EXIT_FAILURE);
+    }
+}
+
 } // namespace
 
 int subscriptionHelperApplicationMain(const app::Options& options, int argumentCount,
@@ -54,11 +67,12 @@ int subscriptionHelperApplicationMain(const app::Options& options, int argumentC
         return EXIT_FAILURE;
     }
     useOwnPlugins();
-    const auto handler = qInstallMessageHandler(reportMissingDisplay);
+    qInstallMessageHandler(reportMissingDisplay);
     // By this name a Wayland desktop finds the entry, and so the icon, that belongs to the window.
     QApplication::setDesktopFileName(QStringLiteral(HELPER_IDENTIFIER));
     QApplication application(argumentCount, arguments);
-    qInstallMessageHandler(handler);
+    qInstallMessageHandler(logMessage);
+    std::atexit(leaveRunningRemoval);
     // The delegate alone decides when the application ends.
     QApplication::setQuitOnLastWindowClosed(false);
 
@@ -72,7 +86,7 @@ int subscriptionHelperApplicationMain(const app::Options& options, int argumentC
         },
         Qt::QueuedConnection);
     const int status = QApplication::exec();
-    if (delegate.isRemoving()) {
+    if (app::logInterruptedRemoval() || delegate.isRemoving()) {
         // The worker still uses what would be destroyed now, and nobody waits for it.
         std::_Exit(status);
     }

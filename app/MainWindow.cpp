@@ -95,9 +95,7 @@ MainWindow::~MainWindow() = default;
 
 void MainWindow::localize() {
     setLayoutDirection(textDirection());
-    const QString product = QString::fromStdString(productName());
-    setWindowTitle(product);
-    ui_->iconLabel->setAccessibleName(product);
+    ui_->iconLabel->setAccessibleName(QString::fromStdString(productName()));
     localizeTexts<QLabel>(*this);
     localizeTexts<QPushButton>(*this);
     localizeAccessibleTexts(*this);
@@ -136,6 +134,7 @@ void MainWindow::connectControls() {
 }
 
 void MainWindow::present() {
+    setWindowTitle(QString::fromStdString(productName()));
     fit();
     move(screen()->availableGeometry().center() - QRect({}, size() + frame()).center());
     show();

@@ -5,6 +5,7 @@
 #include "app/SubscriptionReference.h"
 #include "housekeeping/HelperUtilities.h"
 #include "platform/Bundle.h"
+#include "platform/HeldSignals.h"
 #include "platform/Log.h"
 #include "platform/Workspace.h"
 #include "store/FastSpringUtilities.h"
@@ -20,16 +21,41 @@ using housekeeping::HelperUtilities;
 
 namespace {
 
-/// Where the customer can cancel what the store did not. The worker goes on whatever becomes of it.
-void openAccountPage(const AtomicText::Value& url) {
-    if (url) {
-        static_cast<void>(platform::workspace::openURL(*url));
-    } else {
-        platform::log("The cancellation was not confirmed, and the store named no account page");
+/// A step of the removal: its name in the log, and the key of its progress text.
+struct Step {
+    const char* name;
+    const char* progress;
+};
+constexpr Step kCancel{"canceling the subscription", "Canceling your subscription ..."};
+constexpr Step kUninstall{"starting the uninstaller", "Launching the Uninstaller ..."};
+constexpr Step kTrash{
+    "moving the bundle to the Trash",
+    "Moving this helper to the Trash. This is the last step: once you can press Close, you are "
+    "done.\n\nIf your account page opened in the browser, please finish canceling there."};
+
+/// The name of the step that the removal worker carries out, or null if it does not run. For all
+/// delegates, because the end of the process reads it.
+std::atomic<const char*> runningStep = nullptr;
+
+/// Opens the page where the customer can cancel the subscription.
+/// @return the outcome for the log.
+std::string openAccountPage(const AtomicText::Value& url) {
+    if (!url) {
+        return "account page unknown";
     }
+    const auto error = platform::workspace::openURL(*url);
+    return error ? "account page not opened (" + error.message() + ")" : "account page opened";
 }
 
 } // namespace
+
+bool logInterruptedRemoval() {
+    const char* const step = runningStep;
+    if (step != nullptr) {
+        platform::log("The removal was interrupted while %@", {step});
+    }
+    return step != nullptr;
+}
 
 SubscriptionHelperAppDelegate::SubscriptionHelperAppDelegate()
     : window_(std::make_unique<MainWindow>()) {
@@ -73,6 +99,7 @@ void SubscriptionHelperAppDelegate::exitApp() {
 }
 
 void SubscriptionHelperAppDelegate::startCancellation() noexcept {
+    platform::Bundle::findMainBundle(); // the user may have moved it since the start
     ++workers_;
     try {
         std::thread([this] {
@@ -92,19 +119,30 @@ void SubscriptionHelperAppDelegate::startCancellation() noexcept {
 // Like the thread that runs it, it ends the process by an uncaught failure: a date of the store
 // service's answer that cannot be read.
 void SubscriptionHelperAppDelegate::cancelSubscriptionAndLaunchUninstaller() noexcept {
+    const platform::HeldSignals untilTheEnd;
+    const auto begin = [this](const Step& step) {
+        runningStep = step.name;
+        postProgress(step.progress);
+    };
+    begin(kCancel);
     platform::workspace::prepareTrash();
-    postProgress("Canceling your subscription ...");
     const std::string store = HelperUtilities::storeID();
-    if (!store::FastSpringUtilities::cancelSubscriptionForStore(store, subscriptionReference())) {
-        openAccountPage(customerURL());
-    }
-    postProgress("Launching the Uninstaller ...");
-    static_cast<void>(HelperUtilities::launchUninstaller());
-    postProgress(
-        "Moving this helper to the Trash. This is the last step: once you can press Close, you "
-        "are done.\n\nIf your account page opened in the browser, please finish canceling "
-        "there.");
-    static_cast<void>(trashMe());
+    const bool isCanceled =
+        store::FastSpringUtilities::cancelSubscriptionForStore(store, subscriptionReference());
+    const std::string cancellation =
+        isCanceled ? "confirmed" : "not confirmed, " + openAccountPage(customerURL());
+    begin(kUninstall);
+    const bool isConfigured = !HelperUtilities::uninstallerName().empty();
+    const bool isLaunched = HelperUtilities::launchUninstaller();
+    begin(kTrash);
+    const bool isTrashed = trashMe();
+    runningStep = nullptr;
+    platform::log("Removal ended: cancellation %@; uninstaller %@; bundle %@",
+                  {cancellation,
+                   !isConfigured ? "not configured"
+                   : isLaunched  ? "started"
+                                 : "not started",
+                   isTrashed ? "moved to the Trash" : "not moved to the Trash"});
     // Waits, so that isRemoving() is true until the window can be used again.
     QMetaObject::invokeMethod(this, &SubscriptionHelperAppDelegate::cancelProgress,
                               Qt::BlockingQueuedConnection);

@@ -14,6 +14,11 @@ namespace app {
 
 class MainWindow;
 
+/// Logs one line that names the running step if a removal runs. For an exit that cuts it off. Any
+/// thread.
+/// @return whether a removal runs.
+bool logInterruptedRemoval();
+
 /// The application's delegate: looks the user's subscription up, shows the one window, and carries
 /// out the removal. Made on the main thread; all operations belong to that thread except where they
 /// say otherwise. The window lives as long as the delegate.
@@ -48,8 +53,10 @@ class SubscriptionHelperAppDelegate final : public QObject {
     void startCancellation() noexcept;
     /// The removal worker: cancels the subscription at the store service, or opens the customer's
     /// account page when that fails; starts the uninstaller; moves the helper's bundle to the
-    /// Trash. Each step is announced on the sheet and runs whatever became of the one before. At
-    /// the end waits until the sheet's modal session is ended. Not for the main thread.
+    /// Trash. Each step is announced on the sheet and runs whatever became of the one before. Holds
+    /// back the signals of a session's end (platform::HeldSignals). At the end logs one line with
+    /// the outcome of each step, and waits until the sheet's modal session is ended. Not for the
+    /// main thread.
     void cancelSubscriptionAndLaunchUninstaller() noexcept;
     /// Shows a progress text on the sheet.
     void updateProgress(const QString& text);

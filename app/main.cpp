@@ -9,6 +9,7 @@
 #include "Brand.h"
 
 #include <algorithm>
+#include <csignal>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
@@ -31,6 +32,13 @@ void openClosedStreams() {
             static_cast<void>(open("/dev/null", O_RDWR)); // gets the lowest number that is free
         }
     }
+}
+
+/// Sets the signal actions that this program relies on, because a launcher can pass on others.
+/// A closed pipe must not end a removal, and an ignored SIGCHLD hides how child processes ended.
+void setSignalActions() {
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGCHLD, SIG_DFL);
 }
 
 using Task = app::Options::Task;
@@ -97,6 +105,7 @@ int showHelp() {
 
 int main(int argumentCount, char** arguments) {
     openClosedStreams();
+    setSignalActions();
     platform::logUncaughtFailures();
     const std::span<char*> words(arguments, static_cast<std::size_t>(argumentCount));
     const app::Options options =

@@ -14,9 +14,15 @@ namespace platform {
 /// any thread.
 class Bundle {
   public:
-    /// The bundle in whose executable directory this process's executable lay when this was first
-    /// asked, or none when it did not lie in one. Kept, whatever becomes of the bundle.
+    /// Returns the bundle in whose executable directory this process's executable lay at the first
+    /// call or at the latest call of findMainBundle(), or std::nullopt if it lay elsewhere. Later
+    /// changes of its files do not change the answer.
     [[nodiscard]] static std::optional<Bundle> mainBundle();
+
+    /// Makes the bundle that contains this process's executable now the main bundle, because the
+    /// user can move it while the program runs. Keeps the present one if the executable lies
+    /// outside of a bundle, as after a deletion.
+    static void findMainBundle();
 
     /// The bundle whose executable directory holds `executable`, an absolute path; none when the
     /// directories around it have other names or there is no Info.plist.
@@ -59,8 +65,8 @@ class Bundle {
     std::filesystem::path path_;
 };
 
-/// The absolute path of this process's executable as it was at the first call, or an empty path
-/// when the system does not tell. Later moves of the file do not change the answer.
-[[nodiscard]] const std::filesystem::path& executablePath();
+/// Returns the absolute path of this process's executable, or an empty path if the system does not
+/// tell it. On Linux it follows the file if that is moved.
+[[nodiscard]] std::filesystem::path executablePath();
 
 } // namespace platform

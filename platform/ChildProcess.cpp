@@ -64,9 +64,11 @@ std::vector<char*> environmentWithoutLinkerSettings() {
 
 int statusOf(pid_t child) {
     int status = 0;
-    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
-    }
-    return status;
+    pid_t ended = 0;
+    do {
+        ended = ::waitpid(child, &status, 0);
+    } while (ended < 0 && errno == EINTR);
+    return ended == child ? status : kUnknownStatus;
 }
 
 std::future<int> reap(pid_t child) {
@@ -75,7 +77,7 @@ std::future<int> reap(pid_t child) {
         std::thread([=] { status->set_value(statusOf(child)); }).detach();
     } catch (const std::system_error&) {
         // Without a thread to spare the child stays a zombie until this process ends.
-        status->set_value(0);
+        status->set_value(kUnknownStatus);
     }
     return status->get_future();
 }

@@ -9,10 +9,13 @@
 #include <cstring>
 #include <exception>
 #include <iterator>
+#include <mutex>
 #include <string>
 #include <utility>
 
 #include <cerrno>
+#include <climits>
+#include <poll.h>
 #include <syslog.h>
 #include <unistd.h>
 
@@ -99,6 +102,26 @@ const std::string& systemLogTag() {
     return tag;
 }
 
+bool acceptsBytes(int descriptor) {
+    pollfd state{descriptor, POLLOUT, 0};
+    return poll(&state, 1, 0) == 1 && (state.revents & POLLOUT) != 0;
+}
+
+/// Writes as much of a line to standard error as it accepts at once, because a pipe that nobody
+/// reads would hold this process for ever. A pipe that accepts bytes has room for PIPE_BUF of them.
+void writeToStandardError(std::string_view line) {
+    static std::mutex mutex; // another thread could take the room between poll() and write()
+    const std::lock_guard lock(mutex);
+    while (!line.empty() && acceptsBytes(STDERR_FILENO)) {
+        const ssize_t written =
+            write(STDERR_FILENO, line.data(), std::min<std::size_t>(line.size(), PIPE_BUF));
+        if (written <= 0) {
+            return;
+        }
+        line.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
 [[noreturn]] void logAndAbort() {
     // Without memory the line itself fails, which must not come here again.
     std::set_terminate(std::abort);
@@ -119,17 +142,12 @@ const std::string& systemLogTag() {
 
 void log(std::string_view format, std::initializer_list<base::FormatArgument> arguments) {
     const std::string message = escaped(base::formatted(format, arguments));
-    const auto now =
-        std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now());
-    const std::string line =
-        base::formatted("%@ %@[%@] %@\n", {base::timestampText(now), programName(),
-                                           std::to_string(getpid()), message});
-    // One write, so that the lines of several threads do not mix.
-    if (write(STDERR_FILENO, line.data(), line.size()) < 0) {
-        // Standard error may be closed; the system log still gets the message.
-    }
     openlog(systemLogTag().c_str(), LOG_PID, LOG_USER); // called again it changes nothing
     syslog(LOG_NOTICE, "%s", message.c_str());
+    const auto now =
+        std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now());
+    writeToStandardError(base::formatted("%@ %@[%@] %@\n", {base::timestampText(now), programName(),
+                                                            std::to_string(getpid()), message}));
 }
 
 void logUncaughtFailures() {

@@ -7,8 +7,10 @@
 
 namespace platform {
 
-/// Writes one line to standard error and to the system log (syslog, facility user): the moment,
-/// the program's name and process id, and the formatted text. In the system log a space in the name
+/// Writes one line to the system log (syslog, facility user), then to standard error: the time,
+/// the program's name and process ID, and the formatted text. Standard error gets only the bytes
+/// that it accepts at once, so a pipe that nobody reads never holds the caller. The process must
+/// ignore SIGPIPE. In the system log a space in the name
 /// is "-": journald (252) does not find names with a space, or the process id after one. Control
 /// characters in the text, C1 and those of direction included, and bytes that are no UTF-8 are
 /// escaped as `\xNN` for each byte, so a logged name can neither start a line of its own nor turn

@@ -4,13 +4,9 @@
 
 namespace platform {
 
-const std::filesystem::path& executablePath() {
-    // Asked once: the link follows the file when the bundle is moved to the Trash.
-    static const std::filesystem::path path = [] {
-        std::error_code error;
-        return std::filesystem::read_symlink("/proc/self/exe", error);
-    }();
-    return path;
+std::filesystem::path executablePath() {
+    std::error_code error;
+    return std::filesystem::read_symlink("/proc/self/exe", error);
 }
 
 } // namespace platform

@@ -8,18 +8,15 @@
 
 namespace platform {
 
-const std::filesystem::path& executablePath() {
-    static const std::filesystem::path path = []() -> std::filesystem::path {
-        std::uint32_t size = 0;
-        _NSGetExecutablePath(nullptr, &size);
-        std::string name(size, '\0');
-        if (_NSGetExecutablePath(name.data(), &size) != 0) {
-            return {};
-        }
-        std::error_code error;
-        return std::filesystem::canonical(name.c_str(), error);
-    }();
-    return path;
+std::filesystem::path executablePath() {
+    std::uint32_t size = 0;
+    _NSGetExecutablePath(nullptr, &size);
+    std::string name(size, '\0');
+    if (_NSGetExecutablePath(name.data(), &size) != 0) {
+        return {};
+    }
+    std::error_code error;
+    return std::filesystem::canonical(name.c_str(), error);
 }
 
 } // namespace platform

@@ -138,11 +138,12 @@ class DesktopTest(TestCase):
     def tearDownClass(cls):
         cls.stack.close()
 
-    def begin(self, stage, command=None, **variables):
+    def begin(self, stage, command=None, stderr=subprocess.PIPE, **variables):
         stage.forget_last_run()
         process = subprocess.Popen(command or [stage.program()], env=stage.environment(self.desktop | variables),
-                                   text=True, cwd=stage.home, stderr=subprocess.PIPE)
-        self.addCleanup(process.stderr.close)
+                                   text=True, cwd=stage.home, stderr=stderr)
+        if process.stderr:
+            self.addCleanup(process.stderr.close)
         self.addCleanup(process.wait)
         self.addCleanup(process.kill)
         self.assertTrue(self.window.wait())
@@ -223,11 +224,14 @@ class DesktopTest(TestCase):
             self.assertRegex(log.read_text(), r'set_title\("Acme Studio"\)')
 
     def test_the_removal_from_a_place_with_a_difficult_name(self):
-        stage = self.make_stage(applications="Zo\u00eb's \"own\" place", reference=" DEMO-1001\t")
+        stage = self.make_stage(reference=" DEMO-1001\t")
         plist = "Contents/Info.plist"
         with Store(BUILD, "--delay", "1500") as store:
             process = self.begin(stage)
             self.assertNotIn("libgio", pathlib.Path(f"/proc/{process.pid}/maps").read_text())
+            place = stage.home / "Zo\u00eb's \"own\" place"
+            place.mkdir()
+            stage.bundle = stage.bundle.rename(place / stage.bundle.name)  # while the window is open
             self.window.press_remove()
             self.assertTrue(wait_for(lambda: len(store.requests) == 1))
             time.sleep(0.3)
@@ -241,7 +245,8 @@ class DesktopTest(TestCase):
             time.sleep(0.5)
             self.assertIsNone(process.poll())
             self.window.keys("Return")  # and now a button ends it
-            self.assertEqual(self.finish(process), "")
+            self.assertRegex(self.finish(process), "^[^\n]* Removal ended: cancellation confirmed; uninstaller started; "
+                             "bundle moved to the Trash\n$")
             self.assertEqual([line.split("?")[1] for line in store.requests],
                              ["f=getsubscription&subscriptionRef=DEMO-1001 200",
                               "f=deletesubscription&subscriptionRef=DEMO-1001 200"])
@@ -250,6 +255,54 @@ class DesktopTest(TestCase):
                 (self.folder / pathlib.Path(part).name).rename(stage.trashed_bundle() / part)
             status, log, _ = stage.run(self.desktop, bundle=stage.trashed_bundle())
             self.assertEqual((status, log, len(store.requests)), (0, "", 2))
+
+    def test_a_removal_goes_on_whatever_its_launcher_does(self):
+        def broken_pipe():
+            reader, writer = os.pipe()
+            os.close(reader)
+            return writer
+
+        def full_pipe():
+            reader, writer = os.pipe()
+            self.addCleanup(os.close, reader)
+            os.set_blocking(writer, False)
+            with contextlib.suppress(BlockingIOError):
+                while os.write(writer, b"x"):
+                    pass
+            os.set_blocking(writer, True)
+            return writer
+
+        for number, (stderr, signals) in enumerate((
+                (broken_pipe(), ()), (full_pipe(), ()),
+                (subprocess.DEVNULL, (signal.SIGHUP, signal.SIGINT, signal.SIGTERM)))):
+            stage = self.make_stage(str(number))
+            stage.program().with_name("Uninstall Acme Studio").unlink()  # a line before the last step
+            with self.subTest(number), Store(BUILD, "--delay", "500") as store:
+                process = self.begin(stage, ["env", "--ignore-signal=CHLD", stage.program()], stderr)
+                state = pathlib.Path(f"/proc/{process.pid}/status").read_text()
+                self.assertEqual(int(re.search("SigIgn:\t(.*)", state)[1], 16) & 1 << signal.SIGCHLD - 1, 0)
+                self.window.press_remove()
+                self.assertTrue(wait_for(lambda: len(store.requests) == 1))
+                for each in signals:
+                    process.send_signal(each)
+                self.assertTrue(wait_for(stage.trashed_bundle))
+                time.sleep(0.5)
+                self.window.keys("Return")
+                self.assertIn(-process.wait(15), signals or (0,))
+
+    def test_a_display_that_goes_away_interrupts_the_removal(self):
+        stage = self.make_stage()
+        with Store(BUILD, "--delay", "20000"), contextlib.ExitStack() as stack:
+            own = stack.enter_context(desktop())
+            process = stage.start(own)
+            self.addCleanup(process.kill)
+            self.assertTrue(Window(own).wait())
+            Window(own).press_remove()
+            time.sleep(0.5)
+            stack.close()
+            _, log = process.communicate(timeout=15)
+        self.assertEqual(process.returncode, 1)
+        self.assertRegex(log, "interrupted while canceling the subscription\n$")
 
     def test_the_sheet_while_the_store_is_asked(self):
         # Its spinner stands still, but is there, where no motion is wanted; quitting waits for no answer.
@@ -265,7 +318,7 @@ class DesktopTest(TestCase):
                 time.sleep(0.5)
                 pictures[wanted] = {self.window.picture() for _ in range(40)}
                 self.window.keys("ctrl+q")
-                self.assertEqual(process.wait(15), 0)
+                self.assertRegex(self.finish(process), "^[^\n]* interrupted while canceling the subscription\n$")
                 self.assertEqual(["getsub" in line for line in store.requests], [True])
             self.assertTrue(stage.bundle.exists())
         self.assertEqual(len(pictures["false"]), 1)
@@ -295,7 +348,8 @@ class DesktopTest(TestCase):
                 self.assertEqual(opened.exists(), answers)
                 time.sleep(0.5)
                 self.window.keys("Return")
-                self.assertIn("not ended after 5 seconds and may not have opened http://", self.finish(process))
+                self.assertRegex(self.finish(process), "(?s)not ended after 5 seconds and may not have opened http://"
+                                 ".*cancellation not confirmed, account page opened;")
                 stage.note.unlink()
                 shutil.rmtree(stage.home / ".local")
                 shutil.copytree(kept, stage.bundle, symlinks=True)

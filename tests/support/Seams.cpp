@@ -15,6 +15,8 @@ std::optional<platform::Bundle> platform::Bundle::mainBundle() {
     return testBundle;
 }
 
+void platform::Bundle::findMainBundle() {}
+
 std::string_view store::scriptURL() {
     return testScriptURL;
 }
