@@ -2,6 +2,7 @@
 
 #include "base/Handle.h"
 
+#include <algorithm>
 #include <new>
 #include <utility>
 
@@ -10,7 +11,10 @@
 namespace base {
 namespace {
 
+using std::chrono::milliseconds;
+
 constexpr const char* kProtocols = "http,https"; // also of redirects
+constexpr milliseconds kLongestPause{100};       // between two looks at the time
 
 struct Transfer {
     const FetchLimits& limits;
@@ -61,12 +65,44 @@ bool configure(CURL* handle, const URL& url, Transfer& transfer) {
            // A resolver that never answers must not hold the caller up when the time is over.
            set(handle, CURLOPT_QUICK_EXIT, 1L) &&
            set(handle, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limits.connect.count())) &&
-           set(handle, CURLOPT_TIMEOUT_MS, static_cast<long>(limits.whole.count())) &&
            set(handle, CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(limits.body)) &&
            set(handle, CURLOPT_WRITEFUNCTION, takeBody) &&
            set(handle, CURLOPT_WRITEDATA, &transfer) &&
            set(handle, CURLOPT_HEADERFUNCTION, countHeader) &&
            set(handle, CURLOPT_HEADERDATA, &transfer);
+}
+
+/// Runs a transfer to its end or until `time` is over. Time in which the process was stopped does
+/// not count: libcurl's own limit would drop an answer that arrived meanwhile.
+CURLcode performWithin(milliseconds time, CURLM* transfers) {
+    using Clock = std::chrono::steady_clock;
+    auto left = std::chrono::duration_cast<Clock::duration>(time);
+    int running = 1;
+    while (left > Clock::duration::zero()) {
+        const auto begin = Clock::now();
+        if (curl_multi_perform(transfers, &running) != CURLM_OK) {
+            return CURLE_OUT_OF_MEMORY;
+        }
+        if (running == 0) {
+            int messages = 0;
+            const CURLMsg* const message = curl_multi_info_read(transfers, &messages);
+            return message != nullptr ? message->data.result : CURLE_OUT_OF_MEMORY;
+        }
+        curl_multi_poll(transfers, nullptr, 0, kLongestPause.count(), nullptr);
+        left -= std::min<Clock::duration>(Clock::now() - begin, kLongestPause);
+    }
+    return CURLE_OPERATION_TIMEDOUT;
+}
+
+/// Runs one transfer, as performWithin().
+CURLcode perform(CURL* transfer, milliseconds time) {
+    const Handle<CURLM, curl_multi_cleanup> transfers(curl_multi_init());
+    if (!transfers || curl_multi_add_handle(transfers.get(), transfer) != CURLM_OK) {
+        return CURLE_OUT_OF_MEMORY;
+    }
+    const CURLcode code = performWithin(time, transfers.get());
+    curl_multi_remove_handle(transfers.get(), transfer);
+    return code;
 }
 
 } // namespace
@@ -80,7 +116,7 @@ Fetched fetch(const URL& url, const FetchLimits& limits) {
     }
     char words[CURL_ERROR_SIZE] = "";
     set(handle.get(), CURLOPT_ERRORBUFFER, words);
-    const CURLcode code = curl_easy_perform(handle.get());
+    const CURLcode code = perform(handle.get(), limits.whole);
     if (code != CURLE_OK) {
         return {std::nullopt, *words != '\0' ? words : curl_easy_strerror(code)};
     }

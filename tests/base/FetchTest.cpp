@@ -5,10 +5,14 @@
 #include "tests/support/Test.h"
 
 #include <atomic>
+#include <csignal>
+#include <future>
 #include <thread>
 
 #include <dlfcn.h>
 #include <netdb.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 std::atomic<bool> resolverWasAsked = false;
@@ -102,6 +106,24 @@ TEST_F(Fetch, NoticesAtOnceWhatIsTooLarge) {
     const std::string largest(limits.body, 'x');
     EXPECT_TRUE(fetchFrom(LoopbackServer(httpReply(largest)), limits) == largest);
     EXPECT_TRUE(test::kIsSanitized || test::peakMemory() - memory < 16U << 20U);
+}
+
+TEST_F(Fetch, TakesAnAnswerThatArrivedWhileTheProcessWasStopped) {
+    std::promise<pid_t> child;
+    const LoopbackServer server([&, process = child.get_future().share()](auto& /*target*/) {
+        kill(process.get(), SIGSTOP);
+        return httpReply("<a/>");
+    });
+    const pid_t process = fork();
+    if (process == 0) {
+        _exit(fetchFrom(server) == "<a/>" ? 0 : 1);
+    }
+    child.set_value(process);
+    std::this_thread::sleep_for(2 * kShort.whole);
+    kill(process, SIGCONT);
+    int status = -1;
+    EXPECT_EQ(waitpid(process, &status, 0), process);
+    EXPECT_EQ(status, 0);
 }
 
 TEST_F(Fetch, DoesNotWaitForASilentResolver) {
