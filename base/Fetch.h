@@ -15,7 +15,7 @@ struct FetchLimits {
     std::chrono::milliseconds connect = std::chrono::seconds(10); ///< until connected
     /// The request from end to end. Time in which the process was stopped does not count.
     std::chrono::milliseconds whole = std::chrono::seconds(30);
-    std::size_t body = std::size_t{1} << 20U;     ///< bytes of body, as they arrive decoded
+    std::size_t body = std::size_t{1} << 20U;     ///< bytes of body, without chunk frames
     std::size_t headers = std::size_t{64} * 1024; ///< bytes of all header lines, of redirects too
     long redirects = 5;                           ///< how many are followed
 };

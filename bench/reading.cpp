@@ -3,6 +3,7 @@
 #include "store/Conversions.h"
 #include "store/FastSpringSubscriptionParser.h"
 #include "store/FastSpringUtilities.h"
+#include "store/ServerDate.h"
 #include "tests/support/LoopbackServer.h"
 #include "tests/support/TestHome.h"
 
@@ -84,7 +85,7 @@ void storeField(Record& record, const std::string& name, const std::string& text
     if (const auto* member = std::get_if<store::Text Record::*>(&found->second)) {
         record.** member = text;
     } else if (const auto* date = std::get_if<store::Date Record::*>(&found->second)) {
-        record.** date = store::FastSpringRootParser::fromServerDate(text);
+        record.** date = store::dateFromText(text);
     } else if (const auto* number = std::get_if<store::Number Record::*>(&found->second)) {
         record.** number = store::numberFromText(text);
     } else {

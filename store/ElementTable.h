@@ -1,6 +1,7 @@
 #pragma once
 
 #include "store/ElementText.h"
+#include "store/FastSpringRootParser.h"
 #include "store/FieldTypes.h"
 
 #include <algorithm>
@@ -37,14 +38,14 @@ constexpr bool isElementTable(std::span<const Element<Record>> table) {
            }) == table.end();
 }
 
-/// The text of an element as a value of a property's type.
-/// @throws std::out_of_range for a date, by dateFromText().
+/// Converts the text of an element to a value of a property's type. The parser reads dates.
+/// @throws std::out_of_range for a date, by FastSpringRootParser::fromServerDate().
 template <class Value>
-Value converted(ElementText& text) {
+Value converted(ElementText& text, const FastSpringRootParser& parser) {
     if constexpr (std::is_same_v<Value, Text>) {
         return text.text();
     } else if constexpr (std::is_same_v<Value, Date>) {
-        return text.date();
+        return text.date([&](std::string_view date) { return parser.fromServerDate(date); });
     } else if constexpr (std::is_same_v<Value, Number>) {
         return text.number();
     } else {
@@ -59,7 +60,8 @@ Value converted(ElementText& text) {
 /// @return whether the table has the name.
 /// @throws what converted() throws; the record is then unchanged.
 template <class Record>
-bool storeElement(std::span<const Element<std::type_identity_t<Record>>> table,
+bool storeElement(const FastSpringRootParser& parser,
+                  std::span<const Element<std::type_identity_t<Record>>> table,
                   std::string_view name, ElementText& text, Record* record) {
     const auto row = std::lower_bound(table.begin(), table.end(), name,
                                       [](const auto& element, std::string_view wanted) {
@@ -70,7 +72,7 @@ bool storeElement(std::span<const Element<std::type_identity_t<Record>>> table,
     }
     std::visit(
         [&]<class Value>(Value Record::*property) {
-            Value value = converted<Value>(text);
+            Value value = converted<Value>(text, parser);
             if (record != nullptr) {
                 record->*property = std::move(value);
             }

@@ -2,7 +2,6 @@
 
 #include "store/Conversions.h"
 #include "store/FieldTypes.h"
-#include "store/ServerDate.h"
 
 #include <optional>
 #include <string>
@@ -27,8 +26,12 @@ class ElementText {
 
     /// The text so far; valid until it is changed.
     [[nodiscard]] const std::string& text() const { return text_; }
-    /// As dateFromText(), with what that throws.
-    [[nodiscard]] const Date& date() { return date_ ? *date_ : date_.emplace(dateFromText(text_)); }
+    /// Returns the text's date by `read`, with the exceptions that `read` throws.
+    /// @param read takes the text as a std::string_view and returns a Date, always in one way.
+    template <class Reader>
+    [[nodiscard]] const Date& date(const Reader& read) {
+        return date_ ? *date_ : date_.emplace(read(text_));
+    }
     /// As numberFromText().
     [[nodiscard]] std::uint64_t number() {
         return number_ ? *number_ : number_.emplace(numberFromText(text_));

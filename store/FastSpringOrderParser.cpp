@@ -158,10 +158,10 @@ void FastSpringOrderParser::endElement(std::string_view elementName, ElementText
 void FastSpringOrderParser::storeField(std::string_view elementName, ElementText& text) {
     const auto& contacts = isPurchaser_ ? kPurchaserElements : kCustomerElements;
     static_cast<void>(
-        (isPayments_ && storeElement(kPaymentElements, elementName, text, payment.get())) ||
-        storeElement(contacts, elementName, text, order.get()) ||
-        storeElement(kItemElements, elementName, text, orderItem.get()) ||
-        storeElement(kOrderElements, elementName, text, order.get()));
+        (isPayments_ && storeElement(*this, kPaymentElements, elementName, text, payment.get())) ||
+        storeElement(*this, contacts, elementName, text, order.get()) ||
+        storeElement(*this, kItemElements, elementName, text, orderItem.get()) ||
+        storeElement(*this, kOrderElements, elementName, text, order.get()));
 }
 
 } // namespace store

@@ -13,7 +13,7 @@ namespace store {
 /// Only the end of a container ("orderitems", "payments") appends to its list, and only the record
 /// that is current then, so of several line items or payments in one container the last is kept.
 /// Contact elements fill the purchaser from a "purchaser" start to the next "customer" start.
-class FastSpringOrderParser final : public FastSpringRootParser {
+class FastSpringOrderParser : public FastSpringRootParser {
   public:
     using FastSpringRootParser::FastSpringRootParser;
 

@@ -7,7 +7,7 @@ namespace store {
 
 FastSpringRootParser::FastSpringRootParser(std::string_view data) : data_(data) {}
 
-Date FastSpringRootParser::fromServerDate(std::string_view text) {
+Date FastSpringRootParser::fromServerDate(std::string_view text) const {
     return dateFromText(text);
 }
 

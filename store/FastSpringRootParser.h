@@ -23,23 +23,26 @@ class FastSpringRootParser : public base::XMLEventDelegate {
     explicit FastSpringRootParser(std::string_view data);
     virtual ~FastSpringRootParser() = default;
 
-    /// Reads a date text of the store service, as dateFromText().
+    /// Reads a date text of the store service, as dateFromText(). Date elements go through it.
     /// @throws std::out_of_range when no "Z" is left to take.
-    [[nodiscard]] static Date fromServerDate(std::string_view text);
+    [[nodiscard]] virtual Date fromServerDate(std::string_view text) const;
 
-    /// Whether the (lowercased) element is an HTML page's root, so that the answer is no store
-    /// answer; remembers it in isHTMLServerError.
-    bool checkForErrors(std::string_view elementName, const base::XMLAttributes& attributes);
-    /// Whether an HTML page was found. Clears nothing: the rest of such an answer is skipped.
-    [[nodiscard]] bool cleanUpAnyErrors(std::string_view elementName) const;
+    /// Returns true if the (lowercased) element is the root of an HTML page, and remembers that in
+    /// isHTMLServerError.
+    virtual bool checkForErrors(std::string_view elementName,
+                                const base::XMLAttributes& attributes);
+    /// Returns true if an HTML page was found. Clears nothing: the rest of such an answer is
+    /// skipped.
+    [[nodiscard]] virtual bool cleanUpAnyErrors(std::string_view elementName) const;
 
     /// The events of the parse. Element names are matched in any letter case. The text of an
     /// element is what was gathered from the last start of an element that is no container to the
     /// first end after it, so an element with children has the text of its last child.
-    void didStartElement(std::string_view elementName, const base::XMLAttributes& attributes) final;
-    void didEndElement(std::string_view elementName) final;
-    void foundCharacters(std::string_view characters) final;
-    void parseErrorOccurred() final;
+    void didStartElement(std::string_view elementName,
+                         const base::XMLAttributes& attributes) override;
+    void didEndElement(std::string_view elementName) override;
+    void foundCharacters(std::string_view characters) override;
+    void parseErrorOccurred() override;
 
     bool isHTMLServerError = false; ///< an element named "html" has started
     bool isParsingError = false;    ///< the answer is not well-formed to its end

@@ -46,7 +46,7 @@ bool FastSpringSubscriptionParser::startContainer(std::string_view elementName) 
 }
 
 void FastSpringSubscriptionParser::endElement(std::string_view elementName, ElementText& text) {
-    storeElement(kElements, elementName, text, subscription.get());
+    storeElement(*this, kElements, elementName, text, subscription.get());
 }
 
 } // namespace store

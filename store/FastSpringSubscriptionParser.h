@@ -13,7 +13,7 @@ namespace store {
 /// A field element is known by its name alone, wherever it stands; of two the later counts, and one
 /// before the first "subscription" start is dropped. Every "subscription" start begins a new record
 /// in place of the one before.
-class FastSpringSubscriptionParser final : public FastSpringRootParser {
+class FastSpringSubscriptionParser : public FastSpringRootParser {
   public:
     using FastSpringRootParser::FastSpringRootParser;
 

@@ -1,4 +1,4 @@
-#include "store/FastSpringRootParser.h"
+#include "store/FastSpringSubscriptionParser.h"
 
 #include "tests/support/Test.h"
 
@@ -15,9 +15,18 @@ namespace {
 constexpr const char* kNone = "none";
 constexpr const char* kFails = "out_of_range";
 
+TEST(RootParser, LetsASubclassReadDatesInItsOwnWay) {
+    class Parser : public FastSpringSubscriptionParser {
+        using FastSpringSubscriptionParser::FastSpringSubscriptionParser;
+        Date fromServerDate(std::string_view /*text*/) const override { return Date::value_type(); }
+    };
+    Parser parser("<subscription><end>soon</end></subscription>");
+    EXPECT_EQ(parser.parseSubscription()->endDate, Date::value_type());
+}
+
 std::string outcomeOf(std::string_view text) {
     try {
-        const Date date = FastSpringRootParser::fromServerDate(text);
+        const Date date = FastSpringSubscriptionParser("").fromServerDate(text);
         return date ? base::timestampText(*date) : kNone;
     } catch (const std::out_of_range& failure) {
         EXPECT_THAT(failure.what(), testing::HasSubstr("\"" + std::string(text) + "\""));
