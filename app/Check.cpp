@@ -5,7 +5,6 @@
 #include "base/Timestamp.h"
 #include "housekeeping/HelperUtilities.h"
 #include "platform/Bundle.h"
-#include "platform/TemporaryDirectory.h"
 #include "platform/UserDefaults.h"
 #include "platform/Workspace.h"
 #include "store/ScriptURL.h"
@@ -21,8 +20,10 @@ namespace app {
 namespace {
 
 Finding reference() {
-    return {"subscription reference", userSubscriptionReference().has_value(),
-            subscriptionReferencePlace()};
+    std::error_code error;
+    const bool isPresent = userSubscriptionReference(error).has_value();
+    return {"subscription reference", isPresent,
+            subscriptionReferencePlace() + (error ? ": " + error.message() : "")};
 }
 
 Finding uninstaller(const platform::Bundle& bundle) {
@@ -47,7 +48,7 @@ Finding trash(const platform::Bundle& bundle) {
 }
 
 Finding copy() {
-    const auto directory = platform::userTemporaryDirectory(0);
+    const auto directory = housekeeping::HelperUtilities::uninstallerCopyDirectory();
     return {"place for the uninstaller's copy", directory.has_value(),
             directory ? directory->native() : "none of the user's own from which programs start"};
 }

@@ -70,7 +70,11 @@ SubscriptionHelperAppDelegate::~SubscriptionHelperAppDelegate() = default;
 
 void SubscriptionHelperAppDelegate::awakeFromNib() noexcept {
     const std::string store = HelperUtilities::storeID();
-    const auto reference = userSubscriptionReference();
+    std::error_code error;
+    const auto reference = userSubscriptionReference(error);
+    if (error) {
+        platform::log("Cannot read %@: %@", {subscriptionReferencePlace(), error.message()});
+    }
     if (!reference) {
         exitApp();
         return;

@@ -2,10 +2,13 @@
 
 #include "platform/UserDefaults.h"
 
+#include <cstddef>
+
 namespace app {
 namespace {
 
 constexpr const char* kKey = "subscriptionReference";
+constexpr std::size_t kLargestFile = std::size_t{1} << 20U; // the product may keep much in it
 
 platform::UserDefaults productDefaults() {
     return platform::UserDefaults(HELPER_PRODUCT_DOMAIN);
@@ -13,9 +16,9 @@ platform::UserDefaults productDefaults() {
 
 } // namespace
 
-std::optional<std::string> userSubscriptionReference() {
+std::optional<std::string> userSubscriptionReference(std::error_code& error) {
     constexpr const char* kBlanks = " \t\n\v\f\r";
-    const auto text = productDefaults().text(kKey);
+    const auto text = productDefaults().text(kKey, kLargestFile, error);
     const auto start = text ? text->find_first_not_of(kBlanks) : std::string::npos;
     if (start == std::string::npos) {
         return std::nullopt;

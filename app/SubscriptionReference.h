@@ -2,13 +2,15 @@
 
 #include <optional>
 #include <string>
+#include <system_error>
 
 namespace app {
 
-/// The reference of the subscription that the user has: `subscriptionReference` in the product's
-/// own user defaults, without blanks around it, which are those of the line that the product wrote.
-/// A missing or empty one is none. Any thread.
-[[nodiscard]] std::optional<std::string> userSubscriptionReference();
+/// Returns the reference of the user's subscription: `subscriptionReference` in the product's own
+/// user defaults, without blanks around it. Returns std::nullopt if it is missing or empty. On
+/// Linux the product's file may have 1 MiB. Any thread.
+/// @param error why an existing file could not be read, or empty.
+[[nodiscard]] std::optional<std::string> userSubscriptionReference(std::error_code& error);
 
 /// Where it is read, for people.
 [[nodiscard]] std::string subscriptionReferencePlace();

@@ -249,7 +249,7 @@ class Bench:
         step = self.program("tests/removal-step")
         stage = Stage(self.build, self.folder / "steps")
         environment = stage.environment()
-        temporary = stage.home / "tmp" / f"subscription-helper-{os.geteuid()}"
+        temporary = stage.home / "tmp" / f"{stage.brand['identifier']}-{os.geteuid()}"
         files = 50 if self.quick else 5000
         for what, name in (("a file of 256 MiB", "large"), (f"{files} small files", "Small.app")):
             bundle = stage.home / name / "Own.app"

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 
 namespace housekeeping {
@@ -31,15 +32,18 @@ class HelperUtilities {
     static void clearQuarantineAttribute(const std::filesystem::path& path);
 
     /// Starts the product's uninstaller: the auxiliary executable of the main bundle named under
-    /// "Application Uninstaller". Its quarantine mark is cleared, it is copied into the user's
-    /// temporary directory in place of what an earlier run left there, and the copy is opened; the
-    /// copy stays.
+    /// "Application Uninstaller". Its quarantine mark is cleared. It is copied into a directory of
+    /// this helper among the user's temporary ones, in place of the copy of an earlier run, and the
+    /// copy is opened. The copy stays.
     ///
     /// @return true when the copy was opened, or when the configured name is empty and there is
     /// nothing to do. False when there is no such executable or no place for the copy (one log line
     /// each), when it cannot be copied (what was copied is removed again), or when the copy cannot
     /// be opened.
     [[nodiscard]] static bool launchUninstaller();
+
+    /// Returns the directory for the uninstaller's copy, or std::nullopt if no location qualifies.
+    [[nodiscard]] static std::optional<std::filesystem::path> uninstallerCopyDirectory();
 };
 
 } // namespace housekeeping

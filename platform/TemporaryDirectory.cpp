@@ -1,6 +1,7 @@
 #include "platform/TemporaryDirectory.h"
 
 #include "platform/FileDescriptor.h"
+#include "platform/FileTree.h"
 
 #include <cstdlib>
 #include <string>
@@ -53,10 +54,15 @@ bool isKeptInPlace(fs::path directory) {
 constexpr unsigned long ST_NOEXEC = 0; // where the system does not tell
 #endif
 
-bool canHoldPrograms(const fs::path& directory, std::uintmax_t room) {
+bool canHoldPrograms(const fs::path& directory) {
     struct statvfs status {};
     return ::statvfs(directory.c_str(), &status) == 0 &&
-           (status.f_flag & (ST_NOEXEC | ST_RDONLY)) == 0 &&
+           (status.f_flag & (ST_NOEXEC | ST_RDONLY)) == 0;
+}
+
+bool hasRoom(const fs::path& directory, std::uintmax_t room) {
+    struct statvfs status {};
+    return ::statvfs(directory.c_str(), &status) == 0 &&
            std::uintmax_t{status.f_bavail} * status.f_frsize >= room;
 }
 
@@ -74,8 +80,8 @@ bool makePrivate(const fs::path& path) {
 
 /// A private directory in a place; by the same names each time, so that one of an earlier run is
 /// found again.
-std::optional<fs::path> privateDirectoryIn(const fs::path& place) {
-    const std::string name = "subscription-helper-" + std::to_string(::geteuid());
+std::optional<fs::path> privateDirectoryIn(const fs::path& place, const std::string& owner) {
+    const std::string name = owner + "-" + std::to_string(::geteuid());
     for (int number = 0; number < kNames; ++number) {
         const auto path = place / (number == 0 ? name : name + "-" + std::to_string(number));
         if (makePrivate(path)) {
@@ -87,7 +93,8 @@ std::optional<fs::path> privateDirectoryIn(const fs::path& place) {
 
 } // namespace
 
-std::optional<fs::path> userTemporaryDirectory(std::uintmax_t room) {
+std::optional<fs::path> replaceableTemporaryFile(const std::string& owner, const std::string& name,
+                                                 std::uintmax_t room) {
     const auto candidates = places();
     for (const auto& place : candidates) {
         if (!place.is_absolute()) {
@@ -99,11 +106,18 @@ std::optional<fs::path> userTemporaryDirectory(std::uintmax_t room) {
         std::error_code error;
         // Without links, which others could change to lead elsewhere.
         const auto directory = fs::canonical(place, error);
-        if (error || !isKeptInPlace(directory) || !canHoldPrograms(directory, room)) {
+        if (error || !isKeptInPlace(directory) || !canHoldPrograms(directory)) {
             continue;
         }
-        if (auto path = privateDirectoryIn(directory)) {
-            return path;
+        if (const auto own = privateDirectoryIn(directory, owner)) {
+            const auto path = *own / name;
+            if (!name.empty()) {
+                removeTree(path); // its bytes are free for the new one
+            }
+            if (hasRoom(*own, room)) {
+                return path;
+            }
+            ::rmdir(own->c_str()); // unless it holds something else
         }
     }
     return std::nullopt;

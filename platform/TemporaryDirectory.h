@@ -3,18 +3,24 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <string>
 
 namespace platform {
 
-/// A directory for programs that are started from it, which belongs to the user alone and where
-/// `room` bytes are free; none when there is no place for one.
+/// Returns the path `name` in a private directory from which programs can be started and which has
+/// `room` bytes free, or std::nullopt if no location qualifies. Removes an earlier entry of that
+/// name before it measures the free space. An entry that cannot be removed stays.
 ///
-/// It is `subscription-helper-<uid>` in the first that will do of `$TMPDIR`, `$XDG_RUNTIME_DIR`,
-/// `/tmp` and `~/.cache`; where that name is taken by anything else than a private directory of the
-/// user's, the name with `-1` to `-99` after it. It is made with mode 0700 and found again by later
-/// calls. A place does when its path is absolute, programs may be started from its file system, and
-/// neither it nor a directory above it can be changed by a group or by others without the sticky
-/// bit: so nobody else can exchange what was checked before it is started.
-[[nodiscard]] std::optional<std::filesystem::path> userTemporaryDirectory(std::uintmax_t room);
+/// The directory is `<owner>-<uid>` in the first suitable location of `$TMPDIR`,
+/// `$XDG_RUNTIME_DIR`, `/tmp` and `~/.cache`. If another kind of entry has that name, `-1` to `-99`
+/// follow it. The directory is made with mode 0700, and later calls find it again. A location is
+/// suitable if its path is absolute, its file system allows execution, and only the user and root
+/// can change it and the directories above it, unless they are sticky. Nobody else can therefore
+/// exchange a checked file before it is started.
+///
+/// @param owner a plain file name that no other program uses.
+/// @param name a plain file name, or empty for the path of the directory itself.
+[[nodiscard]] std::optional<std::filesystem::path>
+replaceableTemporaryFile(const std::string& owner, const std::string& name, std::uintmax_t room);
 
 } // namespace platform

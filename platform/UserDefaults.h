@@ -3,6 +3,7 @@
 #include "base/Timestamp.h"
 #include "platform/FileLock.h"
 
+#include <cstddef>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -15,20 +16,24 @@ namespace platform {
 /// of the user. No value is held in memory: each call reads the disk.
 ///
 /// On Linux the domain is the file `$XDG_CONFIG_HOME/<domain>.conf` (`~/.config` by default) with
-/// one `key=value` a line, in UTF-8; the first line of a key counts. Only a regular file of up to
-/// 64 KiB is read; anything else counts as having no values. On macOS it is the native defaults
-/// database.
+/// one `key=value` per line, in UTF-8 with or without a byte order mark. Blanks around `=` do not
+/// count, and neither do blanks at the end of a line. The first line of a key counts. Only a
+/// regular file of limited size is read. On macOS the domain is the native defaults database.
 class UserDefaults {
   public:
-    /// @param domain a reverse domain name, usable as a file name. Where its file lies is worked
-    /// out once, here.
+    /// @param domain a reverse domain name, usable as a file name. Its file's path is determined
+    /// once, here.
     explicit UserDefaults(const std::string& domain);
 
-    /// The text under `key`, as it stands; none when there is none.
-    [[nodiscard]] std::optional<std::string> text(std::string_view key) const;
+    /// Returns the text under `key`, or std::nullopt if the key or the file is missing.
+    /// @param limit the largest file that is read, in bytes (Linux).
+    /// @param error why an existing file could not be read, or empty.
+    [[nodiscard]] std::optional<std::string> text(std::string_view key, std::size_t limit,
+                                                  std::error_code& error) const;
 
-    /// The date under `key`; none when there is none or the value is no date. On Linux a date is
-    /// written in ISO 8601, UTC, with microseconds.
+    /// Returns the date under `key`, or std::nullopt if the key is missing, its value is another
+    /// text, or the file cannot be read. On Linux the file may have 64 KiB, and a date is written
+    /// in ISO 8601, UTC, with microseconds.
     [[nodiscard]] std::optional<base::Timestamp> date(std::string_view key) const;
 
     /// Stores a date under `key`, on the disk before it returns; all other values and lines are
@@ -47,7 +52,7 @@ class UserDefaults {
     [[nodiscard]] FileLock lock() const;
 
   private:
-    std::filesystem::path file_; // empty where the user has no place for it
+    std::filesystem::path file_; // empty if the user has no home
 };
 
 } // namespace platform

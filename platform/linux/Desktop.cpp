@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include <sys/wait.h>
+
 namespace platform::desktop {
 namespace {
 
@@ -23,8 +25,16 @@ bool isExecutable(const fs::file_status& status) {
     return fs::is_regular_file(status) && (status.permissions() & kAnyone) != fs::perms::none;
 }
 
-/// Has the desktop's own opener, or else GIO's, open an address or a file. As programs they give
-/// the application a session of its own, and nothing that they wait for holds this process.
+/// Returns true if xdg-open ended without having started an application, so that another opener can
+/// take its place. It also reports a failure if the application that it ran did.
+bool foundNoApplication(int status) {
+    constexpr int kNoMethod = 3;
+    return WIFEXITED(status) && WEXITSTATUS(status) == kNoMethod;
+}
+
+/// Has the desktop's own opener open an address or a file, or GIO's opener if the first could not
+/// be started or found no application. As programs they give the application a session of its own,
+/// and nothing that they wait for holds this process.
 std::error_code openWithDefaultApplication(const std::string& target) {
     std::error_code error;
     const auto deadline = std::chrono::steady_clock::now() + kLongestOpening;
@@ -40,10 +50,18 @@ std::error_code openWithDefaultApplication(const std::string& target) {
                 {command.front(), std::to_string(kLongestOpening.count()), target});
             return {};
         }
-        if (status.get() == 0) {
+        const int end = status.get();
+        if (end == 0) {
             return {};
         }
-        error = std::make_error_code(std::errc::not_supported); // by what it was given
+        if (end == kUnknownStatus) {
+            log("%@ could not be waited for and may not have opened %@", {command.front(), target});
+            return {};
+        }
+        error = std::make_error_code(std::errc::not_supported); // by the opener
+        if (!foundNoApplication(end)) {
+            break; // Something may have opened it, and it must not be opened twice.
+        }
     }
     return error;
 }

@@ -12,7 +12,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t kLargestFile = std::size_t{64} * 1024;
+constexpr std::size_t kOwnLimit = std::size_t{64} * 1024; // of a file that this program writes
 
 /// The value of an environment variable that names a directory; relative ones count as unset, as
 /// the XDG base directory rules say.
@@ -52,13 +52,29 @@ void forEachLine(std::string_view content, Visitor visit) {
     }
 }
 
-/// The value of a line that sets `key`.
+std::string_view trimmed(std::string_view text) {
+    constexpr std::string_view kBlanks = " \t\r\n";
+    const auto start = text.find_first_not_of(kBlanks);
+    return start == std::string_view::npos
+               ? std::string_view()
+               : text.substr(start, text.find_last_not_of(kBlanks) + 1 - start);
+}
+
+/// Returns the value of a line that sets `key`.
 std::optional<std::string_view> valueOf(std::string_view line, std::string_view key) {
-    if (!line.starts_with(key) || line.substr(key.size()).substr(0, 1) != "=") {
+    constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
+    if (line.starts_with(kByteOrderMark)) { // of the first line
+        line.remove_prefix(kByteOrderMark.size());
+    }
+    const auto equals = line.find('=');
+    if (equals == std::string_view::npos || trimmed(line.substr(0, equals)) != key) {
         return std::nullopt;
     }
-    line.remove_prefix(key.size() + 1);
-    return line.substr(0, line.find_first_of("\r\n"));
+    return trimmed(line.substr(equals + 1));
+}
+
+bool isMissing(const std::error_code& error) {
+    return error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory;
 }
 
 std::string contentWith(std::string_view content, std::string_view key, std::string_view value) {
@@ -87,9 +103,12 @@ UserDefaults::UserDefaults(const std::string& domain) {
     }
 }
 
-std::optional<std::string> UserDefaults::text(std::string_view key) const {
-    std::error_code ignored; // what cannot be read holds no values
-    const auto content = readRegularFile(file_, kLargestFile, ignored);
+std::optional<std::string> UserDefaults::text(std::string_view key, std::size_t limit,
+                                              std::error_code& error) const {
+    const auto content = readRegularFile(file_, limit, error);
+    if (isMissing(error)) {
+        error.clear();
+    }
     std::optional<std::string> text;
     forEachLine(content, [&](std::string_view line) {
         if (const auto value = valueOf(line, key); value && !text) {
@@ -100,7 +119,8 @@ std::optional<std::string> UserDefaults::text(std::string_view key) const {
 }
 
 std::optional<base::Timestamp> UserDefaults::date(std::string_view key) const {
-    const auto value = text(key);
+    std::error_code ignored; // setDate() returns it
+    const auto value = text(key, kOwnLimit, ignored);
     return value ? base::timestampFromText(*value) : std::nullopt;
 }
 
@@ -110,7 +130,7 @@ std::error_code UserDefaults::setDate(std::string_view key, base::Timestamp mome
     }
     makeDirectory(file_.parent_path());
     std::error_code error;
-    const auto content = readRegularFile(file_, kLargestFile, error);
+    const auto content = readRegularFile(file_, kOwnLimit, error);
     std::error_code ignored;
     // A link that leads nowhere is no missing file: what it should lead to holds other values.
     if (error && fs::symlink_status(file_, ignored).type() != fs::file_type::not_found) {

@@ -23,7 +23,9 @@ QString nameOf(std::string_view key) {
 UserDefaults::UserDefaults(const std::string& domain)
     : file_(QDir::homePath().toStdString() + "/Library/Preferences/" + domain + ".plist") {}
 
-std::optional<std::string> UserDefaults::text(std::string_view key) const {
+std::optional<std::string> UserDefaults::text(std::string_view key, std::size_t /*limit*/,
+                                              std::error_code& error) const {
+    error.clear(); // QSettings does not tell
     const QVariant value = settingsIn(file_).value(nameOf(key));
     if (!value.canConvert<QString>()) {
         return std::nullopt;

@@ -77,7 +77,7 @@ class RemovalCase(TestCase):
         (uninstaller / "data").write_bytes(bytes(100000))
         (uninstaller / "link").symlink_to("data")
         (uninstaller / "dangling").symlink_to("/nowhere")
-        self.copy = home / f"tmp/subscription-helper-{os.geteuid()}/Remove.app"
+        self.copy = home / f"tmp/{HELPER_DOMAIN}-{os.geteuid()}/Remove.app"
         self.kept = self.folder / "kept"
         shutil.copytree(self.bundle, self.kept, symlinks=True)
         self.whole = content(self.bundle)
@@ -89,13 +89,13 @@ class RemovalCase(TestCase):
     def copies(self):
         """What lies where a copy goes: in the first place, or where that cannot be had beside it or in
         the next."""
-        return [content(copy) for copy in self.folder.glob("home/*/subscription-helper-*/Remove.app")]
+        return [content(copy) for copy in self.folder.glob(f"home/*/{HELPER_DOMAIN}-*/Remove.app")]
 
     def prepare(self):
         """The state before each round: no Trash yet, and a copy that an earlier launch left."""
         self.note.unlink(missing_ok=True)
         for folder in (self.bundle, self.folder / "home/.local",
-                       *self.folder.glob("home/*/subscription-helper-*")):
+                       *self.folder.glob(f"home/*/{HELPER_DOMAIN}-*")):
             shutil.rmtree(folder, ignore_errors=True)
         shutil.copytree(self.kept, self.bundle, symlinks=True)
         (self.copy / "Contents").mkdir(parents=True)
@@ -152,6 +152,22 @@ class RemovalFaultsTest(RemovalCase):
             self.assertLessEqual(self.ran(), 0 if status == 1 else whole)
 
         self.with_each_fault("launch", check)
+
+    def test_an_uninstaller_with_a_read_only_directory_is_started_again_and_again(self):
+        self.prepare()
+        locked = self.bundle / "Contents/Linux/Remove.app/Contents/Linux"
+        locked.chmod(0o555)
+        self.addCleanup(locked.chmod, 0o755)
+        command = [STEP, "launch", str(self.bundle)]
+        if os.geteuid() == 0:  # which needs no rights
+            command = ["setpriv", "--reuid=65534", "--regid=65534", "--clear-groups", *command]
+            subprocess.run(["chown", "-R", "65534:65534", self.folder], check=True)
+        for _ in range(2):
+            subprocess.run(command, env=self.environment, check=True)
+            copy = next(self.folder.glob("home/tmp/*/Remove.app/Contents/Linux"))
+            self.assertEqual(copy.stat().st_mode & 0o777, 0o755)
+            copy.chmod(0o555)  # by the uninstaller
+        copy.chmod(0o755)
 
     def test_the_bundle_is_whole_at_its_place_or_in_the_trash(self):
         self.with_each_fault("trash", self.assert_whole)
@@ -211,13 +227,18 @@ class MountsTest(RemovalCase):
             while filler.write(bytes(4096)):
                 pass
         self.mount("-t", "tmpfs", "tmpfs", self.folder / "home/run")
-        self.assertEqual((self.step("launch"), self.step("trash")), (0, 1))
+        self.assertEqual((self.step("trash"), self.step("launch")), (1, 0))
         self.assertFalse(list(self.folder.glob("home/.local/share/Trash/*/*")))
 
     def without_execution(self):
         self.mount("-t", "tmpfs", "-o", "noexec", "tmpfs", self.environment["TMPDIR"])
         self.assertEqual(self.step("launch"), 0)
         self.assertTrue(wait_for(self.ran))
+
+    def on_one_with_room_for_one_copy(self):
+        self.mount("-t", "tmpfs", "-o", "size=200k", "tmpfs", self.environment["TMPDIR"])
+        self.assertEqual((self.step("launch"), self.step("launch")), (0, 0))
+        self.assertEqual(self.copies(), [self.expected_copy])
 
     def with_a_relative_data_directory(self):
         self.environment["XDG_DATA_HOME"] = "data"
@@ -242,7 +263,7 @@ class MountsTest(RemovalCase):
             return
         for condition in (self.on_a_read_only_one, self.on_another_one_than_home,
                           self.on_one_with_large_inode_numbers, self.with_a_home_that_is_read_only,
-                          self.on_a_full_one, self.without_execution,
+                          self.on_a_full_one, self.without_execution, self.on_one_with_room_for_one_copy,
                           self.with_a_relative_data_directory, self.with_a_system_log):
             self.setUp()
             with self.subTest(condition.__name__):

@@ -55,12 +55,22 @@ TEST_F(UserDefaultsTest, GiveBackADateToTheMillisecondBesideAnother) {
     EXPECT_FALSE(UserDefaults("com.example.test2").date("key"));
 }
 
-TEST_F(UserDefaultsTest, ReadTextsAsTheyStand) {
-    test::writeFile(file_, "a= x = y \r\nempty=\na=2\nnot a line");
-    EXPECT_EQ(defaults_.text("a"), " x = y ");
-    EXPECT_EQ(defaults_.text("empty"), "");
-    EXPECT_EQ(defaults_.text("not a line"), std::nullopt);
-    EXPECT_EQ(defaults_.text("missing"), std::nullopt);
+TEST_F(UserDefaultsTest, ReadTextsWithoutBlanksAndWithAByteOrderMark) {
+    constexpr std::size_t kLimit = 1U << 20U;
+    test::writeFile(file_, "\xef\xbb\xbf"
+                           "a\t = x = y \r\nempty=\na=2\nnot a line\n=\n; b = 1\n" +
+                               std::string(kLimit - 54, ' ') + "last=1");
+    const std::pair<const char*, std::optional<std::string>> rows[] = {
+        {"a", "x = y"}, {"empty", ""},       {"not a line", std::nullopt},
+        {"last", "1"},  {"b", std::nullopt}, {"missing", std::nullopt},
+    };
+    std::error_code error;
+    for (const auto& [key, text] : rows) {
+        EXPECT_EQ(defaults_.text(key, kLimit, error), text) << key;
+        EXPECT_EQ(error, std::error_code()) << key;
+    }
+    EXPECT_EQ(defaults_.text("a", kLimit - 1, error), std::nullopt);
+    EXPECT_EQ(error, std::errc::file_too_large);
     EXPECT_EQ(defaults_.date("a"), std::nullopt);
 }
 
@@ -95,7 +105,9 @@ TEST_F(UserDefaultsTest, DoWithoutAHome) {
         setenv("XDG_CONFIG_HOME", home, 1);
         setenv("HOME", home, 1);
         const UserDefaults defaults("com.example.test");
-        EXPECT_EQ(defaults.text("key"), std::nullopt) << home;
+        std::error_code error;
+        EXPECT_EQ(defaults.text("key", 100, error), std::nullopt) << home;
+        EXPECT_EQ(error, std::error_code()) << home;
         EXPECT_EQ(defaults.setDate("key", moment_), reason) << home;
         EXPECT_EQ(defaults.lock().error(), reason) << home;
     }

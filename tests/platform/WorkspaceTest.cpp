@@ -127,6 +127,30 @@ TEST_F(OpenedAddress, IsOfTheWebAndOneArgument) {
                 HasSubstr("No browser could be started for http://host/a: "));
 }
 
+TEST_F(OpenedAddress, IsOpenedAgainOnlyIfTheFirstOpenerFoundNoApplication) {
+    const std::tuple<const char*, std::error_code, const char*> rows[] = {
+        {"printf xdg; exit 0", kDone, "xdg"},
+        {"printf xdg; exit 3", kDone, "xdg gio"},
+        {"printf xdg; exit 4", std::make_error_code(std::errc::not_supported), "xdg"},
+        {"printf xdg; kill -9 $$", std::make_error_code(std::errc::not_supported), "xdg"},
+    };
+    const auto head = "#!/bin/sh\nexec >>'" + opened_.native() + "'\n";
+    test::writeFile(folder_ / "gio", head + "printf ' gio'\n", true);
+    setenv("PATH", folder_.c_str(), 1);
+    for (const auto& [commands, error, expected] : rows) {
+        fs::remove(opened_);
+        test::writeFile(folder_ / "xdg-open", head + commands, true);
+        EXPECT_EQ(workspace::openURL("http://host/"), error) << commands;
+        EXPECT_EQ(test::readFile(opened_), expected) << commands;
+    }
+    // A child process that could not be waited for counts as started.
+    auto* const action = std::signal(SIGCHLD, SIG_IGN);
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(workspace::openURL("http://host/"), kDone);
+    std::signal(SIGCHLD, action);
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("could not be waited for"));
+}
+
 TEST_F(OpenedAddress, StartsAProgramOnItsOwnLikeAFile) {
     // Beyond 31 there are signals that the C library keeps for itself.
     haveOpenerRun("streams=$(readlink /proc/$$/fd/0 /proc/$$/fd/1 /proc/$$/fd/2)\n"
@@ -165,7 +189,8 @@ TEST_F(WorkspaceTest, TakesTheFirstPlaceThatIsTheUsersOwn) {
     const auto tmp = TestHome::path() / "tmp";
     const auto runtime = TestHome::path() / "runtime";
     const auto elsewhere = TestHome::path() / "elsewhere";
-    const auto own = TestHome::temporaryDirectory();
+    const std::string owner = "com.example.place";
+    const auto own = tmp / (owner + "-" + std::to_string(geteuid()));
     const auto next = runtime / own.filename();
     const auto second = own.native() + "-1";
     setenv("XDG_RUNTIME_DIR", runtime.c_str(), 1);
@@ -211,9 +236,10 @@ TEST_F(WorkspaceTest, TakesTheFirstPlaceThatIsTheUsersOwn) {
             fs::permissions(place, fs::perms::owner_all);
         }
         arrange();
-        const auto found = userTemporaryDirectory(0);
-        EXPECT_EQ(found.value_or(""), expected) << what;
-        EXPECT_TRUE(!found || fs::status(*found).permissions() == fs::perms::owner_all) << what;
+        auto found = replaceableTemporaryFile(owner, "copy", 0);
+        EXPECT_EQ(found.value_or(""), expected / "copy") << what;
+        found = found.value_or("").parent_path();
+        EXPECT_EQ(fs::status(*found).permissions(), fs::perms::owner_all) << what;
         fs::permissions(TestHome::path(), fs::perms::owner_all);
         setenv("TMPDIR", tmp.c_str(), 1);
     }

@@ -63,7 +63,7 @@ std::string TestHome::trashInfo(const std::string& name) {
 }
 
 fs::path TestHome::temporaryDirectory() {
-    return path() / "tmp" / ("subscription-helper-" + std::to_string(geteuid()));
+    return path() / "tmp" / (HELPER_IDENTIFIER "-" + std::to_string(geteuid()));
 }
 
 TestBundle::TestBundle(fs::path path) : path_(std::move(path)) {
