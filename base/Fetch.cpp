@@ -1,126 +1,13 @@
 #include "base/Fetch.h"
 
-#include "base/Handle.h"
-
-#include <algorithm>
-#include <new>
-#include <utility>
-
-#include <curl/curl.h>
+#include "base/Connection.h"
 
 namespace base {
-namespace {
-
-using std::chrono::milliseconds;
-
-constexpr const char* kProtocols = "http,https"; // also of redirects
-constexpr milliseconds kLongestPause{100};       // between two looks at the time
-
-struct Transfer {
-    const FetchLimits& limits;
-    Data body;
-    std::size_t headerBytes = 0;
-};
-
-// libcurl's callbacks end the transfer by taking fewer bytes than they were given; no exception may
-// pass through it.
-std::size_t takeBody(char* bytes, std::size_t size, std::size_t count, void* context) noexcept {
-    auto& transfer = *static_cast<Transfer*>(context);
-    const std::size_t length = size * count;
-    if (length > transfer.limits.body - transfer.body.size()) {
-        return 0;
-    }
-    try {
-        transfer.body.append(bytes, length);
-    } catch (const std::bad_alloc&) {
-        return 0;
-    }
-    return length;
-}
-
-std::size_t countHeader(char* /*bytes*/, std::size_t size, std::size_t count,
-                        void* context) noexcept {
-    auto& transfer = *static_cast<Transfer*>(context);
-    transfer.headerBytes += size * count;
-    return transfer.headerBytes <= transfer.limits.headers ? size * count : 0;
-}
-
-template <class Value>
-bool set(CURL* handle, CURLoption option, Value value) {
-    return curl_easy_setopt(handle, option, value) == CURLE_OK;
-}
-
-// Options that a library was built without are refused; the transfer does not start then, since
-// each of them bounds what the network can do.
-bool configure(CURL* handle, const URL& url, Transfer& transfer) {
-    const FetchLimits& limits = transfer.limits;
-    return set(handle, CURLOPT_URL, url.text().c_str()) &&
-           set(handle, CURLOPT_PROTOCOLS_STR, kProtocols) &&
-           set(handle, CURLOPT_FOLLOWLOCATION, 1L) &&
-           set(handle, CURLOPT_MAXREDIRS, limits.redirects) &&
-           set(handle, CURLOPT_HTTP09_ALLOWED, 0L) && set(handle, CURLOPT_NOSIGNAL, 1L) &&
-           // On a kept connection that closes without an answer libcurl sends a request again: a
-           // cancellation after a redirect would be sent twice.
-           set(handle, CURLOPT_FORBID_REUSE, 1L) &&
-           // A resolver that never answers must not hold the caller up when the time is over.
-           set(handle, CURLOPT_QUICK_EXIT, 1L) &&
-           set(handle, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limits.connect.count())) &&
-           set(handle, CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(limits.body)) &&
-           set(handle, CURLOPT_WRITEFUNCTION, takeBody) &&
-           set(handle, CURLOPT_WRITEDATA, &transfer) &&
-           set(handle, CURLOPT_HEADERFUNCTION, countHeader) &&
-           set(handle, CURLOPT_HEADERDATA, &transfer);
-}
-
-/// Runs a transfer to its end or until `time` is over. Time in which the process was stopped does
-/// not count: libcurl's own limit would drop an answer that arrived meanwhile.
-CURLcode performWithin(milliseconds time, CURLM* transfers) {
-    using Clock = std::chrono::steady_clock;
-    auto left = std::chrono::duration_cast<Clock::duration>(time);
-    int running = 1;
-    while (left > Clock::duration::zero()) {
-        const auto begin = Clock::now();
-        if (curl_multi_perform(transfers, &running) != CURLM_OK) {
-            return CURLE_OUT_OF_MEMORY;
-        }
-        if (running == 0) {
-            int messages = 0;
-            const CURLMsg* const message = curl_multi_info_read(transfers, &messages);
-            return message != nullptr ? message->data.result : CURLE_OUT_OF_MEMORY;
-        }
-        curl_multi_poll(transfers, nullptr, 0, kLongestPause.count(), nullptr);
-        left -= std::min<Clock::duration>(Clock::now() - begin, kLongestPause);
-    }
-    return CURLE_OPERATION_TIMEDOUT;
-}
-
-/// Runs one transfer, as performWithin().
-CURLcode perform(CURL* transfer, milliseconds time) {
-    const Handle<CURLM, curl_multi_cleanup> transfers(curl_multi_init());
-    if (!transfers || curl_multi_add_handle(transfers.get(), transfer) != CURLM_OK) {
-        return CURLE_OUT_OF_MEMORY;
-    }
-    const CURLcode code = performWithin(time, transfers.get());
-    curl_multi_remove_handle(transfers.get(), transfer);
-    return code;
-}
-
-} // namespace
 
 Fetched fetch(const URL& url, const FetchLimits& limits) {
-    static const bool ready = curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
-    const Handle<CURL, curl_easy_cleanup> handle(ready ? curl_easy_init() : nullptr);
-    Transfer transfer{limits, {}, 0};
-    if (!handle || !configure(handle.get(), url, transfer)) {
-        return {std::nullopt, curl_easy_strerror(CURLE_FAILED_INIT)};
-    }
-    char words[CURL_ERROR_SIZE] = "";
-    set(handle.get(), CURLOPT_ERRORBUFFER, words);
-    const CURLcode code = perform(handle.get(), limits.whole);
-    if (code != CURLE_OK) {
-        return {std::nullopt, *words != '\0' ? words : curl_easy_strerror(code)};
-    }
-    return {std::move(transfer.body), {}};
+    // On a kept connection that closes without an answer libcurl sends a request again: a
+    // cancellation after a redirect would be sent twice.
+    return Connection(Connection::Reuse::no).fetch(url, limits);
 }
 
 } // namespace base

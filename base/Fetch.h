@@ -25,8 +25,10 @@ struct Fetched {
     /// The body, whatever the HTTP status; an empty one is data of zero bytes. None when the
     /// transfer failed, was cut off, or passed a limit.
     std::optional<Data> data;
-    /// Why there is none, in libcurl's words.
+    /// The reason for absent data, in libcurl's words.
     std::string failure;
+    /// The HTTP status of the last answer, or 0 if the data is absent.
+    int status = 0;
 };
 
 /// Fetches the whole resource at `url` with one HTTP GET on the calling thread, which it blocks

@@ -22,14 +22,16 @@ std::string_view formatOf(Request request) {
 
 } // namespace
 
-Answer ask(Request request, const std::string& reference, const base::FetchLimits& limits) {
+Answer ask(Request request, const std::string& reference, const base::FetchLimits& limits,
+           const Fetcher& fetcher) {
     Answer answer;
     answer.address = base::formatted(formatOf(request), {scriptURL(), reference});
     if (const auto url = base::URL::make(answer.address)) {
-        base::Fetched fetched = base::fetch(*url, limits);
+        base::Fetched fetched = fetcher(*url, limits);
         answer.isSent = true;
         answer.data = std::move(fetched.data);
         answer.failure = std::move(fetched.failure);
+        answer.status = fetched.status;
     }
     return answer;
 }

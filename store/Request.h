@@ -2,6 +2,7 @@
 
 #include "base/Fetch.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -18,14 +19,23 @@ struct Answer {
     bool isSent = false;
     /// The answer's body, whatever it holds; none when there was no whole answer.
     std::optional<base::Data> data;
-    /// Why there is none, in libcurl's words. The store may have obeyed the request all the same.
+    /// The reason for an absent body, in libcurl's words. The store service may have obeyed the
+    /// request nevertheless.
     std::string failure;
+    /// The HTTP status of the answer, or 0 if the body is absent.
+    int status = 0;
 };
 
+/// Fetches a resource within limits, as base::fetch().
+using Fetcher = std::function<base::Fetched(const base::URL& url, const base::FetchLimits& limits)>;
+
 /// Sends one request for `reference`, which goes into it exactly as it stands, without escaping,
-/// and waits for the whole answer on the calling thread. Nothing is retried, cached or logged. Any
-/// thread.
+/// and waits for the whole answer on the calling thread. Caches and logs nothing. Any thread that
+/// `fetcher` allows.
+/// @param fetcher sends the request. base::fetch() sends it once. A lookup can be sent over a kept
+/// connection (base::Connection), because it is safe to repeat.
 [[nodiscard]] Answer ask(Request request, const std::string& reference,
-                         const base::FetchLimits& limits = {});
+                         const base::FetchLimits& limits = {},
+                         const Fetcher& fetcher = base::fetch);
 
 } // namespace store
