@@ -245,8 +245,8 @@ class DesktopTest(TestCase):
             time.sleep(0.5)
             self.assertIsNone(process.poll())
             self.window.keys("Return")  # and now a button ends it
-            self.assertRegex(self.finish(process), "^[^\n]* Removal ended: cancellation confirmed; uninstaller started; "
-                             "bundle moved to the Trash\n$")
+            self.assertRegex(self.finish(process), "^[^\n]* Removal ended: cancellation confirmed; "
+                             "uninstaller started; bundle moved to the Trash\n$")
             self.assertEqual([line.split("?")[1] for line in store.requests],
                              ["f=getsubscription&subscriptionRef=DEMO-1001 200",
                               "f=deletesubscription&subscriptionRef=DEMO-1001 200"])
