@@ -1,5 +1,6 @@
 # cpack: the bundle as a .tar.gz, with its SHA-256 beside it, the same bytes from each build of a commit.
 set(CPACK_GENERATOR External)
+set(CPACK_VERBATIM_VARIABLES ON) # a company's name may have quotes
 set(CPACK_PACKAGE_NAME "${HELPER_IDENTIFIER}")
 set(CPACK_PACKAGE_VENDOR "${HELPER_COMPANY_NAME}")
 set(CPACK_PACKAGE_FILE_NAME

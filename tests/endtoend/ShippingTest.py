@@ -22,7 +22,7 @@ FRAMEWORKS = {"SubscriptionHelperApplication.so": "subscriptionHelperApplication
 BUILT = [CONTENTS / "Linux" / "Subscription Helper", *(CONTENTS / "Frameworks" / name for name in FRAMEWORKS),
          pathlib.Path(BUILD) / "tools" / "storectl"]
 BRAND = {
-    "COMPANY_NAME": "Globex", "PRODUCT_NAME": r"Globex \"Draw\" #3; $<1:x>",
+    "COMPANY_NAME": r"Globex \"#1\"", "PRODUCT_NAME": r"Globex \"Draw\" #3; $<1:x>",
     "IDENTIFIER": "org.example.globex.leave", "PRODUCT_DOMAIN": "org.example.globex.draw",
     "STORE_HOST": "localhost:80", "STORE_ID": "globex", "UNINSTALLER": "Remove Globex",
     "ICON": "globex.svg"}
@@ -100,9 +100,10 @@ class DemoTest(TestCase):
 class PackagingTest(TestCase):
     def setUp(self):
         super().setUp()
-        (self.folder / "Remove Globex").write_text('#!/bin/sh\necho ran >"$HOME/removed"\n')
-        (self.folder / "Remove Globex").chmod(0o755)
-        shutil.copy(self.folder / "Remove Globex", self.folder / "It's.sh")
+        (self.folder / "script").write_text('#!/bin/sh\necho ran >"$HOME/removed"\n')
+        (self.folder / "script").chmod(0o755)
+        for name in ("Remove Globex", "It's.sh", "Subscription Helper"):
+            (self.folder / name).symlink_to("script")
         (self.folder / "Empty.app").mkdir()
         (self.folder / "license.txt").write_text("You may leave.\n")
         (self.folder / "not.svg").write_text("no drawing")
@@ -131,6 +132,7 @@ class PackagingTest(TestCase):
                 ("STORE_ID", " globex", "such as"), ("STORE_ID", "a@b", "such as"), ("VERSION", "one", "numbers"),
                 ("UNINSTALLER", "missing", "there is no"), ("UNINSTALLER", "globex.svg", "an executable file"),
                 ("UNINSTALLER", "Empty.app", "an executable file"), ("UNINSTALLER", "It's.sh", "no single quote"),
+                ("UNINSTALLER", "Subscription Helper", "another name"),
                 ("UNINSTALER", "x", "is no setting"), ("ICON", "globex.ico", "an SVG file"),
                 ("ICON", "not.svg", "can be drawn"), ("LICENSE", "missing", "there is no"),
                 ("LICENSE", "Empty.app", "in UTF-8"), ("TEXTS", "globex.svg", "a folder of texts"),
