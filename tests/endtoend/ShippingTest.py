@@ -11,7 +11,7 @@ import sys
 import tempfile
 import unittest
 
-from support import BUILD, SANITIZE, TestCase
+from support import BUILD, SANITIZE, TestCase, content
 from desktop import desktop, wait_for
 from stage import BUNDLE, PROJECT, Store, Window
 
@@ -78,6 +78,46 @@ class InstallationTest(TestCase):
         self.assertEqual({folder.name for folder in (prefix / "include/subscription-store").iterdir()},
                          {"base", "store"})
         self.assertNotRegex(self.run_command("ldd", example), "lib(glib|gio|Qt)")
+
+
+class InstallerTest(TestCase):
+    def package(self, name, version):
+        """A package of a version; without one, its program cannot be run."""
+        helper = self.folder / name / BUNDLE
+        program = helper / "Contents/Linux/Subscription Helper"
+        entry = helper / "Contents/Resources/share/applications/helper.desktop"
+        for file, text in ((program, "#!/bin/sh\n"), (entry, "@BUNDLE@"), (helper / "version", version)):
+            file.parent.mkdir(parents=True, exist_ok=True)
+            file.write_text(text)
+        program.chmod(0o755 if version else 0o644)
+        package = self.folder / f"{name}.tar.gz"
+        subprocess.run(["tar", "-czf", package, "-C", helper.parent, BUNDLE], check=True)
+        return package
+
+    def test_an_installer_changes_nothing_before_it_knows_that_it_can(self):
+        home, cut = self.folder / "home", self.package("cut", "1")
+        cut.write_bytes(cut.read_bytes()[:-30])
+        good = [self.package("old", "1"), home / "Applications", "com.globex.draw", "REF"]
+        (home / ".config/com.globex.broken.conf").mkdir(parents=True)
+        for change, said in (
+                ({}, None), ({0: cut}, "tar: "), ({0: self.package("empty", "")}, "no helper"), ({1: ""}, "realpath"),
+                ({1: home / "a\n"}, "DIRECTORY"), ({1: home / "a'"}, "DIRECTORY"), ({2: ""}, "PRODUCT_DOMAIN"),
+                ({2: "a.b\n"}, "PRODUCT_DOMAIN"), ({2: "../a.b"}, "PRODUCT_DOMAIN"), ({3: " "}, "REFERENCE"),
+                ({3: "a\nb=c"}, "REFERENCE"), ({2: "com.globex.broken"}, "cp: "),
+                ({0: self.package("new", "2")}, None)):
+            words = [change.get(index, word) for index, word in enumerate(good)]
+            digest = hashlib.sha256(words[0].read_bytes()).hexdigest()
+            words[0].with_name(words[0].name + ".sha256").write_text(f"{digest}  {words[0].name}\n")
+            before = content(home)
+            result = subprocess.run([PROJECT / "examples/install-helper", *words], text=True, check=False,
+                                    capture_output=True, env={"HOME": str(home), "PATH": os.environ["PATH"]})
+            with self.subTest(words=words):
+                self.assertEqual(result.returncode == 0, said is None, result.stderr)
+                self.assertIn(said or "", result.stderr)
+                self.assertEqual(content(home) == before, said is not None)
+        self.assertEqual((home / "Applications" / BUNDLE / "version").read_text(), "2")
+        self.assertEqual((home / ".local/share/applications/helper.desktop").read_text(),
+                         str(home / "Applications" / BUNDLE))
 
 
 class DemoTest(TestCase):
