@@ -11,7 +11,7 @@ string(JOIN " " curl_flags -fstack-protector-strong -D_FORTIFY_SOURCE=2 -D_FILE_
     -ffunction-sections "'-ffile-prefix-map=${PROJECT_BINARY_DIR}=.'") # the same bytes from each build folder
 ExternalProject_Add(curl
     PREFIX "${PROJECT_BINARY_DIR}/curl"
-    DOWNLOAD_COMMAND "${PROJECT_SOURCE_DIR}/scripts/debian-source" curl <SOURCE_DIR>
+    DOWNLOAD_COMMAND "${PROJECT_SOURCE_DIR}/cmake/debian-source" curl <SOURCE_DIR>
     INSTALL_COMMAND ""
     LOG_DOWNLOAD ON LOG_CONFIGURE ON LOG_BUILD ON LOG_OUTPUT_ON_FAILURE ON
     BUILD_BYPRODUCTS "${curl_library}"
