@@ -7,7 +7,7 @@
 namespace demo {
 namespace {
 
-// Orders never change, so each is kept as the answer it gives.
+// Each order is stored as its answer, because orders never change.
 constexpr std::array kAnswers = {
     std::pair<std::string_view, std::string_view>{"ORDER-2001",
                                                   R"(<?xml version="1.0" encoding="UTF-8"?>
@@ -58,8 +58,8 @@ constexpr std::array kAnswers = {
       <quantity>2</quantity>
     </orderItem>
     <orderItem>
-      <productDisplay>Acme Colours</productDisplay>
-      <productName>acme-colours</productName>
+      <productDisplay>Acme Colors</productDisplay>
+      <productName>acme-colors</productName>
       <quantity>3</quantity>
       <subscriptionReference>DEMO-1002</subscriptionReference>
     </orderItem>

@@ -7,22 +7,23 @@
 
 namespace demo {
 
-/// The state of the demo store service, kept in memory. Every operation may be called from any
-/// thread.
+/// The state of the demo store service, in memory. Every operation may be called from any thread.
 class DemoStore {
   public:
-    /// A store with three subscriptions: "DEMO-1001" and "DEMO-1002" can be canceled, "DEMO-KEEP"
-    /// never.
+    /// Creates three subscriptions. "DEMO-1001" and "DEMO-1002" can be canceled, "DEMO-KEEP"
+    /// cannot.
     DemoStore();
 
-    /// The XML answer to a get-subscription request: the subscription, or an error for an unknown
-    /// reference. Account pages lie on `host`.
+    /// Returns the XML answer to a get-subscription request: the subscription, or an error for an
+    /// unknown reference. Account pages have addresses on `host`.
     [[nodiscard]] std::string subscriptionAnswer(const std::string& reference,
                                                  const std::string& host) const;
-    /// Cancels a subscription. The answer is the canceled subscription, or an error when there is
-    /// none or it refuses.
+    /// Cancels a subscription.
+    /// @return the canceled subscription, or an error if the reference is unknown or the
+    /// subscription cannot be canceled.
     [[nodiscard]] std::string cancelAnswer(const std::string& reference, const std::string& host);
-    /// The account page of a subscription in HTML, or none when there is no such subscription.
+    /// Returns the account page of a subscription in HTML, or std::nullopt if the reference is
+    /// unknown.
     [[nodiscard]] std::optional<std::string> accountPage(const std::string& reference) const;
 
   private:

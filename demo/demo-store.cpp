@@ -1,5 +1,5 @@
-// The demo store service: answers the helper's requests on the loopback interface from state that
-// it keeps in memory, and prints one line for each request.
+// The demo store service. It answers the helper's requests on the loopback interface, keeps its
+// state in memory, and prints one line for each request.
 
 #include "demo/DemoOrders.h"
 #include "demo/DemoStore.h"
@@ -83,20 +83,20 @@ int main(int argumentCount, char** arguments) {
         "line for each request.\nSubscriptions: DEMO-1001, DEMO-1002, and DEMO-KEEP, "
         "which refuses to be canceled.\nOrders: ORDER-2001, ORDER-2002, and ORDER-2003 (with an "
         "empty container).");
-    command.add_option("PORT", port, "The port to listen on; 0 for any")
+    command.add_option("PORT", port, "The port to listen on, or 0 for any free port")
         ->check(CLI::Range(0, 65535))
         ->capture_default_str();
-    command.add_option("--delay", delay, "How many milliseconds a cancellation takes")
+    command.add_option("--delay", delay, "The duration of a cancellation in milliseconds")
         ->check(CLI::Range(0, 20000))
         ->capture_default_str();
     std::optional<std::string> answer;
-    command.add_option("--answer", answer, "A text that every request is answered by");
+    command.add_option("--answer", answer, "Answer every request with this text");
     CLI11_PARSE(command, argumentCount, arguments);
 
     demo::DemoStore store;
     const Operations operations = operationsOf(store, std::chrono::milliseconds(delay));
     httplib::Server server;
-    // So that a store can follow one that just ended, but never listen beside one that runs.
+    // Reuse the address of a store that just ended, but never listen beside a running one.
     server.set_socket_options([](socket_t socket) {
         const int yes = 1;
         setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
@@ -112,7 +112,8 @@ int main(int argumentCount, char** arguments) {
         port = -1;
     }
     if (port < 0) {
-        std::cerr << "demo-store: the port cannot be listened on; is another store running?\n";
+        std::cerr << "demo-store: cannot listen on the port. End the other store, or choose "
+                     "another port\n";
         return EXIT_FAILURE;
     }
     std::cout << "Listening on http://" << host << ":" << port << "/fastspring.php" << std::endl;

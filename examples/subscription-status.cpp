@@ -14,6 +14,6 @@ int main(int argumentCount, char** arguments) try {
     std::cout << (subscription ? subscription->status.value_or("unknown") : "none") << "\n";
     return subscription ? 0 : 1;
 } catch (const std::out_of_range&) {
-    std::cerr << "The store's answer holds a date that cannot be read\n";
+    std::cerr << "The answer contains an unreadable date\n";
     return 3;
 }

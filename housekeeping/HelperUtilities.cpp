@@ -17,8 +17,8 @@ namespace {
 namespace fs = std::filesystem;
 using platform::Bundle;
 
-/// The value of a key in the configuration; the key itself when the table lacks it, which is also
-/// what a program without a bundle gets.
+/// Returns the value of a key in the configuration, or the key itself if the table lacks it or the
+/// program has no bundle.
 std::string configured(std::string_view key) {
     const auto bundle = Bundle::mainBundle();
     return bundle ? bundle->localizedString(key, "", "Configuration") : std::string(key);
@@ -46,7 +46,7 @@ bool HelperUtilities::trash(const fs::path& path) {
 void HelperUtilities::clearQuarantineAttribute(const fs::path& path) {
     const std::string command = base::formatted(
         "/usr/bin/xattr -d com.apple.quarantine '%@' &> /dev/null", {path.native()});
-    // Whether it started makes no difference to anyone: the mark is a nicety.
+    // Ignored, because the uninstaller also starts with the mark.
     static_cast<void>(platform::startChildProcess({"/bin/sh", "-c", command}));
 }
 

@@ -6,40 +6,40 @@
 
 namespace housekeeping {
 
-/// The helper's configuration and the steps with which it removes the product. The configuration is
-/// the strings table "Configuration" of the main bundle, read anew at each call. No state; every
+/// The helper's configuration and the steps of a removal. The configuration is the strings table
+/// "Configuration" of the main bundle, read anew at each call. The class has no state. Every
 /// operation may be called from any thread.
 class HelperUtilities {
   public:
     HelperUtilities() = delete;
 
-    /// The store identifier: the value of "storeid" as it stands, possibly empty. A table without
-    /// the key gives the key itself.
+    /// Returns the store identifier: the unchanged value of "storeid", possibly empty, or the key
+    /// itself if the table lacks it.
     [[nodiscard]] static std::string storeID();
 
-    /// The name of the uninstaller among the bundle's auxiliary executables: the value of
-    /// "Application Uninstaller", empty for none. A table without the key gives the key itself.
+    /// Returns the name of the uninstaller among the bundle's auxiliary executables: the value of
+    /// "Application Uninstaller", or the key itself if the table lacks it. An empty value means
+    /// that the product has no uninstaller.
     [[nodiscard]] static std::string uninstallerName();
 
     /// Moves a file or bundle to the Trash.
-    /// @return false, with the item where it was and nothing logged, when the platform refuses.
+    /// @return true if the item was moved. On false the item keeps its location, and the log is
+    /// unchanged.
     [[nodiscard]] static bool trash(const std::filesystem::path& path);
 
-    /// Starts to clear the download-quarantine mark of a file and returns at once; nobody looks at
-    /// the outcome. The path stands between single quotes in a shell command exactly as it is, so
-    /// one that holds a single quote is split and interpreted by the shell: only for paths that the
+    /// Starts the command that clears a file's download-quarantine mark, and returns immediately.
+    /// Its outcome is ignored. The command contains the path unchanged between single quotes, so a
+    /// single quote in the path lets the shell interpret the rest. Pass only paths that the
     /// company's own packaging makes.
     static void clearQuarantineAttribute(const std::filesystem::path& path);
 
-    /// Starts the product's uninstaller: the auxiliary executable of the main bundle named under
-    /// "Application Uninstaller". Its quarantine mark is cleared. It is copied into a directory of
-    /// this helper among the user's temporary ones, in place of the copy of an earlier run, and the
-    /// copy is opened. The copy stays.
+    /// Starts the product's uninstaller, the auxiliary executable of the main bundle named under
+    /// "Application Uninstaller". Clears its quarantine mark, copies it into this helper's
+    /// temporary directory in place of an earlier copy, and opens the copy. The copy stays.
     ///
-    /// @return true when the copy was opened, or when the configured name is empty and there is
-    /// nothing to do. False when there is no such executable or no place for the copy (one log line
-    /// each), when it cannot be copied (what was copied is removed again), or when the copy cannot
-    /// be opened.
+    /// @return true if the copy was opened, or if the configured name is empty. False if the
+    /// executable or a directory for the copy is missing (one log line each), if the copy failed (a
+    /// partial copy is removed), or if the copy could not be opened.
     [[nodiscard]] static bool launchUninstaller();
 
     /// Returns the directory for the uninstaller's copy, or std::nullopt if no location qualifies.

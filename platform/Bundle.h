@@ -8,54 +8,52 @@
 namespace platform {
 
 /// An application bundle: a directory `<name>.app` with `Contents/Info.plist`, the executable
-/// directory `Contents/Linux` (`Contents/MacOS` on macOS), which also holds the auxiliary
-/// executables, `Contents/Frameworks`, `Contents/PlugIns` and `Contents/Resources`. A value;
-/// nothing of the bundle's files is kept in memory, each look-up reads them anew. Safe to use from
-/// any thread.
+/// directory `Contents/Linux` (`Contents/MacOS` on macOS), which also contains the auxiliary
+/// executables, `Contents/Frameworks`, `Contents/PlugIns` and `Contents/Resources`. A value without
+/// cached files: each lookup reads the disk. Use from any thread.
 class Bundle {
   public:
-    /// Returns the bundle in whose executable directory this process's executable lay at the first
-    /// call or at the latest call of findMainBundle(), or std::nullopt if it lay elsewhere. Later
-    /// changes of its files do not change the answer.
+    /// Returns the bundle that contained this process's executable at the first call, or at the
+    /// latest call of findMainBundle(). Returns std::nullopt if the executable was outside a
+    /// bundle. Later changes of the files do not change the result.
     [[nodiscard]] static std::optional<Bundle> mainBundle();
 
-    /// Makes the bundle that contains this process's executable now the main bundle, because the
-    /// user can move it while the program runs. Keeps the present one if the executable lies
-    /// outside of a bundle, as after a deletion.
+    /// Makes the bundle that now contains this process's executable the main bundle, because the
+    /// user can move it while the program runs. Keeps the present one if the executable is outside
+    /// a bundle, for example after a deletion.
     static void findMainBundle();
 
-    /// The bundle whose executable directory holds `executable`, an absolute path; none when the
-    /// directories around it have other names or there is no Info.plist.
+    /// Returns the bundle whose executable directory contains `executable`, an absolute path.
+    /// Returns std::nullopt if the directories around it have other names or Info.plist is missing.
     [[nodiscard]] static std::optional<Bundle> around(const std::filesystem::path& executable);
 
-    /// The program that an application bundle at `bundlePath` is launched by: the file named as the
-    /// bundle, without `.app`, in its executable directory. It need not exist.
+    /// Returns the program that starts the application bundle at `bundlePath`: the file in its
+    /// executable directory with the bundle's name without `.app`. The file may be missing.
     [[nodiscard]] static std::filesystem::path
     executableOf(const std::filesystem::path& bundlePath);
 
-    /// The bundle's directory, as an absolute path without a trailing slash.
+    /// Returns the bundle's directory as an absolute path without a trailing slash.
     [[nodiscard]] const std::filesystem::path& bundlePath() const { return path_; }
 
-    /// The directory of the shared libraries that the bundle brings along.
+    /// Returns the directory of the bundle's shared libraries.
     [[nodiscard]] std::filesystem::path frameworksPath() const;
 
-    /// The directory of the plugins that it brings along. It need not exist.
+    /// Returns the directory of the bundle's plugins. It may be missing.
     [[nodiscard]] std::filesystem::path plugInsPath() const;
 
-    /// The path of the entry `name` of the executable directory, or none when there is no such
-    /// entry or `name` is not a plain file name.
+    /// Returns the path of the entry `name` in the executable directory, or std::nullopt if the
+    /// entry is missing or `name` is not a plain file name.
     [[nodiscard]] std::optional<std::filesystem::path>
     pathForAuxiliaryExecutable(std::string_view name) const;
 
-    /// The path of the resource file `fileName`: a copy directly in `Resources` first, then those
-    /// in the `.lproj` directories of the user's languages (see userLanguages()), then the one of
-    /// the development language, `en`. None when there is no copy.
+    /// Returns the path of the resource file `fileName`. Searches `Resources` itself, then the
+    /// `.lproj` directories of the user's languages (see userLanguages()), then that of the
+    /// development language, `en`. Returns std::nullopt if every directory lacks the file.
     [[nodiscard]] std::optional<std::filesystem::path>
     pathForResource(std::string_view fileName) const;
 
-    /// The text under `key` in the strings table `table` of the bundle, exactly as it stands there.
-    /// When the table, or the key in it, is missing: `value`, or the key itself if `value` is
-    /// empty.
+    /// Returns the unchanged text for `key` in the bundle's strings table `table`. If the table or
+    /// the key is missing, returns `value`, or the key itself if `value` is empty.
     [[nodiscard]] std::string localizedString(std::string_view key, std::string_view value = "",
                                               std::string_view table = "Localizable") const;
 

@@ -7,22 +7,23 @@
 
 namespace platform {
 
-/// The status of a child process that could not be waited for.
+/// The status of a child process whose end could not be observed.
 inline constexpr int kUnknownStatus = -1;
 
-/// Starts a program and returns at once. It is on its own from then on and outlives this process: a
-/// session of its own, standard streams on the null device, no other descriptor, default signal
-/// actions with none blocked, and this process's environment without what the dynamic linker was
-/// told for it (`LD_…`, `DYLD_…`). It is reaped when it ends. Any thread.
+/// Starts a program and returns immediately. The program outlives this process. It has its own
+/// session, standard streams on the null device, no further descriptors, default signal actions
+/// with all signals unblocked, and this process's environment without the dynamic linker's
+/// variables (`LD_…`, `DYLD_…`). A thread reaps it. Call from any thread.
 ///
-/// @param arguments the program, by an absolute path or by a name that `PATH` is searched for,
-/// followed by its arguments; not empty.
-/// @param status is ready once the program has ended, with its status as waitpid() gives it, or
-/// with kUnknownStatus if it could not be waited for. Dropping it waits for nothing.
-/// @return why the program could not be started; `status` is then as it was.
+/// @param arguments the program, as an absolute path or a name that is searched in `PATH`, followed
+/// by its arguments. Must not be empty.
+/// @param status becomes ready when the program has ended. Its value is the status of waitpid(), or
+/// kUnknownStatus if waiting failed. Destroying it does not wait.
+/// @return an empty error, or the reason if the program could not be started. `status` is then
+/// unchanged.
 [[nodiscard]] std::error_code startChildProcess(const std::vector<std::string>& arguments,
                                                 std::future<int>& status);
-/// The same where nobody asks how the program ends.
+/// Starts a program in the same way and ignores its status.
 [[nodiscard]] std::error_code startChildProcess(const std::vector<std::string>& arguments);
 
 } // namespace platform

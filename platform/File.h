@@ -9,20 +9,21 @@
 
 namespace platform {
 
-/// The whole content of a regular file of at most `limit` bytes; links are followed. Empty, with
-/// the reason in `error`, when there is no such file, it cannot be read, it is larger
-/// (`file_too_large`), or it is not a regular file (`not_supported`; a FIFO or a device is never
-/// waited for). `error` is cleared otherwise.
+/// Returns the content of a regular file of at most `limit` bytes. Follows links, and never waits
+/// for a FIFO or a device.
+///
+/// @param error cleared on success. Otherwise the result is empty and `error` has the reason, such
+/// as `file_too_large`, or `not_supported` if the file is not regular.
 [[nodiscard]] base::Data readRegularFile(const std::filesystem::path& path, std::size_t limit,
                                          std::error_code& error);
 
-/// Replaces the file at `path` by one that holds `content`, mode 0600, so that at every moment, and
-/// after a crash, the path holds either the old content or the new: written to `path` + ".new",
-/// flushed to the disk, renamed, and the directory flushed. A link at `path` is followed, so that
-/// it stays a link. Of several writers of one path only one may run at a time.
+/// Replaces the content of the file at `path`, with mode 0600. At every moment, and after a crash,
+/// the path has either the old or the new content. The content is written to `path` + ".new",
+/// flushed, and renamed, and the directory is flushed. A link at `path` is followed and stays a
+/// link. Only one writer per path may run at a time.
 ///
-/// @return why it could not be replaced: the old file is then unchanged. When only the flush of the
-/// directory failed it is replaced, and may be the old one again after a crash.
+/// @return an empty error, or the reason if the old file is unchanged. If only the flush of the
+/// directory failed, the file is replaced, but a crash may restore the old one.
 [[nodiscard]] std::error_code replaceFile(const std::filesystem::path& path,
                                           std::string_view content);
 

@@ -4,7 +4,7 @@
 
 namespace platform {
 
-/// Owns a POSIX file descriptor and closes it at the end of its life.
+/// Owns a POSIX file descriptor and closes it on destruction.
 class FileDescriptor {
   public:
     explicit FileDescriptor(int descriptor) : descriptor_(descriptor) {}
@@ -16,9 +16,9 @@ class FileDescriptor {
         }
     }
 
-    /// Whether there is a descriptor: false when the call that made it failed.
+    /// Returns true if the call that made the descriptor succeeded.
     [[nodiscard]] bool isOpen() const { return descriptor_ >= 0; }
-    /// The descriptor, still owned by this object.
+    /// Returns the descriptor, which this object still owns.
     [[nodiscard]] int get() const { return descriptor_; }
 
   private:

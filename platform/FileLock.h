@@ -7,16 +7,15 @@
 
 namespace platform {
 
-/// A lock between processes on a side file, tried once and never waited for. It ends with the
-/// object, or with the process however that ends; child processes do not inherit it. The empty side
-/// file stays.
+/// A lock between processes on a lock file. It is tried once, without waiting. The lock ends with
+/// the object or the process. Child processes do not inherit it. The empty lock file stays.
 class FileLock {
   public:
-    /// Tries the lock on `path`, which is created (mode 0600) when it is missing.
+    /// Tries to lock `path`, which is created with mode 0600 if it is missing.
     explicit FileLock(const std::filesystem::path& path);
 
-    /// None when this object has the lock; `operation_would_block` when another process, or object,
-    /// has it; else why the side file cannot be made or locked.
+    /// Returns an empty error if this object has the lock, `operation_would_block` if another
+    /// process or object has it, or the reason if the lock file cannot be made or locked.
     [[nodiscard]] const std::error_code& error() const { return error_; }
 
   private:

@@ -5,7 +5,8 @@
 
 namespace platform {
 
-/// Why the system call before it failed. Ask at once: the next call may say something else.
+/// Returns the reason why the latest system call failed. Call it immediately, because the next
+/// system call can change the reason.
 [[nodiscard]] inline std::error_code lastError() {
     return {errno, std::generic_category()};
 }

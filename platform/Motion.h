@@ -2,9 +2,9 @@
 
 namespace platform {
 
-/// Whether the user has asked the desktop not to animate: on Linux by the key "enable-animations"
-/// of the settings `org.gnome.desktop.interface`, which other desktops set as well; on macOS by
-/// "Reduce motion". False where there is no such setting. Any thread.
+/// Returns true if the user has asked the desktop for reduced motion, and false if the setting is
+/// missing. Linux reads the key "enable-animations" of the settings `org.gnome.desktop.interface`,
+/// which other desktops also set. macOS reads "Reduce motion". Call from any thread.
 [[nodiscard]] bool wantsReducedMotion();
 
 } // namespace platform

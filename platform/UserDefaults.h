@@ -36,19 +36,19 @@ class UserDefaults {
     /// in ISO 8601, UTC, with microseconds.
     [[nodiscard]] std::optional<base::Timestamp> date(std::string_view key) const;
 
-    /// Stores a date under `key`, on the disk before it returns; all other values and lines are
-    /// kept. Hold the lock() meanwhile where several processes may store.
+    /// Stores a date under `key` and flushes it to the disk. All other values and lines are kept.
+    /// Hold the lock() if several processes may store.
     ///
-    /// @return why that cannot be done: no or unwritable home, a full disk, or a file that cannot
-    /// be read whole and would lose its other values. The stored values are then unchanged.
+    /// @return an empty error, or the reason if the stored values are unchanged: a missing or
+    /// unwritable home, a full disk, or an unreadable file that would lose its other values.
     [[nodiscard]] std::error_code setDate(std::string_view key, base::Timestamp moment) const;
 
-    /// Where the values are, for people.
+    /// Returns the location of the values, for messages.
     [[nodiscard]] std::string place() const {
         return file_.empty() ? "no place, as the user has no home" : file_.native();
     }
 
-    /// Tries to be the only one that changes this domain. See FileLock.
+    /// Tries to lock this domain against changes by other processes. See FileLock.
     [[nodiscard]] FileLock lock() const;
 
   private:
