@@ -25,11 +25,11 @@ void replaceKelvinSigns(std::string& text) {
 
 void lowercase(std::string& text) {
     unsigned all = 0;
-    std::transform(text.begin(), text.end(), text.begin(), [&all](char character) {
-        const auto byte = static_cast<unsigned char>(character);
+    for (char& character : text) {
+        const unsigned byte = static_cast<unsigned char>(character);
         all |= byte;
-        return static_cast<char>(byte | (byte - unsigned{'A'} < 26U ? 0x20U : 0U));
-    });
+        character = static_cast<char>(byte | (byte - 'A' < 26 ? 0x20U : 0U));
+    }
     if (all >= 0x80) { // rare: names are ASCII
         replaceKelvinSigns(text);
     }

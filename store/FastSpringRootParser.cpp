@@ -27,7 +27,6 @@ bool FastSpringRootParser::cleanUpAnyErrors(std::string_view /*elementName*/) co
 void FastSpringRootParser::didStartElement(std::string_view elementName,
                                            const base::XMLAttributes& attributes) {
     const auto name = lowercaseName(elementName);
-    isNameOfStart_ = true;
     if (checkForErrors(name, attributes) || startContainer(name)) {
         return;
     }
@@ -36,9 +35,7 @@ void FastSpringRootParser::didStartElement(std::string_view elementName,
 }
 
 void FastSpringRootParser::didEndElement(std::string_view elementName) {
-    // The end that follows a start is that of the same element.
-    const auto name = isNameOfStart_ ? std::string_view(elementName_) : lowercaseName(elementName);
-    isNameOfStart_ = false;
+    const auto name = lowercaseName(elementName);
     if (cleanUpAnyErrors(name)) {
         return;
     }

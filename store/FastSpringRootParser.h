@@ -66,8 +66,7 @@ class FastSpringRootParser : public base::XMLEventDelegate {
     std::string_view data_;
     bool accumulatingParsedCharacterData_ = false;
     ElementText currentParsedCharacterData_;
-    bool isNameOfStart_ = false; // whether the last tag was a start, whose name is the next one
-    std::string elementName_;    // lowercased; a member so that its memory is used again
+    std::string elementName_; // lowercased; a member so that its memory is used again
 };
 
 } // namespace store
