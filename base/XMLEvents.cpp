@@ -1,20 +1,16 @@
 #include "base/XMLEvents.h"
 
+#include "base/Arena.h"
+#include "base/Encodings.h"
 #include "base/Handle.h"
-#include "base/Iconv.h"
 
 #include <algorithm>
 #include <climits>
 #include <cstddef>
-#include <cstdlib>
-#include <cstring>
 #include <exception>
-#include <functional>
-#include <iterator>
 #include <new>
 #include <optional>
 #include <random>
-#include <string>
 
 #include <expat.h>
 #include <strings.h>
@@ -39,81 +35,6 @@ constexpr std::size_t kParts = 32;
 constexpr int kMostDeclaredAttributes = 64;
 
 constexpr const char* kUTF8 = "UTF-8";
-
-// What a document may declare besides expat's own four. Not all that iconv knows, since it is the
-// network that names it, and some of those cannot be described by a table of 256 characters.
-constexpr const char* kEncodings[] = {
-    "ISO-8859-2",   "ISO-8859-3",   "ISO-8859-4",   "ISO-8859-5",   "ISO-8859-6",
-    "ISO-8859-7",   "ISO-8859-8",   "ISO-8859-9",   "ISO-8859-10",  "ISO-8859-11",
-    "ISO-8859-13",  "ISO-8859-14",  "ISO-8859-15",  "ISO-8859-16",  "windows-1250",
-    "windows-1251", "windows-1252", "windows-1253", "windows-1254", "windows-1255",
-    "windows-1256", "windows-1257", "windows-1258", "KOI8-R",       "KOI8-U",
-};
-
-/// The memory of one session: expat asks for some thirty pieces, of which few are given back before
-/// its end. A bump in a buffer serves them; what does not fit comes from the heap. A session within
-/// a handler of another one on the same thread takes from the outer one's, which outlives it.
-class Arena {
-  public:
-    Arena() {
-        if (current == nullptr) {
-            current = this;
-        }
-    }
-    Arena(const Arena&) = delete;
-    Arena& operator=(const Arena&) = delete;
-    ~Arena() {
-        if (current == this) {
-            current = nullptr;
-        }
-    }
-
-    static void* allocate(std::size_t size) noexcept {
-        if (size > kBytes - std::min(current->used_ + sizeof(Piece), kBytes)) {
-            return std::malloc(size);
-        }
-        auto* const piece = new (current->bytes_ + current->used_) Piece{size};
-        current->used_ +=
-            sizeof(Piece) + (size + sizeof(Piece) - 1) / sizeof(Piece) * sizeof(Piece);
-        return piece + 1;
-    }
-
-    static void* reallocate(void* old, std::size_t size) noexcept {
-        if (old == nullptr || !current->holds(old)) {
-            return old == nullptr ? allocate(size) : std::realloc(old, size);
-        }
-        void* const memory = allocate(size);
-        if (memory != nullptr) {
-            std::memcpy(memory, old, std::min(size, (static_cast<Piece*>(old) - 1)->size));
-        }
-        return memory;
-    }
-
-    static void release(void* memory) noexcept {
-        if (!current->holds(memory)) {
-            std::free(memory);
-        }
-    }
-
-  private:
-    /// What stands before each piece.
-    struct alignas(std::max_align_t) Piece {
-        std::size_t size;
-    };
-    static constexpr std::size_t kBytes = std::size_t{16} * 1024;
-
-    bool holds(const void* memory) const {
-        return !std::less<>()(memory, static_cast<const void*>(bytes_)) &&
-               std::less<>()(memory, static_cast<const void*>(bytes_ + kBytes));
-    }
-
-    static thread_local Arena* current;
-
-    alignas(std::max_align_t) std::byte bytes_[kBytes];
-    std::size_t used_ = 0;
-};
-
-thread_local Arena* Arena::current = nullptr;
 
 /// Random once for the process: expat would ask the system for each parser.
 unsigned long hashSalt() {
@@ -241,25 +162,14 @@ class Session {
     static void startSection(void* context) { self(context).inSection_ = true; }
     static void endSection(void* context) { self(context).inSection_ = false; }
 
-    /// Describes a single-byte encoding by what iconv makes of each of its 256 bytes.
     static int unknownEncoding(void* context, const char* name, XML_Encoding* encoding) {
-        const auto* const known =
-            std::find_if(std::begin(kEncodings), std::end(kEncodings),
-                         [=](const char* entry) { return strcasecmp(entry, name) == 0; });
         self(context).isCalledUTF8_ = strcasecmp(name, "utf8") == 0;
-        if (known == std::end(kEncodings)) {
-            return XML_STATUS_ERROR;
-        }
         try {
-            const Iconv conversion("UTF-32LE", *known);
-            if (!conversion.isValid()) {
+            const auto points = codePointsOf(name);
+            if (!points) {
                 return XML_STATUS_ERROR;
             }
-            for (unsigned byte = 0; byte < 256; ++byte) {
-                const char character = static_cast<char>(byte);
-                const auto point = conversion.convert({&character, 1});
-                encoding->map[byte] = point ? codePoint(*point) : -1;
-            }
+            std::copy(points->begin(), points->end(), encoding->map);
         } catch (const std::bad_alloc&) {
             return XML_STATUS_ERROR;
         }
@@ -267,14 +177,6 @@ class Session {
         encoding->convert = nullptr;
         encoding->release = nullptr;
         return XML_STATUS_OK;
-    }
-
-    static int codePoint(std::string_view utf32) {
-        if (utf32.size() != 4) {
-            return -1;
-        }
-        const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(utf32[at]); };
-        return byte(0) | byte(1) << 8 | byte(2) << 16;
     }
 
     static constexpr XML_Memory_Handling_Suite kMemory{Arena::allocate, Arena::reallocate,

@@ -28,7 +28,7 @@ void lowercase(std::string& text) {
     for (char& character : text) {
         const unsigned byte = static_cast<unsigned char>(character);
         all |= byte;
-        character = static_cast<char>(byte | (byte - 'A' < 26 ? 0x20U : 0U));
+        character = static_cast<char>(byte | (byte - unsigned{'A'} < 26U ? 0x20U : 0U));
     }
     if (all >= 0x80) { // rare: names are ASCII
         replaceKelvinSigns(text);
