@@ -1,4 +1,4 @@
-"""Measures what the helper costs against peers, side by side: `bench.py BUILD [--package BUILD] [--quick]`.
+"""Measures the helper beside its peers: `python3 -m bench.bench BUILD [--package BUILD] [--quick]`.
 
 Prints one table. Figures of time are the ratio of two medians that were measured in turn in the same run.
 --package names a build folder with the self-contained package, which has rows of its own. --quick makes few
@@ -18,11 +18,8 @@ import sys
 import tempfile
 import time
 
-PROJECT = pathlib.Path(__file__).resolve().parents[1]
-sys.path.insert(0, str(PROJECT / "demo"))
-
-from desktop import desktop, end, wait_for
-from stage import Stage, Store, Window
+from kit.desktop import desktop, end, wait_for
+from kit.stage import PROJECT, Stage, Store, Window
 
 MOST_INSTRUCTIONS = 130  # millions until the window, with Debian's libcurl
 SUBSCRIPTION = (PROJECT / "bench" / "subscription.xml").read_text()

@@ -1,4 +1,4 @@
-"""The main job, shown against the demo store service: `demo.py BUILD FOLDER [--refuse]`.
+"""The main job, shown against the demo store service: `python3 -m demo.demo BUILD FOLDER [--refuse]`.
 
 Puts the bundle of a build folder and the demo product into a throw-away home below FOLDER, starts
 the demo store, and runs the helper: on the user's display, or on a virtual one, where it presses the
@@ -15,8 +15,8 @@ import subprocess
 import sys
 import time
 
-from desktop import desktop, end, screenshot, wait_for
-from stage import Stage, Store, Window
+from kit.desktop import desktop, end, screenshot, wait_for
+from kit.stage import Stage, Store, Window
 
 CANCELLATION = 2000  # milliseconds that the store takes, so that the sheet can be seen
 BROWSER = """#!/bin/sh

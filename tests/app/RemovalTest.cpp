@@ -1,5 +1,5 @@
 // The delegate with its real window, on a real display: what the removal does, in which order, and
-// what the sheet shows meanwhile. Run under demo/desktop.py.
+// what the sheet shows meanwhile. Run under kit/desktop.py.
 
 #include "app/ProgressSheet.h"
 #include "app/Spinner.h"
@@ -30,7 +30,7 @@ const std::string kRecord =
     "<subscription><customerUrl>http://127.0.0.1:9/<b>account</b></customerUrl></subscription>";
 
 /// The delegate with its real window, a store on loopback, and a real bundle and Trash. Runs under
-/// demo/desktop.py.
+/// kit/desktop.py.
 class Removal : public testing::Test {
   protected:
     Removal() {

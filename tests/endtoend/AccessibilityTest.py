@@ -5,9 +5,9 @@ import re
 import subprocess
 import unittest
 
-from support import BUILD, TestCase
-from desktop import desktop, end, wait_for, wayland_desktop
-from stage import PROJECT, Store
+from tests.endtoend.support import BUILD, TestCase
+from kit.desktop import desktop, end, wait_for, wayland_desktop
+from kit.stage import PROJECT, Store
 
 ACCESSIBLE = "org.a11y.atspi.Accessible"
 FOCUSED = 1 << 12  # ATSPI_STATE_FOCUSED

@@ -13,9 +13,9 @@ import sys
 import time
 import unittest
 
-from support import BUILD, SANITIZE, TestCase
-from desktop import desktop, end, start_bus, wait_for, wayland_desktop
-from stage import HELPER_DOMAIN, Store, Window
+from tests.endtoend.support import BUILD, SANITIZE, TestCase
+from kit.desktop import desktop, end, start_bus, wait_for, wayland_desktop
+from kit.stage import HELPER_DOMAIN, Store, Window
 
 NO_DISPLAY = "No window can be shown: .*"
 

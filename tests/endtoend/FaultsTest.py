@@ -10,9 +10,9 @@ import subprocess
 import sys
 import unittest
 
-from support import BUILD, LONG, TestCase, content
-from desktop import wait_for
-from stage import HELPER_DOMAIN
+from tests.endtoend.support import BUILD, LONG, TestCase, content
+from kit.desktop import wait_for
+from kit.stage import HELPER_DOMAIN
 
 STEP = f"{BUILD}/tests/removal-step"
 KILL = "signal=KILL"
@@ -258,7 +258,7 @@ class MountsTest(RemovalCase):
         if "HELPER_MOUNTS" not in os.environ:
             if subprocess.run([*self.OWN_MOUNTS, "true"], check=False).returncode != 0:
                 self.skipTest("no mounts can be made here")
-            subprocess.run([*self.OWN_MOUNTS, sys.executable, __file__, "MountsTest"], check=True,
+            subprocess.run([*self.OWN_MOUNTS, sys.executable, "-m", __spec__.name, "MountsTest"], check=True,
                            env=os.environ | {"HELPER_MOUNTS": "1"})
             return
         for condition in (self.on_a_read_only_one, self.on_another_one_than_home,

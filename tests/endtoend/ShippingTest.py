@@ -11,9 +11,9 @@ import sys
 import tempfile
 import unittest
 
-from support import BUILD, SANITIZE, TestCase, content
-from desktop import desktop, wait_for
-from stage import BUNDLE, PROJECT, Store, Window
+from tests.endtoend.support import BUILD, SANITIZE, TestCase, content
+from kit.desktop import desktop, wait_for
+from kit.stage import BUNDLE, PROJECT, Store, Window
 
 CONTENTS = pathlib.Path(BUILD) / BUNDLE / "Contents"
 FRAMEWORKS = {"SubscriptionHelperApplication.so": "subscriptionHelperApplicationMain",
@@ -124,8 +124,8 @@ class DemoTest(TestCase):
     def run_demo(self):
         environment = {name: value for name, value in os.environ.items()
                        if name not in ("DISPLAY", "WAYLAND_DISPLAY")}
-        return subprocess.run([sys.executable, PROJECT / "demo" / "demo.py", BUILD,
-                               self.folder / "demo"], env=environment, text=True,
+        return subprocess.run([sys.executable, "-m", "demo.demo", BUILD,
+                               self.folder / "demo"], cwd=PROJECT, env=environment, text=True,
                               capture_output=True, timeout=120, check=False)
 
     def test_it_shows_every_step(self):

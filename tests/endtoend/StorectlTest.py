@@ -7,9 +7,9 @@ import re
 import subprocess
 import unittest
 
-from support import BUILD, TestCase
-from desktop import wait_for
-from stage import PROJECT, Store
+from tests.endtoend.support import BUILD, TestCase
+from kit.desktop import wait_for
+from kit.stage import PROJECT, Store
 
 RECORD, NONE, USAGE, FAILURE, UNREACHABLE = range(5)
 PROGRAM = f"{BUILD}/tools/storectl"

@@ -3,15 +3,12 @@
 import os
 import pathlib
 import shutil
-import sys
 import tempfile
 import unittest
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "demo"))
+from kit.stage import PROJECT, Stage
 
-import stage
-
-BUILD = os.environ.get("HELPER_BUILD", str(stage.PROJECT / "build" / "dev"))
+BUILD = os.environ.get("HELPER_BUILD", str(PROJECT / "build" / "dev"))
 SANITIZE = os.environ.get("HELPER_SANITIZE", "")
 LONG = os.environ.get("HELPER_LONG") == "ON"
 
@@ -36,4 +33,4 @@ class TestCase(unittest.TestCase):
         self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
 
     def make_stage(self, name="home", **options):
-        return stage.Stage(BUILD, self.folder / name, **options)
+        return Stage(BUILD, self.folder / name, **options)

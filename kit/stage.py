@@ -10,7 +10,7 @@ import threading
 import time
 import urllib.parse
 
-from desktop import end, wait_for
+from kit.desktop import end, wait_for
 
 PROJECT = pathlib.Path(__file__).resolve().parents[1]
 BUNDLE = "Subscription Helper.app"

@@ -1,8 +1,8 @@
-"""The packaged helper on bare machines: `machines.py BUILD ROOT...`, as root, in a mount name space of its own.
+"""The packaged helper on bare machines, in a mount name space of its own: `python3 -m kit.machines BUILD ROOT...`.
 
-In each ROOT, a system without Qt and libcurl, a customer unpacks the package of the build folder and does the main
-job, on a display outside: under X11, and under a Wayland compositor. Prints a table; status 0 only if all of it
-happened everywhere.
+Needs root. In each ROOT, a system without Qt and libcurl, a customer unpacks the package of the build folder and
+does the main job, on a display outside: under X11, and under a Wayland compositor. Prints a table; status 0 only if
+all of it happened everywhere.
 """
 
 import contextlib
@@ -11,8 +11,8 @@ import shutil
 import subprocess
 import sys
 
-from desktop import desktop, end, screenshot, wait_for, wayland_desktop
-from stage import Stage, Store, Window
+from kit.desktop import desktop, end, screenshot, wait_for, wayland_desktop
+from kit.stage import Stage, Store, Window
 
 CUSTOMER = 1000
 

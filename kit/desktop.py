@@ -1,6 +1,6 @@
 """A desktop of one's own: a virtual display with a window manager and a session bus.
 
-As a program, `desktop.py COMMAND [ARGUMENT ...]` runs a command on one and gives its exit status.
+As a program, `kit/desktop.py COMMAND [ARGUMENT ...]` runs a command on one and gives its exit status.
 """
 
 import contextlib
