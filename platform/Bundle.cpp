@@ -22,7 +22,7 @@ bool isThere(const std::filesystem::path& path) {
 
 } // namespace
 
-std::optional<Bundle> Bundle::around(const std::filesystem::path& executable) {
+std::optional<Bundle> Bundle::containing(const std::filesystem::path& executable) {
     const auto contents = executable.parent_path().parent_path();
     const auto path = contents.parent_path();
     if (!executable.is_absolute() || path.extension() != ".app" ||
@@ -47,7 +47,7 @@ std::filesystem::path Bundle::plugInsPath() const {
 
 std::optional<std::filesystem::path>
 Bundle::pathForAuxiliaryExecutable(std::string_view name) const {
-    // A name with a slash or dots would lead out of the directory, and so would what is made of it.
+    // Reject slashes and dots, because the path and every copy of it would leave the directory.
     if (name.empty() || name == "." || name == ".." || name.find('/') != std::string_view::npos) {
         return std::nullopt;
     }
@@ -61,7 +61,7 @@ Bundle::pathForAuxiliaryExecutable(std::string_view name) const {
 
 std::optional<std::filesystem::path> Bundle::pathForResource(std::string_view fileName) const {
     const auto resources = path_ / "Contents" / "Resources";
-    // What does not depend on the language lies there, and the user's languages need no look.
+    // Resources without a language are here, which saves the search through the user's languages.
     if (auto path = resources / fileName; isThere(path)) {
         return path;
     }

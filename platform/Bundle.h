@@ -25,7 +25,7 @@ class Bundle {
 
     /// Returns the bundle whose executable directory contains `executable`, an absolute path.
     /// Returns std::nullopt if the directories around it have other names or Info.plist is missing.
-    [[nodiscard]] static std::optional<Bundle> around(const std::filesystem::path& executable);
+    [[nodiscard]] static std::optional<Bundle> containing(const std::filesystem::path& executable);
 
     /// Returns the program that starts the application bundle at `bundlePath`: the file in its
     /// executable directory with the bundle's name without `.app`. The file may be missing.

@@ -17,7 +17,7 @@ extern char** environ; // NOLINT(readability-redundant-declaration): POSIX decla
 namespace platform {
 namespace {
 
-/// What a child gets of its own, in place of this process's streams, descriptors and signals.
+/// The child's own streams, descriptors and signal settings, in place of this process's.
 class SpawnSettings {
   public:
     SpawnSettings() {
@@ -76,7 +76,7 @@ std::future<int> reap(pid_t child) {
     try {
         std::thread([=] { status->set_value(statusOf(child)); }).detach();
     } catch (const std::system_error&) {
-        // Without a thread to spare the child stays a zombie until this process ends.
+        // If a thread cannot be created, the child stays a zombie until this process exits.
         status->set_value(kUnknownStatus);
     }
     return status->get_future();

@@ -30,7 +30,7 @@ std::error_code writeAll(int descriptor, std::string_view content) {
 }
 
 std::error_code writeNewFile(const std::filesystem::path& path, std::string_view content) {
-    // What a killed writer left at this name is of no use to anyone.
+    // Remove the incomplete file of a killed writer.
     ::unlink(path.c_str());
     const FileDescriptor file(
         ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
@@ -52,7 +52,7 @@ void flushDirectory(const std::filesystem::path& path) {
 
 base::Data readRegularFile(const std::filesystem::path& path, std::size_t limit,
                            std::error_code& error) {
-    // Without waiting, as a FIFO is known for one only when it is open.
+    // Do not wait, because a FIFO can be recognized only after it is open.
     const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct stat status {};
     if (!file.isOpen() || ::fstat(file.get(), &status) != 0) {
@@ -65,7 +65,7 @@ base::Data readRegularFile(const std::filesystem::path& path, std::size_t limit,
     }
     error.clear();
     const auto size = static_cast<std::uintmax_t>(status.st_size);
-    // One byte more than it has, to notice its end.
+    // Ask for one byte more than the size, to notice the end of the file.
     base::Data data(static_cast<std::size_t>(std::min<std::uintmax_t>(size, limit)) + 1, '\0');
     std::size_t length = 0;
     for (;;) {
@@ -85,7 +85,7 @@ base::Data readRegularFile(const std::filesystem::path& path, std::size_t limit,
             return {};
         }
         if (length == data.size()) {
-            data.resize(limit + 1); // it grows while it is read
+            data.resize(limit + 1); // the file grows while it is read
         }
     }
 }
@@ -108,7 +108,7 @@ std::error_code replaceFile(const std::filesystem::path& path, std::string_view 
         ::unlink(fresh.c_str());
         return error;
     }
-    // The new content is there, whatever becomes of this: it may only be lost again in a crash.
+    // Ignore the result, because the new content is in place. Only a crash could restore the old.
     flushDirectory(target.parent_path());
     return {};
 }

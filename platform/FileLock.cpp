@@ -7,7 +7,7 @@
 
 namespace platform {
 
-// A link could lead the lock to another file, and a FIFO would be waited for.
+// Follows no link, which could lock another file, and does not wait for a FIFO.
 FileLock::FileLock(const std::filesystem::path& path)
     : file_(::open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600)) {
     if (!file_.isOpen() || ::flock(file_.get(), LOCK_EX | LOCK_NB) != 0) {

@@ -21,7 +21,7 @@ void copyEntry(const fs::path& source, const fs::path& target) {
         fs::create_directory(target, source);
         giveOwnerAllRights(target, error);
     } else {
-        // Fails for sockets, devices and FIFOs.
+        // Reports an error for sockets, devices and FIFOs.
         fs::copy(source, target, fs::copy_options::copy_symlinks);
     }
 }

@@ -28,8 +28,8 @@ std::string programName() {
 #endif
 }
 
-/// The program's name as the system log can tell it from the message: without a space. openlog()
-/// keeps no copy of it.
+/// Returns the program's name without spaces, so that the system log can separate it from the
+/// message. The text is static, because openlog() keeps only its address.
 const std::string& systemLogTag() {
     static const std::string tag = [] {
         std::string name = programName();
@@ -44,10 +44,10 @@ bool acceptsBytes(int descriptor) {
     return poll(&state, 1, 0) == 1 && (state.revents & POLLOUT) != 0;
 }
 
-/// Writes as much of a line to standard error as it accepts at once, because a pipe that nobody
-/// reads would hold this process for ever. A pipe that accepts bytes has room for PIPE_BUF of them.
+/// Writes as much of a line to standard error as it accepts at once, because an unread pipe would
+/// block this process forever. A pipe that accepts bytes accepts at least PIPE_BUF of them.
 void writeToStandardError(std::string_view line) {
-    static std::mutex mutex; // another thread could take the room between poll() and write()
+    static std::mutex mutex; // another thread could fill the pipe between poll() and write()
     const std::lock_guard lock(mutex);
     while (!line.empty() && acceptsBytes(STDERR_FILENO)) {
         const ssize_t written =
@@ -60,17 +60,17 @@ void writeToStandardError(std::string_view line) {
 }
 
 [[noreturn]] void logAndAbort() {
-    // Without memory the line itself fails, which must not come here again.
+    // If memory is exhausted, log() fails too and must not call this handler again.
     std::set_terminate(std::abort);
     try {
         if (const auto failure = std::current_exception()) {
             std::rethrow_exception(failure);
         }
-        log("Ended without a failure that could be named");
+        log("Terminated without an exception");
     } catch (const std::exception& failure) {
         log("Uncaught failure: %@", {failure.what()});
     } catch (...) {
-        log("Uncaught failure of an unknown kind");
+        log("Uncaught exception of an unknown type");
     }
     std::abort();
 }
@@ -79,7 +79,7 @@ void writeToStandardError(std::string_view line) {
 
 void log(std::string_view format, std::initializer_list<base::FormatArgument> arguments) {
     const std::string message = base::escaped(base::formatted(format, arguments));
-    openlog(systemLogTag().c_str(), LOG_PID, LOG_USER); // called again it changes nothing
+    openlog(systemLogTag().c_str(), LOG_PID, LOG_USER); // repeated calls change nothing
     syslog(LOG_NOTICE, "%s", message.c_str());
     const auto now =
         std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now());

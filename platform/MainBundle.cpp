@@ -7,8 +7,8 @@ namespace {
 
 struct MainBundle {
     std::mutex mutex;
-    // Kept, because an uninstaller may delete the files around it before it goes to the Trash.
-    std::optional<Bundle> bundle = Bundle::around(executablePath());
+    // Determined once, because an uninstaller may delete the bundle's files before the move.
+    std::optional<Bundle> bundle = Bundle::containing(executablePath());
 };
 
 MainBundle& main() {
@@ -24,7 +24,7 @@ std::optional<Bundle> Bundle::mainBundle() {
 }
 
 void Bundle::findMainBundle() {
-    if (const auto found = around(executablePath())) {
+    if (const auto found = containing(executablePath())) {
         const std::lock_guard lock(main().mutex);
         main().bundle = found;
     }

@@ -14,12 +14,12 @@ namespace {
 
 constexpr std::size_t kLargestTable = std::size_t{1} << 20U;
 
-/// What the parser expected where the table is wrong.
-struct Expected : std::runtime_error {
+/// A syntax error. Its text names the expected token.
+struct SyntaxError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// The text in UTF-8.
+/// Returns the text in UTF-8.
 std::string decoded(std::string_view bytes) {
     const char* encoding = "UTF-8";
     if (bytes.starts_with("\xff\xfe") || bytes.starts_with("\xfe\xff")) {
@@ -30,7 +30,7 @@ std::string decoded(std::string_view bytes) {
     }
     auto text = base::Iconv("UTF-8", encoding).convert(bytes);
     if (!text) {
-        throw Expected(std::string("text in ") + encoding);
+        throw SyntaxError(std::string("text in ") + encoding);
     }
     return *std::move(text);
 }
@@ -80,7 +80,7 @@ class Parser {
                 skipBlanks();
             }
             if (!take(";")) {
-                throw Expected("';'");
+                throw SyntaxError("';'");
             }
             table.emplace(key, value);
         }
@@ -117,7 +117,7 @@ class Parser {
     void skipPast(std::string_view end, const char* expected) {
         const auto found = text_.find(end, at_);
         if (found == std::string_view::npos) {
-            throw Expected(expected);
+            throw SyntaxError(expected);
         }
         at_ = found + end.size();
     }
@@ -135,7 +135,7 @@ class Parser {
             ++at_;
         }
         if (at_ == start) {
-            throw Expected(expected);
+            throw SyntaxError(expected);
         }
         return std::string(text_.substr(start, at_ - start));
     }
@@ -144,7 +144,7 @@ class Parser {
         std::string value;
         while (!take("\"")) {
             if (at_ == text_.size()) {
-                throw Expected("'\"'");
+                throw SyntaxError("'\"'");
             }
             if (take("\\")) {
                 appendEscape(value);
@@ -159,7 +159,7 @@ class Parser {
         constexpr std::string_view kLetters = "ntrfbav";
         constexpr std::string_view kMeanings = "\n\t\r\f\b\a\v";
         if (at_ == text_.size()) {
-            throw Expected("an escaped character");
+            throw SyntaxError("an escaped character");
         }
         const char next = text_[at_];
         if (isDigit(next, 8)) {
@@ -173,12 +173,12 @@ class Parser {
         }
     }
 
-    /// The character of a UTF-16 code unit, or of that and the one that the next escape names.
+    /// Returns the character of a UTF-16 code unit. Reads its second unit from the next escape.
     char32_t character(char32_t unit) {
         const bool isHigh = unit >= 0xd800 && unit < 0xdc00;
         const char32_t low = isHigh && (take("\\U") || take("\\u")) ? number(16, 4, 4) : 0;
         if ((unit >= 0xd800 && unit <= 0xdfff) && (low < 0xdc00 || low > 0xdfff)) {
-            throw Expected("whole surrogate pairs");
+            throw SyntaxError("whole surrogate pairs");
         }
         return isHigh ? 0x10000 + ((unit - 0xd800) << 10U) + (low - 0xdc00) : unit;
     }
@@ -190,7 +190,7 @@ class Parser {
             value = value * base + digitValue(text_[at_++]);
         }
         if (count < least) {
-            throw Expected("four hexadecimal digits");
+            throw SyntaxError("four hexadecimal digits");
         }
         return value & 0xffff;
     }
@@ -221,8 +221,8 @@ StringsTable parseStringsTable(std::string_view bytes, std::string_view name) {
     try {
         text = decoded(bytes);
         return parser.emplace(text).table();
-    } catch (const Expected& expected) {
-        logError(name, std::to_string(parser ? parser->line() : 1), expected.what());
+    } catch (const SyntaxError& error) {
+        logError(name, std::to_string(parser ? parser->line() : 1), error.what());
         return {};
     }
 }

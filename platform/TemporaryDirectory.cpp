@@ -18,11 +18,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Names that are tried in one place: others may have taken some of them.
+// The number of names to try in one location, because other users may have taken some.
 constexpr int kNames = 100;
 
-/// The places for temporary files, in the order in which they are tried.
-std::vector<fs::path> places() {
+/// Returns the locations for temporary files in the order of their use.
+std::vector<fs::path> locations() {
     const auto directory = [](const char* variable) {
         const char* value = std::getenv(variable);
         return fs::path(value != nullptr ? value : "");
@@ -31,17 +31,17 @@ std::vector<fs::path> places() {
             directory("HOME") / ".cache"};
 }
 
-/// Whether nobody but the user and root can put something else into the place of an entry.
-bool keepsEntriesInPlace(const fs::path& directory) {
+/// Returns true if only the user and root can replace an entry of the directory.
+bool protectsEntries(const fs::path& directory) {
     struct stat status {};
     return ::stat(directory.c_str(), &status) == 0 &&
            (status.st_uid == ::geteuid() || status.st_uid == 0) &&
            ((status.st_mode & (S_IWGRP | S_IWOTH)) == 0 || (status.st_mode & S_ISVTX) != 0);
 }
 
-/// The same of every directory on the way to it, as each could be renamed in its own.
-bool isKeptInPlace(fs::path directory) {
-    while (keepsEntriesInPlace(directory)) {
+/// Returns true if only the user and root can replace the directory or one of its parents.
+bool isProtected(fs::path directory) {
+    while (protectsEntries(directory)) {
         if (directory == directory.root_path()) {
             return true;
         }
@@ -51,25 +51,24 @@ bool isKeptInPlace(fs::path directory) {
 }
 
 #ifndef ST_NOEXEC
-constexpr unsigned long ST_NOEXEC = 0; // where the system does not tell
+constexpr unsigned long ST_NOEXEC = 0; // unknown on this system
 #endif
 
-bool canHoldPrograms(const fs::path& directory) {
+bool allowsExecution(const fs::path& directory) {
     struct statvfs status {};
     return ::statvfs(directory.c_str(), &status) == 0 &&
            (status.f_flag & (ST_NOEXEC | ST_RDONLY)) == 0;
 }
 
-bool hasRoom(const fs::path& directory, std::uintmax_t room) {
+bool hasFreeBytes(const fs::path& directory, std::uintmax_t bytes) {
     struct statvfs status {};
     return ::statvfs(directory.c_str(), &status) == 0 &&
-           std::uintmax_t{status.f_bavail} * status.f_frsize >= room;
+           std::uintmax_t{status.f_bavail} * status.f_frsize >= bytes;
 }
 
-/// Makes the directory, or finds it there as a private one of the user's.
+/// Creates the directory if it is missing. Returns true if it is a private directory of the user.
 bool makePrivate(const fs::path& path) {
-    // Whether it was made does not matter: what is there now is looked at, through the open
-    // directory, so that what is checked is what was found.
+    // Ignore whether it was created, and check the opened directory, which cannot be exchanged.
     ::mkdir(path.c_str(), 0700);
     const FileDescriptor directory(
         ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
@@ -78,12 +77,12 @@ bool makePrivate(const fs::path& path) {
            status.st_uid == ::geteuid() && (status.st_mode & (S_IRWXG | S_IRWXO)) == 0;
 }
 
-/// A private directory in a place; by the same names each time, so that one of an earlier run is
-/// found again.
-std::optional<fs::path> privateDirectoryIn(const fs::path& place, const std::string& owner) {
+/// Returns a private directory in a location. The names are the same in each run, so that a later
+/// run finds it again.
+std::optional<fs::path> privateDirectoryIn(const fs::path& location, const std::string& owner) {
     const std::string name = owner + "-" + std::to_string(::geteuid());
     for (int number = 0; number < kNames; ++number) {
-        const auto path = place / (number == 0 ? name : name + "-" + std::to_string(number));
+        const auto path = location / (number == 0 ? name : name + "-" + std::to_string(number));
         if (makePrivate(path)) {
             return path;
         }
@@ -94,30 +93,30 @@ std::optional<fs::path> privateDirectoryIn(const fs::path& place, const std::str
 } // namespace
 
 std::optional<fs::path> replaceableTemporaryFile(const std::string& owner, const std::string& name,
-                                                 std::uintmax_t room) {
-    const auto candidates = places();
-    for (const auto& place : candidates) {
-        if (!place.is_absolute()) {
+                                                 std::uintmax_t bytes) {
+    const auto candidates = locations();
+    for (const auto& location : candidates) {
+        if (!location.is_absolute()) {
             continue;
         }
-        if (&place == &candidates.back()) {
-            ::mkdir(place.c_str(), 0700); // a new home has no ~/.cache yet
+        if (&location == &candidates.back()) {
+            ::mkdir(location.c_str(), 0700); // a new home lacks ~/.cache
         }
         std::error_code error;
-        // Without links, which others could change to lead elsewhere.
-        const auto directory = fs::canonical(place, error);
-        if (error || !isKeptInPlace(directory) || !canHoldPrograms(directory)) {
+        // Resolve links, because others could change them.
+        const auto directory = fs::canonical(location, error);
+        if (error || !isProtected(directory) || !allowsExecution(directory)) {
             continue;
         }
         if (const auto own = privateDirectoryIn(directory, owner)) {
             const auto path = *own / name;
             if (!name.empty()) {
-                removeTree(path); // its bytes are free for the new one
+                removeTree(path); // frees its bytes for the new one
             }
-            if (hasRoom(*own, room)) {
+            if (hasFreeBytes(*own, bytes)) {
                 return path;
             }
-            ::rmdir(own->c_str()); // unless it holds something else
+            ::rmdir(own->c_str()); // fails if it has other entries
         }
     }
     return std::nullopt;

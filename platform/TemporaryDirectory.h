@@ -8,7 +8,7 @@
 namespace platform {
 
 /// Returns the path `name` in a private directory from which programs can be started and which has
-/// `room` bytes free, or std::nullopt if no location qualifies. Removes an earlier entry of that
+/// `bytes` bytes free, or std::nullopt if no location qualifies. Removes an earlier entry of that
 /// name before it measures the free space. An entry that cannot be removed stays.
 ///
 /// The directory is `<owner>-<uid>` in the first suitable location of `$TMPDIR`,
@@ -21,6 +21,6 @@ namespace platform {
 /// @param owner a plain file name that no other program uses.
 /// @param name a plain file name, or empty for the path of the directory itself.
 [[nodiscard]] std::optional<std::filesystem::path>
-replaceableTemporaryFile(const std::string& owner, const std::string& name, std::uintmax_t room);
+replaceableTemporaryFile(const std::string& owner, const std::string& name, std::uintmax_t bytes);
 
 } // namespace platform

@@ -10,7 +10,7 @@ void appendWithParents(std::vector<std::string>& languages, std::string_view loc
     if (locale == "zh_CN" || locale == "zh_SG" || locale == "zh") {
         languages.emplace_back("zh_Hans"); // a locale does not name the script
     }
-    // The name becomes that of a directory: one with a slash would lead out of the bundle.
+    // Skip names with a slash, because the name becomes a directory inside the bundle.
     const bool isPortuguese = locale.substr(0, 2) == "pt" && locale != "pt_BR";
     while (!locale.empty() && locale.find('/') == std::string_view::npos) {
         languages.emplace_back(locale);

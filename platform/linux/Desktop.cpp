@@ -16,8 +16,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// For both openers together. They end once the application is on its way; one that runs a browser
-// itself, or waits for a session bus that does not answer, is left to itself after this time.
+// The limit for both openers together. Usually they exit once the application has started. An
+// opener that runs a browser itself, or waits for a hung session bus, keeps running after this
+// time.
 constexpr std::chrono::seconds kLongestOpening{5};
 
 bool isExecutable(const fs::file_status& status) {
@@ -25,16 +26,16 @@ bool isExecutable(const fs::file_status& status) {
     return fs::is_regular_file(status) && (status.permissions() & kAnyone) != fs::perms::none;
 }
 
-/// Returns true if xdg-open ended without having started an application, so that another opener can
-/// take its place. It also reports a failure if the application that it ran did.
+/// Returns true if xdg-open found no application, so that another opener may try. Other statuses
+/// can come from an application that it started.
 bool foundNoApplication(int status) {
     constexpr int kNoMethod = 3;
     return WIFEXITED(status) && WEXITSTATUS(status) == kNoMethod;
 }
 
-/// Has the desktop's own opener open an address or a file, or GIO's opener if the first could not
-/// be started or found no application. As programs they give the application a session of its own,
-/// and nothing that they wait for holds this process.
+/// Opens an address or a file with the desktop's opener, or with GIO's if the first could not be
+/// started or found no application. Both are child processes, so the application gets its own
+/// session, and a hung session bus cannot block this process.
 std::error_code openWithDefaultApplication(const std::string& target) {
     std::error_code error;
     const auto deadline = std::chrono::steady_clock::now() + kLongestOpening;
@@ -46,7 +47,7 @@ std::error_code openWithDefaultApplication(const std::string& target) {
             continue;
         }
         if (status.wait_until(deadline) != std::future_status::ready) {
-            log("%@ has not ended after %@ seconds and may not have opened %@",
+            log("%@ is still running after %@ seconds and may not have opened %@",
                 {command.front(), std::to_string(kLongestOpening.count()), target});
             return {};
         }
@@ -55,12 +56,13 @@ std::error_code openWithDefaultApplication(const std::string& target) {
             return {};
         }
         if (end == kUnknownStatus) {
-            log("%@ could not be waited for and may not have opened %@", {command.front(), target});
+            log("Cannot observe the end of %@, which may not have opened %@",
+                {command.front(), target});
             return {};
         }
-        error = std::make_error_code(std::errc::not_supported); // by the opener
+        error = std::make_error_code(std::errc::not_supported);
         if (!foundNoApplication(end)) {
-            break; // Something may have opened it, and it must not be opened twice.
+            break; // An application may have opened it, and it must not be opened twice.
         }
     }
     return error;
@@ -69,7 +71,7 @@ std::error_code openWithDefaultApplication(const std::string& target) {
 } // namespace
 
 std::error_code openFile(const fs::path& file) {
-    // What cannot be looked at is not opened: some other application would get it.
+    // Stop if stat fails, because the default application must not get this file.
     std::error_code error;
     const auto status = fs::status(file, error);
     if (error) {

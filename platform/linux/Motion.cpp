@@ -9,7 +9,7 @@ namespace platform {
 bool wantsReducedMotion() {
     constexpr const char* kSchema = "org.gnome.desktop.interface";
     constexpr const char* kKey = "enable-animations";
-    // Asking for settings without their schema, or for a key that it lacks, would end the process.
+    // Check both first, because GIO aborts the process if a schema or a key is missing.
     GSettingsSchemaSource* const source = g_settings_schema_source_get_default();
     const base::Handle<GSettingsSchema, g_settings_schema_unref> schema(
         source != nullptr ? g_settings_schema_source_lookup(source, kSchema, TRUE) : nullptr);

@@ -18,19 +18,19 @@ namespace fs = std::filesystem;
 
 using base::Handle;
 
-/// A file of the local system only: other kinds would have GIO connect to the session bus first and
-/// wait for ever for one that does not answer.
+/// Returns a file of the local system only, because GIO connects to the session bus for other kinds
+/// and would wait forever if that hangs.
 Handle<GFile, g_object_unref> fileFor(const fs::path& path) {
     return Handle<GFile, g_object_unref>(g_vfs_get_file_for_path(g_vfs_get_local(), path.c_str()));
 }
 
-/// Whether there is a place for the Trash: GIO takes a relative data directory, which is not valid,
-/// as one below the working directory.
+/// Returns true if the user's data directory, which contains the Trash, is absolute. GIO would take
+/// an invalid relative one as below the working directory.
 bool hasDataDirectory() {
     return g_path_is_absolute(g_get_user_data_dir()) != FALSE;
 }
 
-/// What went wrong in GIO, as far as that can be told apart without it.
+/// Returns the nearest standard code for an error of GIO.
 std::error_code errorOf(const GError& error) {
     constexpr std::pair<int, std::errc> kErrors[] = {
         {G_IO_ERROR_NOT_FOUND, std::errc::no_such_file_or_directory},
@@ -48,9 +48,10 @@ std::error_code errorOf(const GError& error) {
     return std::make_error_code(std::errc::io_error);
 }
 
-/// Undoes the move of an item to the Trash when no trashinfo file lies beside it that says where it
-/// came from: GIO goes on when it cannot write one, on a full disk for example. Whether it did.
-/// @param item the item, open since before the move, which tells where it is now.
+/// Undoes the move of an item to the Trash if its trashinfo file, which names the origin, is
+/// missing or empty. GIO continues if it cannot write that file, for example on a full disk.
+/// @param item the item, opened before the move, so that its present path can be read.
+/// @return true if the move was undone.
 bool undoMoveWithoutInfo(const FileDescriptor& item, const fs::path& origin) {
     std::error_code error;
     const auto link = fs::path("/proc/self/fd") / std::to_string(item.get());

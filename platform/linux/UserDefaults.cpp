@@ -14,8 +14,8 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t kOwnLimit = std::size_t{64} * 1024; // of a file that this program writes
 
-/// The value of an environment variable that names a directory; relative ones count as unset, as
-/// the XDG base directory rules say.
+/// Returns the directory that an environment variable names. By the XDG base directory rules, a
+/// relative one counts as unset.
 std::optional<fs::path> directoryFromEnvironment(const char* name) {
     const char* value = std::getenv(name);
     if (value == nullptr || *value != '/') {
@@ -37,11 +37,11 @@ std::optional<fs::path> configurationDirectory() {
 void makeDirectory(const fs::path& directory) {
     std::error_code error;
     fs::create_directories(directory.parent_path(), error);
-    // Whether it was there already, or cannot be made, shows when a file in it is opened.
+    // Ignore the result, because opening a file in the directory reports every failure.
     ::mkdir(directory.c_str(), 0700);
 }
 
-/// Calls `visit` with each line of `content`, its end of line included.
+/// Calls `visit` with each line of `content`, including its line break.
 template <class Visitor>
 void forEachLine(std::string_view content, Visitor visit) {
     while (!content.empty()) {
@@ -132,7 +132,7 @@ std::error_code UserDefaults::setDate(std::string_view key, base::Timestamp mome
     std::error_code error;
     const auto content = readRegularFile(file_, kOwnLimit, error);
     std::error_code ignored;
-    // A link that leads nowhere is no missing file: what it should lead to holds other values.
+    // A dangling link is an error, because its target may contain other values later.
     if (error && fs::symlink_status(file_, ignored).type() != fs::file_type::not_found) {
         return error;
     }
@@ -141,7 +141,7 @@ std::error_code UserDefaults::setDate(std::string_view key, base::Timestamp mome
 
 FileLock UserDefaults::lock() const {
     if (file_.empty()) {
-        return FileLock({}); // which says that there is no such file
+        return FileLock({}); // its error is "no such file"
     }
     makeDirectory(file_.parent_path());
     return FileLock(fs::path(file_).replace_extension(".lock"));

@@ -12,7 +12,7 @@ std::string_view environment(const char* name) {
     return value != nullptr ? value : "";
 }
 
-/// The locale for messages by the order that POSIX gives to its variables.
+/// Returns the locale for messages from the variables in POSIX's order.
 std::string_view messagesLocale() {
     for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
         if (const auto value = environment(name); !value.empty()) {

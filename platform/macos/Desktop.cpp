@@ -9,7 +9,7 @@ namespace platform::desktop {
 
 namespace {
 
-/// Qt tells no more than whether it was done.
+/// Returns an error without details, because Qt reports only success or failure.
 std::error_code errorUnless(bool done) {
     return done ? std::error_code() : std::make_error_code(std::errc::io_error);
 }
@@ -23,7 +23,7 @@ std::error_code moveToTrash(const std::filesystem::path& item) {
 }
 
 std::error_code checkTrash(const std::filesystem::path& item) {
-    // A move there is a change of the directory around it.
+    // A move to the Trash changes the directory that contains the item.
     return errorUnless(QFileInfo(QString::fromStdString(item.parent_path().native())).isWritable());
 }
 

@@ -28,14 +28,14 @@ TEST_F(BundleTest, IsFoundAroundItsExecutableAndNothingElseIs) {
           noApp.executable("directory"), bundle.path() / "Contents" / "Plain",
           bundle.path() / "Contents" / "MacOS" / "Plain",
           fs::path("Plain.app/Contents/Linux/Plain")}) {
-        EXPECT_FALSE(Bundle::around(executable)) << executable;
+        EXPECT_FALSE(Bundle::containing(executable)) << executable;
     }
 }
 
 TEST_F(BundleTest, NamesAuxiliaryExecutablesInItsOwnDirectoryOnly) {
     const test::TestBundle files(folder_ / "Aux.app");
     fs::create_symlink("nowhere", files.executable("dangling"));
-    const auto bundle = Bundle::around(files.executable("Aux"));
+    const auto bundle = Bundle::containing(files.executable("Aux"));
     ASSERT_TRUE(bundle);
     EXPECT_EQ(bundle->pathForAuxiliaryExecutable("Aux"), files.executable("Aux"));
     EXPECT_EQ(bundle->pathForAuxiliaryExecutable("dangling"), files.executable("dangling"));
@@ -48,7 +48,7 @@ TEST_F(BundleTest, LooksTextsUpInTheOrderOfLanguages) {
     const test::TestBundle files(folder_ / "Texts.app");
     files.withResource("en.lproj/Localizable.strings", "\"Close\" = \"Close it\"; empty = \"\";");
     files.withResource("de.lproj/Localizable.strings", "\"Close\" = \"Schlie\\U00dfen\";");
-    const auto bundle = Bundle::around(files.executable("Texts"));
+    const auto bundle = Bundle::containing(files.executable("Texts"));
     ASSERT_TRUE(bundle);
     EXPECT_EQ(bundle->localizedString("Close"), "Close it");
     EXPECT_EQ(bundle->localizedString("empty"), "");

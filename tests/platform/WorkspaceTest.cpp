@@ -97,7 +97,7 @@ TEST_F(OpenedAddress, IsOfTheWebAndOneArgument) {
     for (const auto& address : refused) {
         testing::internal::CaptureStderr();
         EXPECT_EQ(workspace::openURL(address), std::errc::invalid_argument) << address;
-        EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("Not opened")) << address;
+        EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("not a web address")) << address;
     }
     test::writeFile(folder_ / "no gio" / "gio", "#!/bin/sh\nexit 1\n", true);
     fs::create_directories(folder_ / "gio alone");
@@ -124,7 +124,7 @@ TEST_F(OpenedAddress, IsOfTheWebAndOneArgument) {
     testing::internal::CaptureStderr();
     EXPECT_EQ(workspace::openURL("http://host/a"), std::errc::no_such_file_or_directory);
     EXPECT_THAT(testing::internal::GetCapturedStderr(),
-                HasSubstr("No browser could be started for http://host/a: "));
+                HasSubstr("Cannot start a browser for http://host/a: "));
 }
 
 TEST_F(OpenedAddress, IsOpenedAgainOnlyIfTheFirstOpenerFoundNoApplication) {
@@ -148,7 +148,7 @@ TEST_F(OpenedAddress, IsOpenedAgainOnlyIfTheFirstOpenerFoundNoApplication) {
     testing::internal::CaptureStderr();
     EXPECT_EQ(workspace::openURL("http://host/"), kDone);
     std::signal(SIGCHLD, action);
-    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("could not be waited for"));
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("Cannot observe the end of"));
 }
 
 TEST_F(OpenedAddress, StartsAProgramOnItsOwnLikeAFile) {

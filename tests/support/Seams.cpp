@@ -22,7 +22,7 @@ std::string_view store::scriptURL() {
 }
 
 void test::setExecutablePath(const std::filesystem::path& path) {
-    testBundle = platform::Bundle::around(path);
+    testBundle = platform::Bundle::containing(path);
 }
 
 void test::setStorePort(int port) {
