@@ -167,7 +167,7 @@ TEST_F(Removal, GoesOnWhateverFailsAndOpensNoAddressThatIsNone) {
         const bool removed = waitUntilRemoved();
         const std::string log = testing::internal::GetCapturedStderr();
         ASSERT_TRUE(removed);
-        EXPECT_THAT(log, HasSubstr(url ? "Not opened" : "account page unknown"));
+        EXPECT_THAT(log, HasSubstr(url ? "not a web address" : "account page unknown"));
         EXPECT_THAT(log, HasSubstr("Uninstaller is not found at path: (null)"));
         EXPECT_THAT(log, HasSubstr("Could not trash '" + bundle_.path().native() + "'"));
         EXPECT_TRUE(fs::exists(bundle_.path()));
