@@ -349,7 +349,7 @@ class DesktopTest(TestCase):
                 self.assertEqual(opened.exists(), answers)
                 time.sleep(0.5)
                 self.window.keys("Return")
-                self.assertRegex(self.finish(process), "(?s)not ended after 5 seconds and may not have opened http://"
+                self.assertRegex(self.finish(process), "(?s)still running after 5 seconds and may not have opened http://"
                                  ".*cancellation not confirmed, account page opened;")
                 stage.note.unlink()
                 shutil.rmtree(stage.home / ".local")

@@ -97,7 +97,8 @@ TEST_F(OpenedAddress, IsOfTheWebAndOneArgument) {
     for (const auto& address : refused) {
         testing::internal::CaptureStderr();
         EXPECT_EQ(workspace::openURL(address), std::errc::invalid_argument) << address;
-        EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("not a web address")) << address;
+        EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("not a web address"))
+            << address;
     }
     test::writeFile(folder_ / "no gio" / "gio", "#!/bin/sh\nexit 1\n", true);
     fs::create_directories(folder_ / "gio alone");
