@@ -10,22 +10,40 @@
 #include <filesystem>
 #include <string>
 #include <system_error>
+#include <vector>
 
 #include <QApplication>
 #include <QMessageLogContext>
 
 namespace {
 
+/// A check, whose last result is that of the display.
+struct Check {
+    bool asJSON = false;
+    std::vector<app::CheckResult> results;
+};
+Check* runningCheck = nullptr; // for a message handler, which Qt gives no argument of ours
+
+int finish(Check& check, const std::string& missingDisplay) {
+    check.results.push_back(app::displayResult(missingDisplay));
+    return app::printCheckResults(check.results, check.asJSON);
+}
+
 /// Gathers Qt's messages while it connects to the display. If Qt cannot connect, it sends several
-/// and aborts. They become one line and status 1.
+/// and aborts. They become one log line, or the last result of a check, and status 1.
 void reportMissingDisplay(QtMsgType type, const QMessageLogContext& /*context*/,
                           const QString& message) {
     thread_local std::string reasons; // Qt has other threads, which have other troubles
-    reasons += " " + message.simplified().toStdString();
-    if (type == QtFatalMsg) {
-        platform::log("No window can be shown:%@", {reasons});
-        std::_Exit(EXIT_FAILURE);
+    reasons += (reasons.empty() ? "" : " ") + message.simplified().toStdString();
+    if (type != QtFatalMsg) {
+        return;
     }
+    if (runningCheck != nullptr) {
+        finish(*runningCheck, reasons);
+    } else {
+        platform::log("No window can be shown: %@", {reasons});
+    }
+    std::_Exit(EXIT_FAILURE);
 }
 
 /// A bundle that brings Qt along brings its plugins too, and those of another Qt would not fit.
@@ -51,27 +69,7 @@ void leaveRunningRemoval() {
     }
 }
 
-} // namespace
-
-int subscriptionHelperApplicationMain(const app::Options& options, int argumentCount,
-                                      char** arguments) {
-    // Once more: the process entry has a C++ library of its own.
-    platform::logUncaughtFailures();
-    const bool isCheck = options.task == app::Options::Task::check;
-    const std::string missing = app::loadModules(isCheck);
-    if (isCheck) {
-        return app::printFindings(app::findings(missing), options.asJSON);
-    }
-    if (!missing.empty()) {
-        platform::log("The application cannot be loaded: %@", {missing});
-        return EXIT_FAILURE;
-    }
-    useOwnPlugins();
-    qInstallMessageHandler(reportMissingDisplay);
-    // By this name a Wayland desktop finds the entry, and so the icon, that belongs to the window.
-    QApplication::setDesktopFileName(QStringLiteral(HELPER_IDENTIFIER));
-    QApplication application(argumentCount, arguments);
-    qInstallMessageHandler(logMessage);
+int runUntilExit() {
     std::atexit(leaveRunningRemoval);
     // The delegate alone decides when the application ends.
     QApplication::setQuitOnLastWindowClosed(false);
@@ -91,4 +89,33 @@ int subscriptionHelperApplicationMain(const app::Options& options, int argumentC
         std::_Exit(status);
     }
     return status;
+}
+
+} // namespace
+
+int subscriptionHelperApplicationMain(const app::Options& options, int argumentCount,
+                                      char** arguments) {
+    // Once more: the process entry has a C++ library of its own.
+    platform::logUncaughtFailures();
+    const bool isCheck = options.task == app::Options::Task::check;
+    const std::string missing = app::loadModules(isCheck);
+    if (!missing.empty() && !isCheck) {
+        platform::log("The application cannot be loaded: %@", {missing});
+        return EXIT_FAILURE;
+    }
+    Check check;
+    if (isCheck) {
+        check = {options.asJSON, app::runChecks(missing, options.sendsLookup)};
+        runningCheck = &check;
+    }
+    useOwnPlugins();
+    qInstallMessageHandler(reportMissingDisplay);
+    // By this name a Wayland desktop finds the entry, and so the icon, that belongs to the window.
+    QApplication::setDesktopFileName(QStringLiteral(HELPER_IDENTIFIER));
+    const QApplication application(argumentCount, arguments);
+    if (isCheck) {
+        return finish(check, {});
+    }
+    qInstallMessageHandler(logMessage);
+    return runUntilExit();
 }

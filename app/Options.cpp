@@ -1,6 +1,7 @@
 #include "app/Options.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <iterator>
 #include <utility>
 
@@ -15,6 +16,20 @@ constexpr std::pair<std::string_view, Task> kTasks[] = {
     {"--help", Task::showHelp},
     {"-h", Task::showHelp},
 };
+
+/// Options of a check.
+constexpr std::pair<std::string_view, bool Options::*> kCheckFlags[] = {
+    {"--json", &Options::asJSON},
+    {"--ask", &Options::sendsLookup},
+};
+
+/// Returns the row of a table for an argument, or null.
+template <class Row, std::size_t size>
+const Row* rowFor(const Row (&table)[size], std::string_view argument) {
+    const auto* const row = std::find_if(std::begin(table), std::end(table),
+                                         [=](auto& each) { return each.first == argument; });
+    return row != std::end(table) ? row : nullptr;
+}
 
 /// Options of two dashes that Qt takes as well as with one.
 constexpr std::string_view kToolkitOptions[] = {
@@ -49,29 +64,24 @@ bool isOfToolkit(std::string_view option) {
 } // namespace
 
 Options optionsOf(std::span<char* const> arguments) {
-    constexpr std::string_view kJSON = "--json";
     Options options;
+    std::string_view checkFlag;
     std::string_view other;
     for (const std::string_view argument : arguments) {
-        const auto* const entry = std::find_if(std::begin(kTasks), std::end(kTasks),
-                                               [=](auto& each) { return each.first == argument; });
-        if (entry != std::end(kTasks)) {
-            options.task = entry->second;
-        } else if (argument == kJSON) {
-            options.asJSON = true;
+        if (const auto* const task = rowFor(kTasks, argument)) {
+            options.task = task->second;
+        } else if (const auto* const flag = rowFor(kCheckFlags, argument)) {
+            options.*flag->second = true;
+            checkFlag = argument;
         } else if (argument.starts_with("--") && !isOfToolkit(argument)) {
-            return {Task::refuse, false, argument};
+            return {Task::refuse, false, false, argument};
         } else {
             other = argument;
         }
     }
-    if (options.asJSON && options.task != Task::check) {
-        return {Task::refuse, false, kJSON};
-    }
-    if (options.task == Task::check && !other.empty()) { // who wants JSON must not get lines
-        return {Task::refuse, false, other};
-    }
-    return options;
+    const bool isCheck = options.task == Task::check;
+    const auto unknown = isCheck ? other : checkFlag; // JSON must not become lines
+    return unknown.empty() ? options : Options{Task::refuse, false, false, unknown};
 }
 
 } // namespace app

@@ -16,7 +16,8 @@ struct Options {
         refuse       ///< nothing: there is an option that there is not
     };
     Task task = Task::run;
-    bool asJSON = false;      ///< of a check
+    bool asJSON = false;      ///< of a check: print JSON
+    bool sendsLookup = false; ///< of a check: ask the store service
     std::string_view unknown; ///< the option that there is not
 };
 

@@ -73,7 +73,7 @@ void SubscriptionHelperAppDelegate::awakeFromNib() noexcept {
     std::error_code error;
     const auto reference = userSubscriptionReference(error);
     if (error) {
-        platform::log("Cannot read %@: %@", {subscriptionReferencePlace(), error.message()});
+        platform::log("Cannot read %@: %@", {subscriptionReferenceFile(), error.message()});
     }
     if (!reference) {
         exitApp();

@@ -26,8 +26,8 @@ std::optional<std::string> userSubscriptionReference(std::error_code& error) {
     return text->substr(start, text->find_last_not_of(kBlanks) + 1 - start);
 }
 
-std::string subscriptionReferencePlace() {
-    return kKey + (" in " + productDefaults().place());
+std::string subscriptionReferenceFile() {
+    return productDefaults().place();
 }
 
 } // namespace app

@@ -12,7 +12,7 @@ namespace app {
 /// @param error why an existing file could not be read, or empty.
 [[nodiscard]] std::optional<std::string> userSubscriptionReference(std::error_code& error);
 
-/// Where it is read, for people.
-[[nodiscard]] std::string subscriptionReferencePlace();
+/// Returns the path of the file that it is read from, for people.
+[[nodiscard]] std::string subscriptionReferenceFile();
 
 } // namespace app

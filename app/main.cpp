@@ -1,5 +1,4 @@
 #include "app/Application.h"
-#include "app/Finding.h"
 #include "app/Options.h"
 #include "app/RunThrottle.h"
 #include "platform/Bundle.h"
@@ -62,22 +61,15 @@ int runApplication(const platform::Bundle& bundle, const app::Options& options, 
     if (const Application application = loadApplication(bundle)) {
         return application(options, argumentCount, arguments);
     }
-    const char* const reason = dlerror();
-    if (options.task == Task::check) {
-        return app::printFindings({{"application library", false, reason}}, options.asJSON);
-    }
-    platform::log("The application cannot be loaded: %@", {reason});
+    platform::log("The application cannot be loaded: %@", {dlerror()});
     return EXIT_FAILURE;
 }
 
-/// The main job, or a look at what it would find, which counts as no run.
+/// Runs or checks the application. A check skips the throttle, because it is not a run.
 int run(const app::Options& options, int argumentCount, char** arguments) {
     const auto bundle = platform::Bundle::mainBundle();
-    if (!bundle && options.task == Task::check) {
-        return app::printFindings({{"bundle", false, "the program lies in none"}}, options.asJSON);
-    }
     if (!bundle) {
-        platform::log("Not started from an application bundle, so there is nothing to do: %@",
+        platform::log("Cannot start outside of an application bundle: %@",
                       {platform::executablePath().native()});
         return EXIT_FAILURE;
     }
@@ -89,14 +81,16 @@ int run(const app::Options& options, int argumentCount, char** arguments) {
 }
 
 int showHelp() {
-    std::puts("Usage: \"Subscription Helper\" [--help | --version | --check [--json]]\n\n"
+    std::puts("Usage: \"Subscription Helper\" [--help | --version | --check [--json] [--ask]]\n\n"
               "Helps a customer to leave " HELPER_PRODUCT_NAME
               ": shows one window and, on request,\n"
               "cancels the subscription at the store, starts the uninstaller and moves itself\n"
               "to the Trash. Works at most once in four hours; a start in between, or one\n"
               "without a subscription, ends at once with status 0.\n\n"
-              "--check prints what a start would find, and is none; status 1 when something\n"
-              "is not right. The time of the last run is kept in\n" HELPER_IDENTIFIER
+              "--check  Check the installation without running. Exits with 1 if a check fails.\n"
+              "--json   Print the results as JSON.\n"
+              "--ask    Ask the store service for the subscription, too.\n\n"
+              "The time of the last run is kept in\n" HELPER_IDENTIFIER
               ".conf in the user's configuration directory.");
     return EXIT_SUCCESS;
 }

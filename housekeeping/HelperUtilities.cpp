@@ -72,8 +72,12 @@ bool HelperUtilities::launchUninstaller() {
     return !platform::copyTree(*source, *copy) && !platform::workspace::openFile(*copy);
 }
 
-std::optional<fs::path> HelperUtilities::uninstallerCopyDirectory() {
-    return platform::replaceableTemporaryFile(HELPER_IDENTIFIER, "", 0);
+std::optional<fs::path> HelperUtilities::uninstallerCopyPath() {
+    const std::string name = uninstallerName();
+    const auto source = auxiliaryExecutable(name);
+    return source ? platform::checkedTemporaryFile(HELPER_IDENTIFIER, name,
+                                                   platform::diskSize(*source))
+                  : std::nullopt;
 }
 
 } // namespace housekeeping

@@ -42,8 +42,9 @@ class HelperUtilities {
     /// partial copy is removed), or if the copy could not be opened.
     [[nodiscard]] static bool launchUninstaller();
 
-    /// Returns the directory for the uninstaller's copy, or std::nullopt if no location qualifies.
-    [[nodiscard]] static std::optional<std::filesystem::path> uninstallerCopyDirectory();
+    /// Returns the path that launchUninstaller() would copy the uninstaller to, or std::nullopt if
+    /// no location qualifies or the uninstaller is missing. Copies and removes nothing.
+    [[nodiscard]] static std::optional<std::filesystem::path> uninstallerCopyPath();
 };
 
 } // namespace housekeeping

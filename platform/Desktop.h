@@ -15,8 +15,11 @@ void prepareTrash();
 /// @return an empty error, or the system's reason if the item keeps its location.
 [[nodiscard]] std::error_code moveToTrash(const std::filesystem::path& item);
 
-/// Returns an empty error if the system offers to move an item to the Trash.
-[[nodiscard]] std::error_code checkTrash(const std::filesystem::path& item);
+/// Looks whether moveToTrash() can move an item there. It may still refuse.
+/// @param culprit the path that an error is about.
+/// @return why it cannot, or an empty error.
+[[nodiscard]] std::error_code checkTrash(const std::filesystem::path& item,
+                                         std::filesystem::path& culprit);
 
 /// Opens a file, as workspace::openFile() says.
 [[nodiscard]] std::error_code openFile(const std::filesystem::path& file);
@@ -24,5 +27,8 @@ void prepareTrash();
 /// Opens a web address in the user's browser.
 /// @return an empty error, or the reason if no browser could be started.
 [[nodiscard]] std::error_code openAddress(const std::string& address);
+
+/// Returns the name of the program that opens addresses, or an empty text if it is missing.
+[[nodiscard]] std::string opener();
 
 } // namespace platform::desktop

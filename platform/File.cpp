@@ -48,6 +48,26 @@ void flushDirectory(const std::filesystem::path& path) {
     }
 }
 
+/// The two paths of a replacement: the file without links to it, and the new file beside it.
+struct Replacement {
+    std::filesystem::path target;
+    std::filesystem::path fresh;
+};
+
+std::error_code writeReplacement(const std::filesystem::path& path, std::string_view content,
+                                 Replacement& replacement) {
+    std::error_code error;
+    replacement.target = std::filesystem::canonical(path, error);
+    if (error == std::errc::no_such_file_or_directory) {
+        replacement.target = path;
+    } else if (error) {
+        return error;
+    }
+    replacement.fresh = replacement.target;
+    replacement.fresh += ".new";
+    return writeNewFile(replacement.fresh, content);
+}
+
 } // namespace
 
 base::Data readRegularFile(const std::filesystem::path& path, std::size_t limit,
@@ -91,16 +111,9 @@ base::Data readRegularFile(const std::filesystem::path& path, std::size_t limit,
 }
 
 std::error_code replaceFile(const std::filesystem::path& path, std::string_view content) {
-    std::error_code error;
-    std::filesystem::path target = std::filesystem::canonical(path, error);
-    if (error == std::errc::no_such_file_or_directory) {
-        target = path;
-    } else if (error) {
-        return error;
-    }
-    std::filesystem::path fresh = target;
-    fresh += ".new";
-    error = writeNewFile(fresh, content);
+    Replacement replacement;
+    auto error = writeReplacement(path, content, replacement);
+    const auto& [target, fresh] = replacement;
     if (!error && std::rename(fresh.c_str(), target.c_str()) != 0) {
         error = lastError();
     }
@@ -111,6 +124,13 @@ std::error_code replaceFile(const std::filesystem::path& path, std::string_view 
     // Ignore the result, because the new content is in place. Only a crash could restore the old.
     flushDirectory(target.parent_path());
     return {};
+}
+
+std::error_code checkReplacement(const std::filesystem::path& path, std::string_view content) {
+    Replacement replacement;
+    const auto error = writeReplacement(path, content, replacement);
+    ::unlink(replacement.fresh.c_str());
+    return error;
 }
 
 } // namespace platform

@@ -27,4 +27,9 @@ namespace platform {
 [[nodiscard]] std::error_code replaceFile(const std::filesystem::path& path,
                                           std::string_view content);
 
+/// Does the part of replaceFile() before the rename, then removes the new file.
+/// @return why it failed, or an empty error. The file at `path` is unchanged.
+[[nodiscard]] std::error_code checkReplacement(const std::filesystem::path& path,
+                                               std::string_view content);
+
 } // namespace platform

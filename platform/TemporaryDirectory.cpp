@@ -60,10 +60,11 @@ bool allowsExecution(const fs::path& directory) {
            (status.f_flag & (ST_NOEXEC | ST_RDONLY)) == 0;
 }
 
-bool hasFreeBytes(const fs::path& directory, std::uintmax_t bytes) {
+std::uintmax_t freeSpace(const fs::path& directory) {
     struct statvfs status {};
-    return ::statvfs(directory.c_str(), &status) == 0 &&
-           std::uintmax_t{status.f_bavail} * status.f_frsize >= bytes;
+    return ::statvfs(directory.c_str(), &status) == 0
+               ? std::uintmax_t{status.f_bavail} * status.f_frsize
+               : 0;
 }
 
 /// Creates the directory if it is missing. Returns true if it is a private directory of the user.
@@ -90,10 +91,11 @@ std::optional<fs::path> privateDirectoryIn(const fs::path& location, const std::
     return std::nullopt;
 }
 
-} // namespace
-
-std::optional<fs::path> replaceableTemporaryFile(const std::string& owner, const std::string& name,
-                                                 std::uintmax_t bytes) {
+/// Returns the path of `name` in the first suitable location, in which `isUsable` returns true for
+/// the private directory and that path.
+template <class Check>
+std::optional<fs::path> temporaryFileIn(const std::string& owner, const std::string& name,
+                                        const Check& isUsable) {
     const auto candidates = locations();
     for (const auto& location : candidates) {
         if (!location.is_absolute()) {
@@ -110,16 +112,32 @@ std::optional<fs::path> replaceableTemporaryFile(const std::string& owner, const
         }
         if (const auto own = privateDirectoryIn(directory, owner)) {
             const auto path = *own / name;
-            if (!name.empty()) {
-                removeTree(path); // frees its bytes for the new one
-            }
-            if (hasFreeBytes(*own, bytes)) {
+            if (isUsable(*own, path)) {
                 return path;
             }
             ::rmdir(own->c_str()); // fails if it has other entries
         }
     }
     return std::nullopt;
+}
+
+} // namespace
+
+std::optional<fs::path> replaceableTemporaryFile(const std::string& owner, const std::string& name,
+                                                 std::uintmax_t room) {
+    return temporaryFileIn(owner, name, [=](const fs::path& directory, const fs::path& path) {
+        removeTree(path); // its bytes are free for the new one
+        return freeSpace(directory) >= room;
+    });
+}
+
+std::optional<fs::path> checkedTemporaryFile(const std::string& owner, const std::string& name,
+                                             std::uintmax_t room) {
+    return temporaryFileIn(owner, name, [=](const fs::path& directory, const fs::path& path) {
+        std::error_code error;
+        const bool isThere = fs::exists(fs::symlink_status(path, error));
+        return freeSpace(directory) + (isThere ? diskSize(path) : 0) >= room;
+    });
 }
 
 } // namespace platform

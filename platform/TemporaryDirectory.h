@@ -19,8 +19,13 @@ namespace platform {
 /// exchange a checked file before it is started.
 ///
 /// @param owner a plain file name that no other program uses.
-/// @param name a plain file name, or empty for the path of the directory itself.
+/// @param name a plain file name.
 [[nodiscard]] std::optional<std::filesystem::path>
 replaceableTemporaryFile(const std::string& owner, const std::string& name, std::uintmax_t bytes);
+
+/// Returns the path that replaceableTemporaryFile() would return, or std::nullopt. An earlier entry
+/// of that name stays, and its bytes count as free.
+[[nodiscard]] std::optional<std::filesystem::path>
+checkedTemporaryFile(const std::string& owner, const std::string& name, std::uintmax_t room);
 
 } // namespace platform

@@ -43,7 +43,11 @@ class UserDefaults {
     /// unwritable home, a full disk, or an unreadable file that would lose its other values.
     [[nodiscard]] std::error_code setDate(std::string_view key, base::Timestamp moment) const;
 
-    /// Returns the location of the values, for messages.
+    /// Returns why setDate() would fail, or an empty error. On Linux it writes the new file and
+    /// removes it again. The stored values stay unchanged. Hold the lock() meanwhile.
+    [[nodiscard]] std::error_code checkStoring() const;
+
+    /// Where the values are, for people.
     [[nodiscard]] std::string place() const {
         return file_.empty() ? "no place, as the user has no home" : file_.native();
     }

@@ -36,10 +36,6 @@ std::error_code moveToTrash(const std::filesystem::path& path) {
     return desktop::moveToTrash(item);
 }
 
-std::error_code checkTrash(const std::filesystem::path& path) {
-    return desktop::checkTrash(path);
-}
-
 std::error_code openFile(const std::filesystem::path& file) {
     return desktop::openFile(file);
 }
@@ -55,6 +51,10 @@ std::error_code openURL(std::string_view address) {
         log("Cannot start a browser for %@: %@", {address, error.message()});
     }
     return error;
+}
+
+bool isOpenable(std::string_view address) {
+    return shownURL(address).has_value();
 }
 
 } // namespace platform::workspace

@@ -20,10 +20,6 @@ void prepareTrash();
 /// be written.
 [[nodiscard]] std::error_code moveToTrash(const std::filesystem::path& path);
 
-/// Checks if the system offers to move an item to the Trash. The move itself can still fail.
-/// @return an empty error, or the reason as in moveToTrash().
-[[nodiscard]] std::error_code checkTrash(const std::filesystem::path& path);
-
 /// Opens a file like a double click. Starts an executable file, or the program of an application
 /// bundle (`<name>.app`, see Bundle::executableOf()), as a child process without waiting for its
 /// end. Opens any other file with its default application. If the opener is still running after
@@ -39,5 +35,8 @@ void prepareTrash();
 ///
 /// @return an empty error, or the reason. `invalid_argument` if the text is not such an address.
 [[nodiscard]] std::error_code openURL(std::string_view address);
+
+/// Returns true if openURL() would open an address, as far as the address decides.
+[[nodiscard]] bool isOpenable(std::string_view address);
 
 } // namespace platform::workspace

@@ -105,9 +105,10 @@ std::error_code platform::desktop::moveToTrash(const std::filesystem::path& item
                              : std::make_error_code(std::errc::function_not_supported);
 }
 
-std::error_code platform::desktop::checkTrash(const std::filesystem::path& item) {
+std::error_code platform::desktop::checkTrash(const std::filesystem::path& item,
+                                              std::filesystem::path& culprit) {
     const auto* const module = app::desktopModule().table();
-    return module != nullptr ? module->checkTrash(item)
+    return module != nullptr ? module->checkTrash(item, culprit)
                              : std::make_error_code(std::errc::function_not_supported);
 }
 

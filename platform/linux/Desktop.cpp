@@ -5,11 +5,14 @@
 #include "platform/Log.h"
 
 #include <chrono>
+#include <cstdlib>
 #include <future>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include <sys/wait.h>
+#include <unistd.h>
 
 namespace platform::desktop {
 namespace {
@@ -33,13 +36,29 @@ bool foundNoApplication(int status) {
     return WIFEXITED(status) && WEXITSTATUS(status) == kNoMethod;
 }
 
+constexpr const char* kFirstOpener = "xdg-open";
+constexpr const char* kSecondOpener = "gio";
+
+/// Returns true if startChildProcess() finds a program of this name.
+bool isInPath(const char* name) {
+    const char* const variable = std::getenv("PATH");
+    std::istringstream directories(variable != nullptr ? variable : "/bin:/usr/bin");
+    for (std::string directory; std::getline(directories, directory, ':');) {
+        if (access((fs::path(directory) / name).c_str(), X_OK) == 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
 /// Opens an address or a file with the desktop's opener, or with GIO's if the first could not be
 /// started or found no application. Both are child processes, so the application gets its own
 /// session, and a hung session bus cannot block this process.
 std::error_code openWithDefaultApplication(const std::string& target) {
     std::error_code error;
     const auto deadline = std::chrono::steady_clock::now() + kLongestOpening;
-    const std::vector<std::string> commands[] = {{"xdg-open", target}, {"gio", "open", target}};
+    const std::vector<std::string> commands[] = {{kFirstOpener, target},
+                                                 {kSecondOpener, "open", target}};
     for (const auto& command : commands) {
         std::future<int> status;
         error = startChildProcess(command, status);
@@ -90,6 +109,10 @@ std::error_code openFile(const fs::path& file) {
 
 std::error_code openAddress(const std::string& address) {
     return openWithDefaultApplication(address);
+}
+
+std::string opener() {
+    return isInPath(kFirstOpener) ? kFirstOpener : isInPath(kSecondOpener) ? kSecondOpener : "";
 }
 
 } // namespace platform::desktop

@@ -5,10 +5,13 @@
 #include "platform/LastError.h"
 
 #include <cstdio>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include <fcntl.h>
 #include <gio/gio.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace platform::desktop {
@@ -66,6 +69,60 @@ bool undoMoveWithoutInfo(const FileDescriptor& item, const fs::path& origin) {
     return true;
 }
 
+dev_t deviceOf(const fs::path& path) {
+    struct stat status {};
+    return ::stat(path.c_str(), &status) == 0 ? status.st_dev : 0;
+}
+
+/// Returns the directory that GIO takes as the Trash of an item: one of the home, or of the user at
+/// the top of another file system. It need not exist.
+fs::path trashFor(const fs::path& item) {
+    const auto device = deviceOf(item);
+    if (device == deviceOf(g_get_home_dir())) {
+        return fs::path(g_get_user_data_dir()) / "Trash";
+    }
+    fs::path top = item;
+    while (top.has_relative_path() && deviceOf(top.parent_path()) == device) {
+        top = top.parent_path();
+    }
+    const std::string user = std::to_string(::getuid());
+    std::error_code error;
+    const auto shared = top / ".Trash" / user;
+    return fs::is_directory(shared, error) ? shared : top / (".Trash-" + user);
+}
+
+/// Looks whether entries can be made in a directory. If it is missing, the directory above it,
+/// which `directory` becomes, has to take it.
+std::error_code checkWritable(fs::path& directory) {
+    std::error_code error;
+    const auto isMissing = [&] {
+        return fs::symlink_status(directory, error).type() == fs::file_type::not_found;
+    };
+    while (directory.has_relative_path() && isMissing()) {
+        directory = directory.parent_path();
+    }
+    const auto status = fs::status(directory, error);
+    if (error || !fs::is_directory(status)) {
+        return error ? error : std::make_error_code(std::errc::not_a_directory);
+    }
+    return ::access(directory.c_str(), W_OK | X_OK) == 0 ? std::error_code() : lastError();
+}
+
+/// Looks whether GIO offers the move.
+std::error_code checkOffer(const fs::path& item) {
+    constexpr const char* kAttribute = G_FILE_ATTRIBUTE_ACCESS_CAN_TRASH;
+    GError* refusal = nullptr;
+    const Handle<GFileInfo, g_object_unref> info(g_file_query_info(
+        fileFor(item).get(), kAttribute, G_FILE_QUERY_INFO_NOFOLLOW_SYMLINKS, nullptr, &refusal));
+    if (!info) {
+        const Handle<GError, g_error_free> owned(refusal);
+        return errorOf(*refusal);
+    }
+    return g_file_info_get_attribute_boolean(info.get(), kAttribute) != FALSE
+               ? std::error_code()
+               : std::make_error_code(std::errc::not_supported);
+}
+
 } // namespace
 
 void prepareTrash() {} // GIO is there
@@ -87,21 +144,24 @@ std::error_code moveToTrash(const fs::path& item) {
                                              : std::error_code();
 }
 
-std::error_code checkTrash(const fs::path& item) {
+std::error_code checkTrash(const fs::path& item, fs::path& culprit) {
+    culprit = g_get_user_data_dir();
     if (!hasDataDirectory()) {
         return std::make_error_code(std::errc::invalid_argument);
     }
-    constexpr const char* kAttribute = G_FILE_ATTRIBUTE_ACCESS_CAN_TRASH;
-    GError* refusal = nullptr;
-    const Handle<GFileInfo, g_object_unref> info(g_file_query_info(
-        fileFor(item).get(), kAttribute, G_FILE_QUERY_INFO_NOFOLLOW_SYMLINKS, nullptr, &refusal));
-    if (!info) {
-        const Handle<GError, g_error_free> owned(refusal);
-        return errorOf(*refusal);
+    const auto trash = trashFor(item);
+    std::vector<fs::path> changed = {item.parent_path(), trash / "files", trash / "info"};
+    if (fs::is_directory(fs::symlink_status(item))) {
+        changed.push_back(item); // its entry ".." names another directory then
     }
-    return g_file_info_get_attribute_boolean(info.get(), kAttribute) != FALSE
-               ? std::error_code()
-               : std::make_error_code(std::errc::not_supported);
+    for (const auto& directory : changed) {
+        culprit = directory;
+        if (const auto error = checkWritable(culprit)) {
+            return error;
+        }
+    }
+    culprit = item;
+    return checkOffer(item);
 }
 
 } // namespace platform::desktop

@@ -95,6 +95,21 @@ std::string contentWith(std::string_view content, std::string_view key, std::str
     return result;
 }
 
+/// Reads the content that a write must keep, and makes the directory of a missing file.
+/// @return why the file cannot be written, as far as that is known before.
+std::error_code readForWriting(const fs::path& file, base::Data& content) {
+    if (file.empty()) {
+        return std::make_error_code(std::errc::no_such_file_or_directory);
+    }
+    makeDirectory(file.parent_path());
+    std::error_code error;
+    content = readRegularFile(file, kOwnLimit, error);
+    // A link that leads nowhere is no missing file: what it should lead to holds other values.
+    std::error_code ignored;
+    const bool isMissing = fs::symlink_status(file, ignored).type() == fs::file_type::not_found;
+    return isMissing ? std::error_code() : error;
+}
+
 } // namespace
 
 UserDefaults::UserDefaults(const std::string& domain) {
@@ -125,18 +140,17 @@ std::optional<base::Timestamp> UserDefaults::date(std::string_view key) const {
 }
 
 std::error_code UserDefaults::setDate(std::string_view key, base::Timestamp moment) const {
-    if (file_.empty()) {
-        return std::make_error_code(std::errc::no_such_file_or_directory);
-    }
-    makeDirectory(file_.parent_path());
-    std::error_code error;
-    const auto content = readRegularFile(file_, kOwnLimit, error);
-    std::error_code ignored;
-    // A dangling link is an error, because its target may contain other values later.
-    if (error && fs::symlink_status(file_, ignored).type() != fs::file_type::not_found) {
-        return error;
-    }
-    return replaceFile(file_, contentWith(content, key, base::timestampText(moment)));
+    base::Data content;
+    const auto error = readForWriting(file_, content);
+    return error ? error
+                 : replaceFile(file_, contentWith(content, key, base::timestampText(moment)));
+}
+
+std::error_code UserDefaults::checkStoring() const {
+    base::Data content;
+    const auto error = readForWriting(file_, content);
+    // A full disk can still take an empty file.
+    return error ? error : checkReplacement(file_, contentWith(content, "check", "a value"));
 }
 
 FileLock UserDefaults::lock() const {

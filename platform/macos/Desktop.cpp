@@ -22,9 +22,9 @@ std::error_code moveToTrash(const std::filesystem::path& item) {
     return errorUnless(QFile::moveToTrash(QString::fromStdString(item.native())));
 }
 
-std::error_code checkTrash(const std::filesystem::path& item) {
-    // A move to the Trash changes the directory that contains the item.
-    return errorUnless(QFileInfo(QString::fromStdString(item.parent_path().native())).isWritable());
+std::error_code checkTrash(const std::filesystem::path& item, std::filesystem::path& culprit) {
+    culprit = item.parent_path(); // A move changes it.
+    return errorUnless(QFileInfo(QString::fromStdString(culprit.native())).isWritable());
 }
 
 std::error_code openFile(const std::filesystem::path& file) {
@@ -34,6 +34,10 @@ std::error_code openFile(const std::filesystem::path& file) {
 
 std::error_code openAddress(const std::string& address) {
     return errorUnless(QDesktopServices::openUrl(QUrl(QString::fromStdString(address))));
+}
+
+std::string opener() {
+    return "the system";
 }
 
 } // namespace platform::desktop

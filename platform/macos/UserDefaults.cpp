@@ -54,6 +54,11 @@ std::error_code UserDefaults::setDate(std::string_view key, base::Timestamp mome
                                                    : std::make_error_code(std::errc::io_error);
 }
 
+std::error_code UserDefaults::checkStoring() const {
+    return settingsIn(file_).isWritable() ? std::error_code()
+                                          : std::make_error_code(std::errc::permission_denied);
+}
+
 FileLock UserDefaults::lock() const {
     return FileLock(std::filesystem::path(file_).replace_extension(".lock"));
 }

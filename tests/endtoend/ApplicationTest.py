@@ -34,10 +34,12 @@ class StartTest(TestCase):
                 ([], {"HOME": "/proc/none"}, 1, f"(?s)cannot be stored: No such file .*{NO_DISPLAY}", False),
                 (["unknown"], {}, 1, NO_DISPLAY, True), (["--style=fusion"], {}, 1, NO_DISPLAY, True),
                 (["--chek"], {}, 2, "^There is no option --chek", False),
-                (["--check"], {}, 0, r"(?s)\[ok\] bundle: .*\[ok\] Trash: .*; a start works now; kept in", False),
+                (["--check"], {"QT_QPA_PLATFORM": "offscreen"}, 0,
+                 r"(?s)\[ok\] bundle: .*; a start runs now; .*\[not tested\] store service: .*\[ok\] display: ", False),
                 (["--check", "--jsn"], {}, 2, "^There is no option --jsn", False),
                 (["--check", "json"], {}, 2, "^There is no option json", False),
                 (["--style=fusion", "--json"], {}, 2, "^There is no option --json", False),
+                (["--ask"], {}, 2, "^There is no option --ask", False),
                 (["--version"], {}, 0, r"^Subscription Helper \d+\.\d+\.\d+\n$", False),
                 (["--help"], {}, 0, "Helps a customer to leave Acme Studio: ", False)):
             with self.subTest(words=words, variables=variables):
@@ -48,44 +50,72 @@ class StartTest(TestCase):
                 self.assertRegex(result.stdout + result.stderr, said)
                 self.assertEqual(stage.last_run() is not None, counts)
                 self.assertEqual(len(result.stderr.splitlines()), min(status, 1) + ("HOME" in variables))
-        result = subprocess.run([lonely, "--check", "--json"], text=True, capture_output=True, check=False)
-        self.assertEqual((result.returncode, json.loads(result.stdout)[0]["isRight"]), (1, False))
         stage.forget_last_run()
-        result = subprocess.run([lonely], env=stage.environment(), text=True, capture_output=True, check=False)
-        self.assertEqual((result.returncode, stage.last_run(), lonely.exists()), (1, None, True))
-        self.assertIn("Not started from an application bundle", result.stderr)
+        for words in ([], ["--check", "--json"]):
+            result = subprocess.run([lonely, *words], env=stage.environment(), text=True, capture_output=True,
+                                    check=False)
+            self.assertEqual((result.returncode, result.stdout, stage.last_run(), lonely.exists()), (1, "", None, True))
+            self.assertRegex(result.stderr, "^[^\n]* Cannot start outside of an application bundle: [^\n]*\n$")
 
-    def test_a_check_names_what_is_not_right(self):
-        def library_of(stage, name):
-            return stage.bundle / f"Contents/Frameworks/SubscriptionHelper{name}.so"
-
-        def remove(name):
-            return lambda stage: library_of(stage, name).unlink()
+    def test_a_check_names_each_failure_and_the_next_step(self):
+        def missing(name):
+            return lambda stage: (stage.bundle / f"Contents/Frameworks/SubscriptionHelper{name}.so").unlink()
 
         def cut(stage):
-            library_of(stage, "Desktop").write_text("")
+            (stage.bundle / "Contents/Frameworks/SubscriptionHelperDesktop.so").write_text("")
 
-        library, reference = {"application library"}, {"subscription reference"}
-        for number, (spoil, variables, wrong) in enumerate((
-                (lambda stage: None, {}, set()),
-                (lambda stage: None, {"XDG_DATA_HOME": "relative"}, {"Trash"}),
-                (lambda stage: None, {"TMPDIR": "/proc", "HOME": "/proc"}, {"Trash"} | reference),
-                (lambda stage: stage.set_reference(" \t"), {}, reference),
-                (lambda stage: (stage.program().with_name("Uninstall Acme Studio")).chmod(0o644), {}, {"uninstaller"}),
-                (lambda stage: None, {}, {"bundle"}),
-                (cut, {}, {"Trash"} | library),
-                (remove("Desktop"), {}, {"Trash"} | library),
-                (remove("Fetch"), {}, library), (remove("Application"), {}, library))):
+        def spoil_trash(stage):
+            (stage.home / ".local/share").mkdir(parents=True)
+            (stage.home / ".local/share/Trash").touch()
+
+        def fill(stage):
+            (stage.config / f"{HELPER_DOMAIN}.conf").write_text("=" * 65537)
+
+        def occupy(suffix):
+            return lambda stage: (stage.config / (HELPER_DOMAIN + suffix)).mkdir()
+
+        def tell(reference):
+            return lambda stage: stage.set_reference(reference)
+
+        def spoil_uninstaller(stage):
+            stage.program().with_name("Uninstall Acme Studio").chmod(0o644)
+
+        def record(fields):
+            return f"<subscription>{fields}</subscription>"
+
+        own, account, store, reference = {"last run"}, {"account page"}, {"store service"}, {"subscription reference"}
+        libraries = {"application libraries"}
+        for number, (spoil, variables, answer, wrong) in enumerate((
+                (None, {}, None, set()), (None, {}, record("<customerUrl>http://host/</customerUrl>"), set()),
+                (None, {}, record("<customerUrl>file:///x</customerUrl>"), account), (None, {}, record(""), account),
+                (None, {"PATH": "/nowhere"}, None, account), (None, {}, "<html/>", store),
+                (None, {}, record("<end>2026-01-31</end>"), store),
+                (None, {"http_proxy": "127.0.0.1:9"}, record(""), store),
+                (None, {"XDG_DATA_HOME": "relative"}, None, {"Trash"}), (spoil_trash, {}, None, {"Trash"}),
+                (None, {"TMPDIR": "/proc", "HOME": "/proc"}, None, {"Trash"} | reference | own),
+                (fill, {}, None, own), (occupy(".conf.new"), {}, None, own), (occupy(".lock"), {}, None, own),
+                (tell(" \t"), {}, None, reference), (tell("A B"), {}, record(""), reference),
+                (spoil_uninstaller, {}, None, {"uninstaller"}), (None, {}, None, {"bundle"}),
+                (None, {"QT_QPA_PLATFORM": "nosuch"}, None, {"display"}), (cut, {}, None, libraries),
+                (missing("Desktop"), {}, None, libraries), (missing("Fetch"), {}, None, libraries))):
             place = "no UTF-8: \udce9" if wrong == {"bundle"} else "Applications"
             stage = self.make_stage(str(number), applications=place)
-            spoil(stage)
-            result = subprocess.run([stage.program(), "--json", "--check"], text=True, capture_output=True,
-                                    check=False, env=stage.environment({"PATH": "/usr/bin"}) | variables)
-            found = json.loads(result.stdout)
-            self.assertEqual({each["what"] for each in found if not each["isRight"]}, wrong, found)
-            self.assertEqual((result.returncode, result.stderr, stage.last_run()), (bool(wrong), "", None))
-            if library <= wrong and spoil != cut:  # missed before there is a window
-                self.assertRegex(stage.run({"PATH": "/usr/bin"})[1], "^[^\n]*The application cannot be loaded: .*\n$")
+            if spoil:
+                spoil(stage)
+            environment = stage.environment({"PATH": "/usr/bin", "QT_QPA_PLATFORM": "offscreen"}) | variables
+            with self.subTest(number), Store(BUILD, "--answer", answer) if answer else contextlib.nullcontext():
+                result = subprocess.run([stage.program(), "--json", "--check", *(["--ask"] if answer else [])],
+                                        text=True, capture_output=True, check=False, env=environment)
+                found = json.loads(result.stdout)
+                self.assertEqual({each["name"] for each in found if each["passed"] is False}, wrong, found)
+                self.assertEqual({each["name"] for each in found if "; next step: " in each["detail"]}, wrong)
+                self.assertEqual((result.returncode, result.stderr, stage.last_run()), (bool(wrong), "", None))
+                if wrong == libraries and spoil != cut:  # missed before there is a window
+                    said = stage.run({"PATH": "/usr/bin"})[1]
+                    self.assertRegex(said, "^[^\n]*The application cannot be loaded: .*\n$")
+        missing("Application")(stage)
+        stage.forget_last_run()
+        self.assertRegex(stage.run({"PATH": "/usr/bin"})[1], "^[^\n]*The application cannot be loaded: .*\n$")
 
     def test_of_simultaneous_starts_exactly_one_goes_on(self):
         # The one that goes on notices that there is no display and ends with status 1.
@@ -349,8 +379,8 @@ class DesktopTest(TestCase):
                 self.assertEqual(opened.exists(), answers)
                 time.sleep(0.5)
                 self.window.keys("Return")
-                self.assertRegex(self.finish(process), "(?s)still running after 5 seconds and may not have opened http://"
-                                 ".*cancellation not confirmed, account page opened;")
+                self.assertRegex(self.finish(process), "(?s)still running after 5 seconds and may not have opened "
+                                 "http://.*cancellation not confirmed, account page opened;")
                 stage.note.unlink()
                 shutil.rmtree(stage.home / ".local")
                 shutil.copytree(kept, stage.bundle, symlinks=True)

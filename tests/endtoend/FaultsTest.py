@@ -197,11 +197,13 @@ class MountsTest(RemovalCase):
     def on_a_read_only_one(self):
         self.mount("--bind", self.bundle.parent, self.bundle.parent)
         self.mount("-o", "remount,bind,ro", self.bundle.parent)
-        self.assertEqual((self.step("launch"), self.step("trash")), (0, 1))
+        self.assertEqual((self.step("launch"), self.step("check"), self.step("trash")), (0, 1, 1))
 
     def on_another_one_than_home(self):
         self.mount_tmpfs(self.bundle.parent, "8m")
-        self.assert_whole(self.step("trash"))
+        check, status = self.step("check"), self.step("trash")
+        self.assertEqual(check, status)
+        self.assert_whole(status)
 
     def on_one_with_large_inode_numbers(self):
         other = self.folder / "other"
@@ -219,7 +221,7 @@ class MountsTest(RemovalCase):
         self.mount("--bind", self.bundle.parent, self.bundle.parent)
         self.mount("-o", "remount,bind,ro", home)
         self.mount("-t", "tmpfs", "tmpfs", home / "run")
-        self.assertEqual((self.step("launch"), self.step("trash")), (0, 1))
+        self.assertEqual((self.step("launch"), self.step("check"), self.step("trash")), (0, 1, 1))
 
     def on_a_full_one(self):
         self.mount_tmpfs(self.folder / "home", "1m")
@@ -242,7 +244,7 @@ class MountsTest(RemovalCase):
 
     def with_a_relative_data_directory(self):
         self.environment["XDG_DATA_HOME"] = "data"
-        self.assertEqual(self.step("trash"), 1)
+        self.assertEqual((self.step("check"), self.step("trash")), (1, 1))
 
     def with_a_system_log(self):
         self.mount("-t", "tmpfs", "tmpfs", "/dev")

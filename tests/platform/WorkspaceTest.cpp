@@ -239,6 +239,10 @@ TEST_F(WorkspaceTest, TakesTheFirstPlaceThatIsTheUsersOwn) {
         arrange();
         auto found = replaceableTemporaryFile(owner, "copy", 0);
         EXPECT_EQ(found.value_or(""), expected / "copy") << what;
+        test::writeFile(found.value_or("lost"), "earlier");
+        EXPECT_EQ(checkedTemporaryFile(owner, "copy", 7), found) << what;
+        EXPECT_EQ(checkedTemporaryFile(owner, "copy", UINTMAX_MAX / 2), std::nullopt) << what;
+        EXPECT_TRUE(fs::exists(*found)) << what;
         found = found.value_or("").parent_path();
         EXPECT_EQ(fs::status(*found).permissions(), fs::perms::owner_all) << what;
         fs::permissions(TestHome::path(), fs::perms::owner_all);

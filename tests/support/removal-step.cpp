@@ -1,6 +1,8 @@
-// Carries out one step of the removal: `removal-step launch|trash BUNDLE`, where BUNDLE takes the
-// place of the program's own bundle.
+// Carries out one step of the removal, or checks whether the bundle can go to the Trash:
+// `removal-step launch|check|trash BUNDLE`, where BUNDLE takes the place of the program's own
+// bundle.
 #include "housekeeping/HelperUtilities.h"
+#include "platform/Desktop.h"
 #include "tests/support/TestHome.h"
 
 #include <filesystem>
@@ -13,7 +15,9 @@ int main(int argumentCount, char** arguments) {
     const std::string_view step = arguments[1];
     const std::filesystem::path bundle = arguments[2];
     test::setExecutablePath(bundle / "Contents" / "Linux" / bundle.stem());
-    const bool done = step == "trash" ? housekeeping::HelperUtilities::trash(bundle)
-                                      : housekeeping::HelperUtilities::launchUninstaller();
+    std::filesystem::path culprit;
+    const bool done = step == "trash"   ? housekeeping::HelperUtilities::trash(bundle)
+                      : step == "check" ? !platform::desktop::checkTrash(bundle, culprit)
+                                        : housekeeping::HelperUtilities::launchUninstaller();
     return done ? 0 : 1;
 }
