@@ -38,8 +38,9 @@ std::string linesOf(const std::vector<CheckResult>& results) {
 int printCheckResults(const std::vector<CheckResult>& results, bool asJSON) {
     const std::string text = asJSON ? jsonOf(results) : linesOf(results);
     const bool isWritten = std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0;
-    const bool hasFailure = std::any_of(results.begin(), results.end(),
-                                        [](const auto& result) { return result.passed == false; });
+    const bool hasFailure = std::any_of(results.begin(), results.end(), [](const auto& result) {
+        return !result.passed.value_or(true);
+    });
     return isWritten && !hasFailure ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
