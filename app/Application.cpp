@@ -110,8 +110,9 @@ int subscriptionHelperApplicationMain(const app::Options& options, int argumentC
     }
     useOwnPlugins();
     qInstallMessageHandler(reportMissingDisplay);
-    // By this name a Wayland desktop finds the entry, and so the icon, that belongs to the window.
+    // By these names Wayland and X11 desktops find the entry and the icon of the window.
     QApplication::setDesktopFileName(QStringLiteral(HELPER_IDENTIFIER));
+    QApplication::setApplicationName(QStringLiteral(HELPER_IDENTIFIER));
     const QApplication application(argumentCount, arguments);
     if (isCheck) {
         return finish(check, {});

@@ -16,12 +16,15 @@ std::string entry(std::string_view key) {
 } // namespace
 
 QString localized(std::string_view key) {
-    std::string text = entry(key);
-    if (text.find("%@") != std::string::npos) {
-        const std::string product = productName();
-        text = base::formatted(text, {product, product});
+    QString product = QString::fromStdString(productName());
+    if (textDirection() == Qt::RightToLeft) {
+        product.replace(QLatin1Char(' '), QChar::Nbsp);
     }
-    return QString::fromStdString(text);
+    return localized(key, product.toStdString());
+}
+
+QString localized(std::string_view key, const std::string& argument) {
+    return QString::fromStdString(base::formatted(entry(key), {argument, argument}));
 }
 
 std::string productName() {

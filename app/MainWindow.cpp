@@ -1,52 +1,64 @@
 #include "app/MainWindow.h"
 
+#include "app/ApplicationIcon.h"
+#include "app/FocusRing.h"
 #include "app/Localization.h"
-#include "platform/Bundle.h"
-#include "platform/File.h"
 #include "ui_MainWindow.h"
 
 #include <algorithm>
-#include <cstddef>
-#include <system_error>
+#include <chrono>
 
+#include <QAction>
 #include <QApplication>
+#include <QClipboard>
 #include <QCloseEvent>
-#include <QFocusFrame>
-#include <QIcon>
 #include <QKeyEvent>
 #include <QScreen>
 #include <QShortcut>
 #include <QStyle>
+#include <QWindow>
 
 namespace app {
+
+/// Margins, spaces and sizes, by the room that the screen has.
+struct Density {
+    bool hasIcon;
+    double headingScale;
+    QMargins contentMargins;
+    int contentSpacing;
+    int itemSpacing; // between paragraphs, and between buttons
+    QMargins sheetMargins;
+    QSize buttonRoom; // around a button's text, beyond the style's
+    QBoxLayout::Direction buttons;
+};
+
 namespace {
 
-constexpr int kTight = 6;           // margins and spaces on a small screen
-constexpr int kWidth = 540;         // of the window, in which a line has some sixty letters
-constexpr QSize kButtonRoom{20, 6}; // around a button's text, beyond what the style gives
-constexpr double kHeadingScale = 1.5;
+constexpr Density kRoomy{.hasIcon = true,
+                         .headingScale = 1.5,
+                         .contentMargins = {28, 28, 28, 20},
+                         .contentSpacing = 20,
+                         .itemSpacing = 10,
+                         .sheetMargins = {24, 18, 24, 18},
+                         .buttonRoom = {20, 6},
+                         .buttons = QBoxLayout::LeftToRight};
+constexpr Density kTight{.hasIcon = false,
+                         .headingScale = 1,
+                         .contentMargins = {6, 6, 6, 6},
+                         .contentSpacing = 6,
+                         .itemSpacing = 6,
+                         .sheetMargins = {8, 4, 8, 4},
+                         .buttonRoom = {0, 0},
+                         .buttons = QBoxLayout::LeftToRight};
+/// For buttons that do not fit beside each other.
+constexpr Density kStacked = [] {
+    Density density = kTight;
+    density.buttons = QBoxLayout::TopToBottom;
+    return density;
+}();
 
-/// The icon in the size in which it is shown, or in twice that, by its pixels as they are: to read
-/// a file of any format, Qt loads all its plugins for formats.
-QPixmap applicationIcon() {
-    constexpr int kSide = 64;
-    const bool isDense = qApp->devicePixelRatio() > 1;
-    const int side = isDense ? 2 * kSide : kSide;
-    const std::size_t size =
-        std::size_t{4} * static_cast<unsigned>(side) * static_cast<unsigned>(side);
-    const auto bundle = platform::Bundle::mainBundle();
-    const auto path = bundle ? bundle->pathForResource(isDense ? "AppIcon@2x.rgba" : "AppIcon.rgba")
-                             : std::nullopt;
-    std::error_code error;
-    const auto pixels = path ? platform::readRegularFile(*path, size, error) : base::Data();
-    if (pixels.size() != size) {
-        return {};
-    }
-    QPixmap icon = QPixmap::fromImage(
-        QImage(reinterpret_cast<const uchar*>(pixels.data()), side, side, QImage::Format_RGBA8888));
-    icon.setDevicePixelRatio(isDense ? 2 : 1);
-    return icon;
-}
+constexpr std::chrono::seconds kGuard{1};
+constexpr int kWidth = 540; // of the window, in which a line has some sixty letters
 
 /// The texts of the window description are the keys of the localized texts.
 template <class Widget>
@@ -71,15 +83,8 @@ void localizeAccessibleTexts(const QWidget& window) {
     }
 }
 
-void giveRoom(QPushButton& button) {
-    button.setMinimumSize(button.sizeHint() + kButtonRoom);
-}
-
-void setHeading(QLabel& label) {
-    QFont font = label.font();
-    font.setPointSizeF(font.pointSizeF() * kHeadingScale);
-    font.setBold(true);
-    label.setFont(font);
+bool fits(const QSize& size, const QSize& room) {
+    return size.boundedTo(room) == size;
 }
 
 } // namespace
@@ -87,7 +92,11 @@ void setHeading(QLabel& label) {
 MainWindow::MainWindow() : QDialog(nullptr, Qt::Window), ui_(std::make_unique<Ui::MainWindow>()) {
     ui_->setupUi(this);
     localize();
-    setLooks();
+    const QPixmap icon = applicationIcon();
+    setWindowIcon(icon);
+    ui_->iconLabel->setPixmap(icon);
+    guard_.setSingleShot(true);
+    guard_.setTimerType(Qt::PreciseTimer);
     connectControls();
 }
 
@@ -103,16 +112,6 @@ void MainWindow::localize() {
     ui_->cancelButton->setShortcut(Qt::Key_Escape); // after its text, which resets the shortcut
 }
 
-void MainWindow::setLooks() {
-    setHeading(*ui_->headingLabel);
-    for (auto* button : {ui_->removeButton, ui_->cancelButton, ui_->mainButton}) {
-        giveRoom(*button);
-    }
-    const QPixmap icon = applicationIcon();
-    setWindowIcon(icon);
-    ui_->iconLabel->setPixmap(icon);
-}
-
 void MainWindow::connectControls() {
     connect(ui_->mainButton, &QPushButton::clicked, this, &MainWindow::mainButtonPressed);
     connect(ui_->cancelButton, &QPushButton::clicked, this, &MainWindow::cancelButtonPressed);
@@ -120,27 +119,39 @@ void MainWindow::connectControls() {
         setRemovalOffered(false); // one press is one removal
         emit removalRequested();
     });
-    // Some styles show no focus on a default button, or none before the first Tab.
-    auto* focusFrame = new QFocusFrame(this);
-    connect(qApp, &QApplication::focusChanged, focusFrame, [=, this](auto* /*old*/, QWidget* now) {
-        auto* const button = qobject_cast<QPushButton*>(now);
-        focusFrame->setWidget(button);
-        if (button != nullptr) {
-            ui_->scrollArea->ensureWidgetVisible(button);
+    connect(&guard_, &QTimer::timeout, this, [this] { ui_->removeButton->setEnabled(true); });
+    auto* ring = new FocusRing(this);
+    connect(qApp, &QApplication::focusChanged, ring, [=, this](QWidget* old, QWidget* now) {
+        const bool isControl = ui_->content->isAncestorOf(now);
+        ring->setWidget(isControl ? now : nullptr);
+        // A window that has just become active stays scrolled to its top.
+        if (isControl && old != nullptr) {
+            ui_->scrollArea->ensureWidgetVisible(now);
         }
     });
     const auto* quit = new QShortcut(QKeySequence::Quit, this);
     connect(quit, &QShortcut::activated, this, &MainWindow::quitRequested);
 }
 
-void MainWindow::present() {
+void MainWindow::present(const std::string& reference) {
     setWindowTitle(QString::fromStdString(productName()));
+    showReference(reference);
     fit();
     move(screen()->availableGeometry().center() - QRect({}, size() + frame()).center());
+    ui_->removeButton->setEnabled(false);
     show();
+    windowHandle()->installEventFilter(this);
     raise();
     activateWindow();
     ui_->mainButton->setFocus();
+}
+
+void MainWindow::showReference(const std::string& reference) {
+    ui_->referenceLabel->setText(localized("Subscription reference: %@", reference));
+    auto* copy = new QAction(localized("Copy"), ui_->referenceLabel);
+    connect(copy, &QAction::triggered, this,
+            [=] { QApplication::clipboard()->setText(QString::fromStdString(reference)); });
+    ui_->referenceLabel->addAction(copy);
 }
 
 void MainWindow::offerRemoval() {
@@ -148,13 +159,17 @@ void MainWindow::offerRemoval() {
 }
 
 void MainWindow::setRemovalOffered(bool isOffered) {
+    guard_.stop();
     for (auto* button : {ui_->removeButton, ui_->cancelButton}) {
         button->setEnabled(isOffered); // assistive technology can press what cannot be seen
         button->setVisible(isOffered);
     }
+    // The message would announce what has already begun. Its area keeps the room.
+    ui_->message->setVisible(isOffered);
+    setAccessibleDescription(isOffered ? ui_->headingLabel->text() : QString());
     ui_->mainButton->setText(localized(isOffered ? "&Keep Subscription" : "&Close"));
     ui_->mainButton->setAccessibleDescription(localized(
-        isOffered ? "Closes this helper and keeps your subscription." : "Closes this helper."));
+        isOffered ? "Closes this helper. Your subscription continues." : "Closes this helper."));
 }
 
 /// What a window manager puts round the window, before it has told.
@@ -167,55 +182,101 @@ QSize MainWindow::room() const {
     return screen()->availableGeometry().size() - frame();
 }
 
-/// Takes the size that its texts need, within the screen; what is beyond it can be scrolled to. The
-/// user cannot change it, as nothing is gained by more and lines would be cut by less.
+void MainWindow::setDensity(const Density& density) {
+    ui_->iconLabel->setVisible(density.hasIcon);
+    QFont font = this->font();
+    font.setPointSizeF(font.pointSizeF() * density.headingScale);
+    font.setBold(true);
+    ui_->headingLabel->setFont(font);
+    ui_->contentLayout->setContentsMargins(density.contentMargins);
+    ui_->contentLayout->setSpacing(density.contentSpacing);
+    ui_->textLayout->setSpacing(density.itemSpacing);
+    ui_->buttonLayout->setSpacing(density.itemSpacing);
+    ui_->buttonLayout->setDirection(density.buttons);
+    ui_->sheetLayout->setContentsMargins(density.sheetMargins);
+    for (auto* button : {ui_->removeButton, ui_->cancelButton, ui_->mainButton}) {
+        button->setMinimumSize(button->sizeHint() + density.buttonRoom);
+    }
+}
+
+/// The size in which no text is cut, within the screen's width if possible.
+QSize MainWindow::neededSize() const {
+    QLayout& layout = *ui_->contentLayout;
+    // A layout learns only later of a change in another widget's layout.
+    for (QLayout* each : {static_cast<QLayout*>(ui_->messageLayout),
+                          static_cast<QLayout*>(ui_->messageAreaLayout), &layout}) {
+        each->invalidate();
+        each->activate();
+    }
+    const int width = std::max(layout.minimumSize().width(), std::min(kWidth, room().width()));
+    return {width, layout.totalHeightForWidth(width)};
+}
+
+/// Takes the size that its texts need, within the screen. What is beyond it can be scrolled to. The
+/// user cannot change the size: more would show nothing else, and less would cut lines.
 void MainWindow::fit() {
     const QSize room = this->room();
-    QLayout& layout = *ui_->content->layout();
-    const auto needed = [&] {
-        layout.activate();
-        const int width = std::min(std::max(layout.minimumSize().width(), kWidth), room.width());
-        return QSize(width, layout.totalHeightForWidth(width));
-    };
-    QSize size = needed();
-    if (layout.minimumSize().width() > room.width() || size.height() > room.height()) {
-        ui_->iconLabel->hide();
-        layout.setContentsMargins(kTight, kTight, kTight, kTight);
-        for (QLayout* each : {&layout, static_cast<QLayout*>(ui_->textLayout),
-                              static_cast<QLayout*>(ui_->buttonLayout)}) {
-            each->setSpacing(kTight);
-        }
-        size = needed();
+    setDensity(kRoomy);
+    if (!fits(neededSize(), room)) {
+        setDensity(kTight);
     }
-    if (layout.minimumSize().width() > room.width()) {
-        ui_->buttonLayout->setDirection(QBoxLayout::TopToBottom);
-        size = needed();
+    if (neededSize().width() > room.width()) {
+        setDensity(kStacked);
     }
-    setFixedSize(size.boundedTo(room));
+    setFixedSize(neededSize().boundedTo(room));
 }
 
 void MainWindow::beginProgress() {
     ui_->spinner->startAnimation();
-    ui_->progressSheet->beginSheet(*ui_->content);
+    ui_->progressSheet->beginSheet(*ui_->content, *ui_->messageArea);
     ui_->progressLabel->setFocus();
 }
 
 void MainWindow::showProgress(const QString& text) {
     ui_->progressLabel->setText(text);
-    if (const int missing = ui_->progressSheet->missingHeight(); missing > 0) {
+    growForProgress();
+}
+
+void MainWindow::growForProgress() {
+    const int missing = ui_->progressSheet->missingHeight();
+    if (missing > 0) {
         setFixedHeight(std::min(height() + missing, room().height()));
-        // Not every window manager moves up what has grown beyond the screen, and none at once.
-        const QRect available = screen()->availableGeometry();
-        const int beyond = frameGeometry().bottom() - available.bottom();
-        if (beyond > 0) {
-            move(pos().x(), std::max(available.top(), pos().y() - beyond));
-        }
+        stayOnScreen();
+    }
+}
+
+/// Moves the window if it has grown beyond the screen. Not every window manager does, and none at
+/// once.
+void MainWindow::stayOnScreen() {
+    const QRect available = screen()->availableGeometry();
+    const QPoint beyond = frameGeometry().bottomRight() - available.bottomRight();
+    if (beyond.x() > 0 || beyond.y() > 0) {
+        move(std::max(available.left(), pos().x() - std::max(0, beyond.x())),
+             std::max(available.top(), pos().y() - std::max(0, beyond.y())));
     }
 }
 
 void MainWindow::endProgress(int returnCode) {
     ui_->progressSheet->endSheet(returnCode);
     ui_->mainButton->setFocus();
+}
+
+void MainWindow::changeEvent(QEvent* event) {
+    QDialog::changeEvent(event);
+    if (event->type() == QEvent::WindowStateChange && (isMaximized() || isFullScreen())) {
+        showNormal(); // some desktops offer it for a window of a fixed size
+    }
+    if (isVisible() &&
+        (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)) {
+        // Later, because the children follow the desktop's theme after the window.
+        QTimer::singleShot(0, this, [this] {
+            fit();
+            stayOnScreen();
+            if (ui_->progressSheet->isVisible()) {
+                growForProgress();
+            }
+        });
+    }
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
@@ -226,10 +287,21 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     }
 }
 
+bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Expose && windowHandle()->isExposed()) {
+        watched->removeEventFilter(this); // on the screen for the first time
+        guard_.start(kGuard);
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
 void MainWindow::keyPressEvent(QKeyEvent* event) {
-    // The second button has Escape as its shortcut. While it is disabled the key must do nothing,
-    // rather than close the window, as it does in other dialogs.
+    // The second button has Escape as its shortcut. Without that button the key presses Close, but
+    // never while the sheet is modal, when it would close other dialogs.
     if (event->matches(QKeySequence::Cancel)) {
+        if (!ui_->progressSheet->isSessionRunning()) {
+            ui_->mainButton->click();
+        }
         return;
     }
     // Return presses the button that has the focus, as people expect who cannot see which is the

@@ -1,15 +1,18 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 #include <QDialog>
+#include <QTimer>
 
-class QPushButton;
 namespace Ui {
 class MainWindow;
 }
 
 namespace app {
+
+struct Density;
 
 /// The helper's one window: its texts in the user's language, its controls, and the progress sheet
 /// that hangs in it. It decides nothing: what a control is for is the business of whoever is
@@ -23,11 +26,14 @@ class MainWindow final : public QDialog {
     MainWindow();
     ~MainWindow() override;
 
-    /// Shows the window in the middle of its screen, in front of whatever the user works in.
-    void present();
-    /// Offers the removal (again): its control and the second button are there, and the main button
-    /// keeps the subscription. A press of the first takes both away, and the main button is left,
-    /// to close the window.
+    /// Shows the window in the middle of its screen, in front of whatever the user works in. The
+    /// removal's control is disabled until the window has been on the screen for a second, because
+    /// a click or key in flight is meant for another window.
+    /// @param reference the user's subscription reference, which the window shows.
+    void present(const std::string& reference);
+    /// Offers the removal (again), at once: its control and the second button are there, and the
+    /// main button keeps the subscription. A press of the first takes both away, with the message,
+    /// and the main button is left, to close the window.
     void offerRemoval();
     /// Starts the spinner and shows the sheet, modal for the window, which cannot be closed then.
     /// Its text has the focus.
@@ -48,19 +54,26 @@ class MainWindow final : public QDialog {
     void quitRequested();
 
   protected:
+    void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
     void localize();
-    void setLooks();
     void connectControls();
+    void showReference(const std::string& reference);
     void setRemovalOffered(bool isOffered);
     [[nodiscard]] QSize frame() const;
     [[nodiscard]] QSize room() const;
+    void setDensity(const Density& density);
+    [[nodiscard]] QSize neededSize() const;
     void fit();
+    void growForProgress();
+    void stayOnScreen();
 
     std::unique_ptr<Ui::MainWindow> ui_;
+    QTimer guard_; // until the removal's control is enabled
 };
 
 } // namespace app

@@ -1,15 +1,18 @@
 #include "app/ProgressSheet.h"
 
-#include <algorithm>
+#include "app/Contrast.h"
 
 #include <QEvent>
 #include <QLayout>
+#include <QPainter>
 #include <QPalette>
+#include <QScrollArea>
 
 namespace app {
 namespace {
 
-constexpr int kBackdropOpacity = 90; // of 255: the window stays recognisable, the sheet stands out
+constexpr int kBackdropOpacity = 90; // of 255: the window stays recognizable, the sheet stands out
+constexpr qreal kRadius = 8;
 
 QWidget* makeBackdrop(QWidget* window) {
     auto* backdrop = new QWidget(window);
@@ -25,17 +28,18 @@ QWidget* makeBackdrop(QWidget* window) {
 
 ProgressSheet::ProgressSheet(QWidget* parent) : QFrame(parent) {
     setVisible(false);
-    setAutoFillBackground(true);
-    parent->installEventFilter(this);
 }
 
-void ProgressSheet::beginSheet(QWidget& content) {
+void ProgressSheet::beginSheet(QWidget& content, QWidget& covered) {
     // Disabled as well as covered: keyboard and assistive technology do not come through the
     // backdrop.
     content_ = &content;
     content.setEnabled(false);
     if (!isSessionRunning()) {
         backdrop_ = makeBackdrop(parentWidget());
+        covered_ = &covered;
+        covered.installEventFilter(this);
+        parentWidget()->installEventFilter(this);
     }
     place();
     backdrop_->show();
@@ -52,40 +56,34 @@ void ProgressSheet::endSheet(int returnCode) {
     }
 }
 
-bool ProgressSheet::event(QEvent* event) {
-    if (event->type() == QEvent::LayoutRequest) {
-        place(); // another text may need more lines
-    }
-    return QFrame::event(event);
-}
-
 bool ProgressSheet::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == parentWidget() && event->type() == QEvent::Resize) {
+    if (event->type() == QEvent::Resize || event->type() == QEvent::Move) {
         place();
     }
     return QFrame::eventFilter(watched, event);
 }
 
-QRect ProgressSheet::messageArea() const {
-    const QLayout* layout = content_ ? content_->layout() : nullptr;
-    if (layout == nullptr) {
-        return parentWidget()->rect();
-    }
-    QRect area = layout->itemAt(0)->geometry();
-    area.moveTopLeft(content_->mapTo(parentWidget(), area.topLeft()));
-    return area.adjusted(0, 0, 0, layout->spacing() / 3);
+void ProgressSheet::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(visibleColor(palette().color(QPalette::Mid), palette()));
+    painter.setBrush(palette().window());
+    constexpr qreal kHalf = 0.5; // a line one pixel wide lies on whole pixels
+    painter.drawRoundedRect(QRectF(rect()).adjusted(kHalf, kHalf, -kHalf, -kHalf), kRadius,
+                            kRadius);
 }
 
 int ProgressSheet::missingHeight() const {
-    return layout()->totalHeightForWidth(width()) - messageArea().bottom();
+    const auto& text = *findChild<QScrollArea*>();
+    return text.widget()->heightForWidth(text.width()) - text.height();
 }
 
 void ProgressSheet::place() {
-    // It covers the message, the content's first item, whole, so that no half lines look out from
-    // under it, and leaves the buttons below it visible.
-    const QRect area = messageArea();
-    const int height = std::max(area.bottom(), layout()->totalHeightForWidth(area.width()));
-    setGeometry(area.left(), 0, area.width(), height);
+    const QPoint corner = covered_->mapTo(parentWidget(), QPoint());
+    const QLayout& layout = *covered_->parentWidget()->layout();
+    const int margin = layout.contentsMargins().left() / 2;
+    setGeometry(
+        QRect(corner, covered_->size()).adjusted(-margin, -margin, margin, layout.spacing() / 2));
     if (backdrop_) {
         backdrop_->setGeometry(parentWidget()->rect());
     }

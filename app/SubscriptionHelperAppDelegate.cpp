@@ -26,24 +26,31 @@ struct Step {
     const char* name;
     const char* progress;
 };
-constexpr Step kCancel{"canceling the subscription", "Canceling your subscription ..."};
+constexpr Step kCancel{"canceling the subscription",
+                       "Canceling your subscription. This can take up to half a minute."};
 constexpr Step kUninstall{"starting the uninstaller", "Launching the Uninstaller ..."};
 constexpr Step kTrash{
     "moving the bundle to the Trash",
-    "Moving this helper to the Trash. This is the last step: once you can press Close, you are "
-    "done.\n\nIf your account page opened in the browser, please finish canceling there."};
+    "Last step: moving this helper to the Trash. Once you can press Close, the helper has "
+    "finished.\n\nYour subscription ends only if the store confirms it. If your account page "
+    "opened "
+    "in the browser, cancel there. If no confirmation arrives, contact %@ support and quote the "
+    "reference below."};
 
 /// The name of the step that the removal worker carries out, or null if it does not run. For all
 /// delegates, because the end of the process reads it.
 std::atomic<const char*> runningStep = nullptr;
 
-/// Opens the page where the customer can cancel the subscription.
+/// Opens the page where the customer can cancel the subscription: `url`, or the company's own page
+/// if the store service gave no address.
 /// @return the outcome for the log.
 std::string openAccountPage(const AtomicText::Value& url) {
-    if (!url) {
+    const std::string page =
+        url && !url->empty() ? *url : HelperUtilities::accountPageOfLastResort();
+    if (page.empty()) {
         return "account page unknown";
     }
-    const auto error = platform::workspace::openURL(*url);
+    const auto error = platform::workspace::openURL(page);
     return error ? "account page not opened (" + error.message() + ")" : "account page opened";
 }
 
@@ -86,7 +93,7 @@ void SubscriptionHelperAppDelegate::awakeFromNib() noexcept {
     }
     setSubscriptionReference(reference);
     setCustomerURL(subscription->customerURL);
-    window_->present();
+    window_->present(*reference);
 }
 
 void SubscriptionHelperAppDelegate::mainButton() {

@@ -60,7 +60,10 @@ int main(int argumentCount, char** arguments) {
 
     app::SubscriptionHelperAppDelegate delegate;
     delegate.awakeFromNib();
-    runUntil([] { return QApplication::activeWindow() != nullptr; });
+    runUntil([] {
+        const QWidget* window = QApplication::activeWindow();
+        return window != nullptr && window->findChild<QPushButton*>("removeButton")->isEnabled();
+    });
     QElapsedTimer sinceTurn;
     qint64 longest = 0;
     QTimer turn;

@@ -36,7 +36,7 @@ def set_chromium(stage, folder):
 
 
 def use_by_hand(stage):
-    print("The window is yours: press “Cancel Subscription and Remove”, then “Close”.", flush=True)
+    print("The window is yours: press “Cancel Subscription and Uninstall”, then “Close”.", flush=True)
     with (stage.home / "log").open("w") as log:
         return stage.start(log=log).wait()
 

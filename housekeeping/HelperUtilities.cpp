@@ -39,6 +39,12 @@ std::string HelperUtilities::uninstallerName() {
     return configured("Application Uninstaller");
 }
 
+std::string HelperUtilities::accountPageOfLastResort() {
+    constexpr std::string_view kKey = "Account Page";
+    const std::string page = configured(kKey);
+    return page == kKey ? std::string() : page;
+}
+
 bool HelperUtilities::trash(const fs::path& path) {
     return !platform::workspace::moveToTrash(path);
 }

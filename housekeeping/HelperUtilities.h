@@ -22,6 +22,10 @@ class HelperUtilities {
     /// that the product has no uninstaller.
     [[nodiscard]] static std::string uninstallerName();
 
+    /// Returns the address of the company's account page for customers without one of their own:
+    /// the value of "Account Page". Empty if the company has none, or if the table lacks the key.
+    [[nodiscard]] static std::string accountPageOfLastResort();
+
     /// Moves a file or bundle to the Trash.
     /// @return true if the item was moved. On false the item keeps its location, and the log is
     /// unchanged.

@@ -167,8 +167,11 @@ class Window:
                       "--sync")
 
     def press_remove(self):
-        """From the main button, which has the focus, to the removal control."""
-        self.keys("Tab", "Tab", "space")
+        """Presses the removal control by its English mnemonic, which does nothing until the window has been
+        seen for a second. Once more, because the start may be slow."""
+        for seconds in (1.2, 0.3):
+            time.sleep(seconds)
+            self.keys("alt+u")
 
     def _id(self):
         return self._xdotool("search", "--onlyvisible", "--name", self._pattern)[0]

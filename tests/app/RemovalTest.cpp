@@ -9,7 +9,9 @@
 
 #include <pthread.h>
 #include <QAccessible>
+#include <QAction>
 #include <QApplication>
+#include <QClipboard>
 #include <QLabel>
 #include <QPushButton>
 #include <QTest>
@@ -46,12 +48,14 @@ class Removal : public testing::Test {
         test::setStorePort(server_.port());
     }
 
-    /// The window once the start-up has presented it.
+    /// The window once the start-up has presented it and the removal is offered.
     QWidget* startUp() {
         delegate_.awakeFromNib();
-        return QTest::qWaitFor([] { return QApplication::activeWindow() != nullptr; }, 10000)
-                   ? QApplication::activeWindow()
-                   : nullptr;
+        const auto isOffered = [] {
+            QWidget* window = QApplication::activeWindow();
+            return window != nullptr && child<QPushButton>(*window, "removeButton").isEnabled();
+        };
+        return QTest::qWaitFor(isOffered, 10000) ? QApplication::activeWindow() : nullptr;
     }
 
     template <class Widget>
@@ -81,6 +85,11 @@ TEST_F(Removal, GoesThroughItsStepsAndLeavesTheSheetUp) {
     QWidget* window = startUp();
     ASSERT_NE(window, nullptr);
     EXPECT_EQ(delegate_.subscriptionReference(), "REF-1");
+    const auto& reference = child<QLabel>(*window, "referenceLabel");
+    EXPECT_EQ(reference.text(), QStringLiteral("Subscription reference: REF-1"));
+    EXPECT_TRUE(reference.textInteractionFlags() & Qt::TextSelectableByMouse);
+    reference.actions().constFirst()->trigger();
+    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("REF-1"));
     auto& label = child<QLabel>(*window, "progressLabel");
     auto& sheet = child<ProgressSheet>(*window, "progressSheet");
     auto& spinner = child<app::Spinner>(*window, "spinner");
@@ -110,9 +119,9 @@ TEST_F(Removal, GoesThroughItsStepsAndLeavesTheSheetUp) {
     auto& remove = child<QPushButton>(*window, "removeButton");
     remove.setFocus();
     QTest::keyClick(window, Qt::Key_Return); // presses what has the focus
-    press(*window);                          // and one press is one removal
-    EXPECT_EQ(window->focusWidget(), &label);
     EXPECT_TRUE(sheet.isVisible());
+    press(*window); // and one press is one removal
+    EXPECT_EQ(window->focusWidget(), &label);
     EXPECT_TRUE(sheet.isSessionRunning());
     EXPECT_EQ(child<QWidget>(*window, "backdrop").geometry(), window->rect());
     QTest::mouseClick(&close, Qt::LeftButton); // the backdrop and the disabled content take it
@@ -126,10 +135,12 @@ TEST_F(Removal, GoesThroughItsStepsAndLeavesTheSheetUp) {
     QAccessible::installUpdateHandler(nullptr);
 
     EXPECT_EQ(duringCancellation, "first");
-    EXPECT_THAT(announced, ElementsAre(QStringLiteral("Canceling your subscription ..."),
+    EXPECT_THAT(announced, ElementsAre(testing::Truly([](const QString& text) {
+                                           return text.startsWith(QLatin1String("Canceling"));
+                                       }),
                                        QStringLiteral("Launching the Uninstaller ..."),
                                        testing::Truly([](const QString& text) {
-                                           return text.startsWith(QLatin1String("Moving"));
+                                           return text.startsWith(QLatin1String("Last step"));
                                        })));
     EXPECT_THAT(server_.targets(),
                 ElementsAre("/fastspring.php?f=getsubscription&subscriptionRef=REF-1",
@@ -155,10 +166,15 @@ TEST_F(Removal, GoesThroughItsStepsAndLeavesTheSheetUp) {
 
 TEST_F(Removal, GoesOnWhateverFailsAndOpensNoAddressThatIsNone) {
     cancelReply_ = [] { return httpReply("<error>refused</error>"); };
-    const std::optional<std::string> rows[] = {std::nullopt, "file:///etc/passwd"};
-    for (const auto& url : rows) {
+    const std::tuple<std::optional<std::string>, const char*, const char*> rows[] = {
+        {std::nullopt, "", "account page unknown"},
+        {"file:///one", "\"Account Page\" = \"file:///two\";", "file:///one"},
+        {std::nullopt, "\"Account Page\" = \"file:///two\";", "file:///two"},
+        {"", "\"Account Page\" = \"file:///two\";", "file:///two"}};
+    for (const auto& [url, page, said] : rows) {
         const test::TestBundle bundle(bundle_.path());
-        bundle_.withResource("Configuration.strings", "\"Application Uninstaller\" = missing;");
+        bundle_.withResource("Configuration.strings",
+                             "\"Application Uninstaller\" = missing;" + std::string(page));
         test::writeFile(TestHome::path() / "data" / "Trash", "in the way");
         delegate_.setSubscriptionReference("REF-1");
         delegate_.setCustomerURL(url);
@@ -167,7 +183,7 @@ TEST_F(Removal, GoesOnWhateverFailsAndOpensNoAddressThatIsNone) {
         const bool removed = waitUntilRemoved();
         const std::string log = testing::internal::GetCapturedStderr();
         ASSERT_TRUE(removed);
-        EXPECT_THAT(log, HasSubstr(url ? "not a web address" : "account page unknown"));
+        EXPECT_THAT(log, HasSubstr(said));
         EXPECT_THAT(log, HasSubstr("Uninstaller is not found at path: (null)"));
         EXPECT_THAT(log, HasSubstr("Could not trash '" + bundle_.path().native() + "'"));
         EXPECT_TRUE(fs::exists(bundle_.path()));

@@ -3,6 +3,7 @@
 import contextlib
 import re
 import subprocess
+import time
 import unittest
 
 from tests.endtoend.support import BUILD, TestCase
@@ -10,7 +11,7 @@ from kit.desktop import desktop, end, wait_for, wayland_desktop
 from kit.stage import PROJECT, Store
 
 ACCESSIBLE = "org.a11y.atspi.Accessible"
-FOCUSED = 1 << 12  # ATSPI_STATE_FOCUSED
+FOCUSED, SHOWING = 1 << 12, 1 << 25  # ATSPI_STATE_...
 REMOVE = "Cancels the subscription, starts the uninstaller and moves this helper to the Trash."
 
 
@@ -23,13 +24,14 @@ def texts_of(language):
 
 def window(texts):
     """Role, name and description of everything in the window."""
-    title = texts["Leave %@?"]
+    title = texts["Cancel your %@ subscription?"]
     return {
         ("dialog", "Acme Studio", title), ("graphic", "Acme Studio", ""), ("label", title, ""),
-        *(("label", text, "") for key, text in texts.items() if key.startswith(("Your sub", "If the store"))),
-        ("push button", texts["Cancel Subscription and &Remove"], texts[REMOVE]),
-        ("push button", texts["Not Now"], texts["Closes this helper. You can decide later."]),
-        ("push button", texts["&Keep Subscription"], texts["Closes this helper and keeps your subscription."]),
+        *(("label", text, "") for key, text in texts.items() if key.startswith(("Your sub", "If "))),
+        ("label", texts["Subscription reference: %@"].replace("Acme Studio", "DEMO-1001"), ""),
+        ("push button", texts["Cancel Subscription and &Uninstall"], texts[REMOVE]),
+        ("push button", texts["Not Now"], texts["Closes this helper. You can open it again after four hours."]),
+        ("push button", texts["&Keep Subscription"], texts["Closes this helper. Your subscription continues."]),
         ("frame", texts["Progress"], ""), ("animation", texts["Working"], "")}
 
 
@@ -55,13 +57,12 @@ class AccessibilityTest(TestCase):
             found |= self.tree(child)
         return found
 
-    def focused(self):
-        """The name of what has the focus."""
+    def names(self, state):
+        """The names of everything that has a state."""
         with contextlib.suppress(subprocess.CalledProcessError):  # something has just gone
-            for (_, name, _), place in self.tree().items():
-                if int(re.search(r"uint32 (\d+)", self.ask(place, f"{ACCESSIBLE}.GetState")).group(1)) & FOCUSED:
-                    return name
-        return None
+            return [name for (_, name, _), place in self.tree().items()
+                    if int(re.search(r"uint32 (\d+)", self.ask(place, f"{ACCESSIBLE}.GetState")).group(1)) & state]
+        return []
 
     def check(self, environment, language, has_keyboard):
         self.environment = environment | {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1", "LANGUAGE": language}
@@ -78,12 +79,16 @@ class AccessibilityTest(TestCase):
                 tree = self.tree()
                 self.assertLessEqual(window(texts), set(tree))
                 if has_keyboard:
-                    self.assertEqual(self.focused(), texts["&Keep Subscription"])
-                remove = ("push button", texts["Cancel Subscription and &Remove"], texts[REMOVE])
+                    self.assertIn(texts["&Keep Subscription"], self.names(FOCUSED))
+                message = texts["Cancel your %@ subscription?"]
+                self.assertIn(message, self.names(SHOWING))
+                remove = ("push button", texts["Cancel Subscription and &Uninstall"], texts[REMOVE])
+                time.sleep(1)  # until it is enabled
                 self.ask(tree[remove], "org.a11y.atspi.Action.DoAction", "0")
-                for key in ("Canceling your subscription ...", "&Close"):
-                    self.assertTrue(wait_for(lambda text=texts[key]: text in (
-                        [self.focused()] if has_keyboard else [name for _, name, _ in self.tree()]), 30), key)
+                for key in ("Canceling your subscription. This can take up to half a minute.", "&Close"):
+                    self.assertTrue(wait_for(lambda text=texts[key]: text in self.names(
+                        FOCUSED if has_keyboard else SHOWING), 30), key)
+                    self.assertNotIn(message, self.names(SHOWING))
             finally:
                 end(process)
 

@@ -238,8 +238,8 @@ class DesktopTest(TestCase):
 
         with Store(BUILD):
             process = self.begin(stage)
-            self.assertIn('"Subscription Helper"', self.window.property("WM_CLASS"))
-            self.assertIn("StartupWMClass=Subscription Helper\n", entry.read_text())
+            self.assertRegex(self.window.property("WM_CLASS"), f'"{HELPER_DOMAIN}"$')
+            self.assertIn(f"StartupWMClass={HELPER_DOMAIN}\n", entry.read_text())
             self.window.keys("Return")
             self.finish(process)
 
@@ -274,7 +274,7 @@ class DesktopTest(TestCase):
             self.assertEqual(stage.restore_path(), str(stage.bundle))
             time.sleep(0.5)
             self.assertIsNone(process.poll())
-            self.window.keys("Return")  # and now a button ends it
+            self.window.keys("Escape")  # and now a button ends it
             self.assertRegex(self.finish(process), "^[^\n]* Removal ended: cancellation confirmed; "
                              "uninstaller started; bundle moved to the Trash\n$")
             self.assertEqual([line.split("?")[1] for line in store.requests],

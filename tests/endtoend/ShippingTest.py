@@ -180,7 +180,9 @@ class PackagingTest(TestCase):
                 ("TEXTS", self.texts("German", "x"), "named by a language"),
                 ("TEXTS", self.texts("de", 'Leave = "x";'), "expected entries"),
                 ("TEXTS", self.texts("de", '"Leave" = "x";'), "there is no text 'Leave'"),
-                ("TEXTS", self.texts("de", '"Leave %@?" = "x?";'), "must have %@ as often"),
+                ("TEXTS", self.texts("de", '"Cancel your %@ subscription?" = "x?";'), "must have %@ as often"),
+                ("TEXTS", self.texts("de", '"&Keep Subscription" = "&Da";'), "the same mnemonic"),
+                ("ACCOUNT_PAGE", "ftp://globex.com/", "an http or https URL"),
                 ("TEXTS", self.texts("de", '"&Close" = "x";'), "must have & as often"),
                 ("TEXTS", self.texts("de", '"Not Now" = " ";'), "is empty"),
                 ("TEXTS", self.texts("sv", '"Not Now" = "x";'), "needs all texts")):
@@ -297,7 +299,7 @@ class PackagingTest(TestCase):
             entry = stage.home / f".local/share/applications/{BRAND['IDENTIFIER']}.desktop"
             subprocess.run(["desktop-file-validate", entry], check=True)
             self.assertIn(f"\nTryExec={stage.program()}\n", entry.read_text())
-            self.assertIn('\nName[en]=Leave Globex "Draw" 4?\n', entry.read_text())
+            self.assertIn('\nName[en]=Cancel Globex "Draw" 4 Subscription\n', entry.read_text())
             self.check_size("unpacked", stage.bundle)
             self.check_size("entry", stage.program())
             self.check_licenses(stage.bundle / "Contents")
