@@ -3,6 +3,7 @@
 #include "app/RunThrottle.h"
 #include "platform/Bundle.h"
 #include "platform/Log.h"
+#include "platform/StandardStreams.h"
 #include "platform/UserDefaults.h"
 
 #include "Brand.h"
@@ -16,22 +17,10 @@
 #include <span>
 
 #include <dlfcn.h>
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace {
 
 constexpr int kWrongUsage = 2;
-
-/// Opens the null device in place of each standard stream that is closed. The next file or
-/// connection would take its number otherwise, and log lines would go into that.
-void openClosedStreams() {
-    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        if (fcntl(stream, F_GETFD) < 0) {
-            static_cast<void>(open("/dev/null", O_RDWR)); // gets the lowest number that is free
-        }
-    }
-}
 
 /// Sets the signal actions that this program relies on, because a launcher can pass on others.
 /// A closed pipe must not end a removal, and an ignored SIGCHLD hides how child processes ended.
@@ -98,7 +87,7 @@ int showHelp() {
 } // namespace
 
 int main(int argumentCount, char** arguments) {
-    openClosedStreams();
+    platform::openClosedStreams();
     setSignalActions();
     platform::logUncaughtFailures();
     const std::span<char*> words(arguments, static_cast<std::size_t>(argumentCount));

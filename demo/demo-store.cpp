@@ -17,6 +17,9 @@
 
 namespace {
 
+constexpr std::size_t kRequestsPerConnection = 1000;
+constexpr std::size_t kConnections = 40; // at the same time
+
 using Operation = std::function<std::string(const httplib::Request&)>;
 using Operations = std::map<std::string, Operation>;
 
@@ -78,6 +81,7 @@ void serve(httplib::Server& server, demo::DemoStore& store, const Operations& op
 int main(int argumentCount, char** arguments) {
     int port = DEMO_PORT;
     int delay = 0;
+    int latency = 0;
     CLI::App command(
         "The demo store service, on the loopback interface. Prints its address and one "
         "line for each request.\nSubscriptions: DEMO-1001, DEMO-1002, and DEMO-KEEP, "
@@ -87,6 +91,9 @@ int main(int argumentCount, char** arguments) {
         ->check(CLI::Range(0, 65535))
         ->capture_default_str();
     command.add_option("--delay", delay, "The duration of a cancellation in milliseconds")
+        ->check(CLI::Range(0, 20000))
+        ->capture_default_str();
+    command.add_option("--latency", latency, "How many milliseconds pass before every answer")
         ->check(CLI::Range(0, 20000))
         ->capture_default_str();
     std::optional<std::string> answer;
@@ -100,6 +107,13 @@ int main(int argumentCount, char** arguments) {
     server.set_socket_options([](socket_t socket) {
         const int yes = 1;
         setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    });
+    server.new_task_queue = [] { return new httplib::ThreadPool(kConnections); };
+    server.set_keep_alive_max_count(kRequestsPerConnection);
+    server.set_tcp_nodelay(true);
+    server.set_pre_routing_handler([latency](const auto& /*request*/, auto& /*response*/) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(latency));
+        return httplib::Server::HandlerResponse::Unhandled;
     });
     if (answer) {
         serveAnswer(server, *answer);

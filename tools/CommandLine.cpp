@@ -2,210 +2,212 @@
 
 #include "store/ScriptURL.h"
 #include "tools/Completion.h"
+#include "tools/Suggestion.h"
+#include "tools/WordReader.h"
 
 #include <algorithm>
 #include <chrono>
-#include <map>
-#include <numeric>
+#include <iterator>
+#include <sstream>
 #include <string_view>
+#include <utility>
 
 #include <CLI/CLI.hpp>
 
 namespace tools {
 namespace {
 
+constexpr const char* kReferences = "REF";
 constexpr const char* kFooter =
-    "Exit status: 0 record or confirmed, 1 none or refused, 2 wrong usage, 3 an answer that "
-    "cannot\n"
-    "be read or a result that cannot be written, 4 the store cannot be reached; of several\n"
-    "references the worst. The proxy settings of the environment hold (http_proxy and others).";
+    "Numbers are whole units as the parser reads them (119.95 gives 119), and times are UTC.\n"
+    "Exit status: 0 record or confirmed, 1 none or refused, 2 wrong usage, 3 a failure (an answer\n"
+    "that is not the store's, or a result that cannot be written), 4 store unreachable. The worst\n"
+    "of several references counts. Proxy settings of the environment apply (http_proxy and "
+    "others).";
 
-/// How many letters have to be changed, added or taken away to make one word of the other.
-std::size_t distance(std::string_view one, std::string_view other) {
-    std::vector<std::size_t> row(other.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (const char letter : one) {
-        std::size_t diagonal = row[0]++;
-        for (std::size_t at = 0; at < other.size(); ++at) {
-            const std::size_t changed = diagonal + (letter == other[at] ? 0 : 1);
-            diagonal = row[at + 1];
-            row[at + 1] = std::min({changed, row[at] + 1, diagonal + 1});
-        }
-    }
-    return row.back();
-}
-
-/// "; did you mean …?" with the known word that is nearest, if one is near.
-std::string suggestion(const std::string& word, const std::vector<std::string>& known) {
-    const auto far = [&](const std::string& each) {
-        return each.starts_with(word) ? 0 : distance(word, each);
-    };
-    const auto nearest =
-        std::min_element(known.begin(), known.end(),
-                         [&](const auto& one, const auto& other) { return far(one) < far(other); });
-    const bool isNear = nearest != known.end() && far(*nearest) <= 1 + word.size() / 4;
-    return isNear ? "; did you mean " + *nearest + "?" : "";
-}
-
-std::vector<std::string> commandsOf(const CLI::App& app) {
-    std::vector<std::string> names;
-    for (const auto* command : app.get_subcommands({})) {
-        names.push_back(command->get_name());
-    }
-    return names;
-}
-
-/// One line for what CLI11 did not take.
+/// Explains in one line why CLI11 did not take the words.
 std::string explanation(const CLI::App& app, const CLI::ParseError& error) {
     const auto chosen = app.get_subcommands();
-    auto left = chosen.empty() ? app.remaining() : chosen.front()->remaining();
-    if (left.empty()) {
-        left = app.remaining();
-    }
-    const auto isOption = [](const std::string& word) { return word.size() > 1 && word[0] == '-'; };
-    const auto option = std::find_if(left.begin(), left.end(), isOption);
-    if (option != left.end()) {
-        const auto name = option->substr(0, option->find('='));
-        return "there is no option " + name +
-               suggestion(name, optionsOf(chosen.empty() ? app : *chosen.front()));
-    }
     if (chosen.empty()) {
-        return left.empty()
-                   ? "a command is needed: subscription, cancel, order, parse or completion"
-                   : "there is no command " + left.front() +
-                         suggestion(left.front(), commandsOf(app));
+        std::vector<std::string> names;
+        for (const auto* command : visibleCommands(app)) {
+            names.push_back(command->get_name());
+        }
+        return "a command is missing: " + CLI::detail::join(names, ", ");
     }
-    if (!left.empty()) {
-        return chosen.front()->get_name() + " does not take " + left.front();
-    }
-    return chosen.front()->get_name() + ": " + error.what();
+    const auto left = chosen.front()->remaining();
+    return chosen.front()->get_name() +
+           (left.empty() ? std::string(": ") + error.what() : " does not take " + left.front());
 }
 
-/// One of a few words.
-CLI::Validator oneOf(const std::vector<std::string>& words) {
+/// Makes an option or an argument accept one of a few words.
+void setChoices(CLI::Option* option, const std::vector<std::string>& words) {
     const std::string list = CLI::detail::join(words, "|");
-    return {[words, list](std::string& word) {
-                return std::find(words.begin(), words.end(), word) != words.end()
-                           ? std::string()
-                           : word + " is not one of " + list + suggestion(word, words);
-            },
-            list};
+    const auto check = [words, list](const std::string& word) {
+        return std::find(words.begin(), words.end(), word) != words.end()
+                   ? std::string()
+                   : word + " is not one of " + list + suggestion(word, words);
+    };
+    option->check(check)->type_name(list)->option_text(list);
 }
 
-CLI::Validator seconds() {
-    return {[](std::string& text) {
-                double number = 0;
-                return CLI::detail::lexical_cast(text, number) && number >= 0.001 && number <= 3600
-                           ? std::string()
-                           : text + " is no number of seconds from 0.001 to 3600";
-            },
-            "SECONDS"};
+std::string checkSeconds(const std::string& text) {
+    double number = 0;
+    return CLI::detail::lexical_cast(text, number) && number >= 0.001 && number <= 3600
+               ? ""
+               : text + " is not a number of seconds from 0.001 to 3600";
 }
 
 class Declaration {
   public:
     Declaration(CLI::App& app, CommandLine& line) : app_(app), line_(line) {
         app.require_subcommand(1);
-        app.set_help_flag("-h,--help", "Print what the command, or one of its commands, takes");
+        app.set_help_flag("-h,--help", "Print the usage, or with a command the usage of that");
         app.set_version_flag("--version", "storectl " HELPER_VERSION, "Print the version");
         app.footer(kFooter);
-        app.option_defaults()->always_capture_default(false);
-        addFormat(app);
-        addRequestOptions(app);
     }
 
-    void addRequest(Command command, const char* name, const char* help) {
-        CLI::App& request = add(command, name, help);
-        request
-            .add_option("REF", line_.references,
-                        "References at the store service; - for a list on standard input")
-            ->required();
-        addRequestOptions(request);
-        if (command == Command::Cancel) {
-            request.add_flag("-y,--yes", line_.isSure, "Do not ask before, on a terminal");
-        }
+    void addLookup(Command command, const char* name, const char* help) {
+        CLI::App& lookup = addRequest(command, name, help);
+        lookup.add_option("--jobs", line_.jobs, "Lookups at the same time, 1 to 32, by default 1")
+            ->check(CLI::Range(1, 32).description(""))
+            ->type_name("N");
+        lookup
+            .add_option_function<std::string>(
+                "--fields",
+                [this](const std::string& names) { line_.fields = CLI::detail::split(names, ','); },
+                "Print a table with these columns, such as reference,status,endDate")
+            ->type_name("NAMES");
+    }
+
+    void addCancel() {
+        CLI::App& cancel = addRequest(Command::Cancel, "cancel", "Cancel subscriptions");
+        cancel.add_flag("-y,--yes", line_.isSure, "Cancel without asking on the terminal");
+        cancel.add_flag("--dry-run", line_.isDryRun, "Only look up what would be canceled");
     }
 
     void addParse() {
         CLI::App& parse = add(Command::Parse, "parse", "Parse an answer of the store from a file");
-        parse.add_option("KIND", line_.kind, "What the answer describes")
+        setChoices(
+            parse.add_option("KIND", line_.kind, "The kind of record in the answer")->required(),
+            {"subscription", "order"});
+        parse.add_option("FILE", line_.file, "The file, or - for standard input")
             ->required()
-            ->check(oneOf({"subscription", "order"}))
-            ->option_text("subscription|order");
-        parse.add_option("FILE", line_.file, "The file; - for standard input")->required();
+            ->option_text(" ");
     }
 
-    void addCompletion(std::string& shell) {
-        app_.add_subcommand("completion", "Print the completion for a shell")
-            ->add_option("SHELL", shell, "The shell")
-            ->required()
-            ->check(oneOf({"bash", "zsh", "fish"}))
-            ->option_text("bash|zsh|fish");
+    void addCompletion(std::string& shell, std::vector<std::string>& words) {
+        CLI::App* completion =
+            app_.add_subcommand("completion", "Print the completion script for a shell");
+        setChoices(completion->add_option("SHELL", shell, "The shell")->required(),
+                   {std::begin(kShells), std::end(kShells)});
+        // Called by these scripts.
+        app_.add_subcommand("complete", "")->group("")->add_option(kReferences, words, "");
     }
 
   private:
     CLI::App& add(Command command, const char* name, const char* help) {
         CLI::App* added = app_.add_subcommand(name, help);
-        added->set_help_flag("-h,--help", "Print what the command takes");
+        added->set_help_flag("-h,--help", "Print the usage of the command");
         added->callback([this, command] { line_.command = command; });
-        addFormat(*added);
+        CLI::Option* format = added->add_option_function<std::string>(
+            "--format",
+            [this](const std::string& word) {
+                line_.format = word == "table" ? Format::Table : Format::JSON;
+            },
+            "The format of the results, by default json");
+        setChoices(format, {"json", "table"});
         return *added;
     }
 
-    void addFormat(CLI::App& app) {
-        app.add_option_function<std::string>(
-               "--format",
-               [this](const std::string& word) {
-                   line_.format = word == "table" ? Format::Table : Format::JSON;
-               },
-               "How the results are printed")
-            ->check(oneOf({"json", "table"}))
-            ->option_text("json|table");
-    }
-
-    // Before the command as well as after it.
-    void addRequestOptions(CLI::App& app) {
-        app.add_option("--store", line_.store,
-                       "The store identifier, by default " HELPER_STORE_ID "; it is never sent")
+    CLI::App& addRequest(Command command, const char* name, const char* help) {
+        CLI::App& request = add(command, name, help);
+        // Only for the help: the references never reach CLI11, which splits and drops some words.
+        request
+            .add_option(kReferences, line_.references,
+                        "References at the store service, or - for a list on standard input")
+            ->option_text("...");
+        request
+            .add_option("--store", line_.store,
+                        "The store identifier, by default " HELPER_STORE_ID ". It is never sent")
             ->type_name("ID");
-        app.add_option("--timeout", line_.timeout, "How long one request may take; by default 30")
-            ->check(seconds())
-            ->option_text("SECONDS");
-        app.add_flag("--raw", line_.isRaw, "Print the store's own answer");
-        app.add_flag("-v,--verbose", line_.isVerbose,
-                     "Tell of each request and its time on standard error");
+        request.add_option("--timeout", line_.timeout, "The limit for one request, by default 30")
+            ->check(checkSeconds)
+            ->type_name("SECONDS");
+        request.add_flag("--raw", line_.isRaw, "Print only the store's own answers");
+        request.add_flag("-v,--verbose", line_.isVerbose,
+                         "Report each request, its HTTP status and its time on standard error");
+        return request;
     }
 
     CLI::App& app_;
     CommandLine& line_;
 };
 
-} // namespace
+/// @throws UsageError if an option or a reference is missing or conflicts with another.
+void checkCombination(const CLI::App& command, const CommandLine& line) {
+    const bool isJSON = line.format == Format::JSON;
+    const std::pair<bool, const char*> faults[] = {
+        {line.references.empty(), ": REF is required"},
+        {line.isRaw && (!isJSON || !line.fields.empty()), ": --raw excludes tables"},
+        {!line.fields.empty() && isJSON && command.count("--format") > 0,
+         ": --fields excludes --format json"},
+    };
+    for (const auto& [isFault, message] : faults) {
+        if (isFault) {
+            throw UsageError(command.get_name() + message);
+        }
+    }
+}
 
-CommandLine readCommandLine(int argumentCount, const char* const* words) {
-    CLI::App app("Asks the store service at " + std::string(store::scriptURL()) +
-                     " about subscriptions and orders.\nPrints one JSON object, or one a line for "
-                     "several references, or tables.",
-                 "storectl");
-    CommandLine line;
-    std::string shell;
-    Declaration declaration(app, line);
-    declaration.addRequest(Command::Subscription, "subscription", "Print subscriptions");
-    declaration.addRequest(Command::Cancel, "cancel", "Cancel subscriptions");
-    declaration.addRequest(Command::Order, "order", "Print orders");
-    declaration.addParse();
-    declaration.addCompletion(shell);
+/// Parses the words that are no references.
+/// @return false if the help or the version was printed, so that nothing is left to do.
+bool parse(CLI::App& app, std::vector<std::string> words) {
+    std::reverse(words.begin(), words.end()); // the order that CLI11 expects
     try {
-        app.parse(argumentCount, words);
+        app.parse(std::move(words));
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() != 0) {
             throw UsageError(explanation(app, error));
         }
-        app.exit(error); // which prints the help or the version
-        line.command = Command::None;
+        std::ostringstream text;
+        app.exit(error, text);
+        write(text.str());
+        return false;
     }
+    return true;
+}
+
+} // namespace
+
+CommandLine readCommandLine(int argumentCount, const char* const* arguments) {
+    CLI::App app(
+        "Asks the store service at " + std::string(store::scriptURL()) +
+            " about subscriptions and orders.\nPrints one JSON object, or one per line for "
+            "several references, or a table.",
+        "storectl");
+    CommandLine line;
+    std::string shell;
+    std::vector<std::string> unused;
+    Declaration declaration(app, line);
+    declaration.addLookup(Command::Subscription, "subscription", "Print subscriptions");
+    declaration.addCancel();
+    declaration.addLookup(Command::Order, "order", "Print orders");
+    declaration.addParse();
+    declaration.addCompletion(shell, unused);
+    const std::span all(arguments, static_cast<std::size_t>(argumentCount));
+    auto words = divided(app, kReferences, all.subspan(std::min<std::size_t>(1, all.size())));
+    if (!parse(app, std::move(words.others))) {
+        return {};
+    }
+    line.references = std::move(words.references);
     if (!shell.empty()) {
-        write(completionFor(shell, app));
+        write(completionScript(shell));
+    } else if (line.command == Command::None) {
+        write(completions(app, line.references));
+    } else if (line.command != Command::Parse) {
+        checkCombination(*app.get_subcommands().front(), line);
+        line.format = line.fields.empty() ? line.format : Format::Table;
     }
     return line;
 }

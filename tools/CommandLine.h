@@ -4,37 +4,45 @@
 #include "store/FieldTypes.h"
 #include "tools/Output.h"
 
+#include <cstddef>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace tools {
 
-/// The exit statuses, from good to bad: of several references the worst counts.
+/// The exit statuses, from good to bad. The worst of several references counts.
 enum class ExitStatus { Record = 0, None = 1, Usage = 2, Failure = 3, Unreachable = 4 };
 
-/// What is wrong with the command line, in one line for the user.
+/// A wrong command line, explained in one line for the user.
 struct UsageError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
 enum class Command { None, Subscription, Cancel, Order, Parse };
 
-/// What the command line asks for.
+/// The command and its options.
 struct CommandLine {
     Command command = Command::None;     ///< None: nothing is left to do
     std::vector<std::string> references; ///< of a request; "-" stands for a list on standard input
     store::Text store;                   ///< the store identifier
     std::string kind;                    ///< of an answer that is parsed
-    std::string file;                    ///< where that is, or "-"
+    std::string file;                    ///< the path of that answer, or "-"
     Format format = Format::JSON;
-    double timeout = 0;     ///< seconds for one request, 0 for the usual limit
-    bool isRaw = false;     ///< print the store's own answer
-    bool isVerbose = false; ///< tell of each request
-    bool isSure = false;    ///< cancel without a question
+    std::vector<std::string> fields; ///< the columns of a table, or empty for the usual ones
+    double timeout = 0;              ///< seconds for one request, 0 for the usual limit
+    std::size_t jobs = 1;            ///< lookups at the same time
+    bool isRaw = false;              ///< print the store's own answer
+    bool isVerbose = false;          ///< report each request
+    bool isSure = false;             ///< cancel without a question
+    bool isDryRun = false;           ///< look up instead of canceling
+
+    /// Returns true if the command only looks up, so that a request is safe to repeat.
+    [[nodiscard]] bool isLookup() const { return command != Command::Cancel || isDryRun; }
 };
 
-/// Reads the command line. Prints what it asks about the command itself: help, version, completion.
+/// Reads the command line. Prints answers about the command itself: help, version, completion.
+/// Words that are not options are references exactly as given, and so is every word after "--".
 /// @throws UsageError
 [[nodiscard]] CommandLine readCommandLine(int argumentCount, const char* const* words);
 

@@ -1,106 +1,119 @@
 #include "tools/Completion.h"
 
-#include "base/Format.h"
+#include "tools/CommandLine.h"
+#include "tools/WordReader.h"
+
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
 namespace tools {
 namespace {
 
-/// What can follow a command: its options, its commands, and the words of its arguments.
-std::string wordsOf(const CLI::App& app) {
-    std::vector<std::string> words = optionsOf(app);
-    for (const auto* command : app.get_subcommands({})) {
-        words.push_back(command->get_name());
-    }
-    return CLI::detail::join(words, " ");
+// bash makes "=" a word of its own.
+constexpr const char* kBash = R"script(# bash completion for storectl
+_storectl() {
+    local IFS=$'\n' current=${COMP_WORDS[COMP_CWORD]#=} candidates
+    candidates=$("${COMP_WORDS[0]}" complete -- "${COMP_WORDS[@]:1:COMP_CWORD-1}" "$current" 2>/dev/null | cut -f 1)
+    COMPREPLY=($(compgen -W "$candidates" -- "$current"))
 }
+complete -o default -F _storectl storectl
+)script";
 
-// bash and zsh have the same way to complete from a list of words, once zsh is told to.
-constexpr const char* kShell = R"(_storectl() {
-    local current=${COMP_WORDS[COMP_CWORD]} command= words word
-    for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
-        case $word in %@) command=${command:-$word} ;; esac
-    done
-    case $command in
-%@        *) words="%@" ;;
-    esac
-    case ${COMP_WORDS[COMP_CWORD - 1]} in
-        --format) words="json table" ;;
-        parse) words="subscription order" ;;
-        completion) words="bash zsh fish" ;;
-    esac
-    local IFS=$'\n'
-    COMPREPLY=($(compgen -W "${words// /$'\n'}" -- "$current"))
-    if [[ $command == parse && ${#COMPREPLY[@]} -eq 0 ]]; then
-        COMPREPLY=($(compgen -f -- "$current"))
+constexpr const char* kZsh = R"script(#compdef storectl
+_storectl() {
+    local -a candidates
+    candidates=("${(@f)$("${(Q)words[1]}" complete -- "${(@Q)words[2,CURRENT]}" 2>/dev/null)}")
+    if [[ -n $candidates ]]; then
+        candidates=("${(@)candidates/$'\t'/:}")
+        _describe storectl candidates
+    else
+        _files
     fi
 }
-complete -F _storectl storectl
-)";
+if [ "$funcstack[1]" = _storectl ]; then _storectl "$@"; else compdef _storectl storectl; fi
+)script";
 
-std::string forBash(const CLI::App& app) {
-    std::vector<std::string> names;
-    std::string cases;
-    for (const auto* command : app.get_subcommands({})) {
-        names.push_back(command->get_name());
-        cases += "        " + names.back() + ") words=\"" + wordsOf(*command) + "\" ;;\n";
-    }
-    return base::formatted(kShell, {CLI::detail::join(names, " | "), cases, wordsOf(app)});
+constexpr const char* kFish = R"script(# fish completion for storectl
+function __storectl_candidates
+    set -l words (commandline -opc) (commandline -ct)
+    set -l candidates ($words[1] complete -- $words[2..-1] 2>/dev/null)
+    if set -q candidates[1]
+        printf '%s\n' $candidates
+    else
+        __fish_complete_path (commandline -ct)
+    end
+end
+complete -c storectl -f -a '(__storectl_candidates)'
+)script";
+
+std::string line(const std::string& word, const std::string& description) {
+    return word + "\t" + description + "\n";
 }
 
-/// The lines for the options of one command; `condition` says when they count.
-std::string fishOptions(const CLI::App& app, const std::string& condition) {
+/// Returns the choices of an option or an argument that has some, such as "json|table".
+std::string choicesOf(const CLI::Option& option) {
+    std::string lines;
+    if (option.get_type_name().find('|') != std::string::npos) {
+        for (const auto& choice : CLI::detail::split(option.get_type_name(), '|')) {
+            lines += line(choice, option.get_description());
+        }
+    }
+    return lines;
+}
+
+std::string optionsOf(const CLI::App& app) {
     std::string lines;
     for (const auto* option : app.get_options()) {
-        std::string names;
-        for (const auto& name : option->get_lnames()) {
-            names += " -l " + name;
-        }
         for (const auto& name : option->get_snames()) {
-            names += " -s " + name;
+            lines += line("-" + name, option->get_description());
         }
-        if (!names.empty()) {
-            lines += base::formatted("complete -c storectl -n '%@'%@ -d \"%@\"%@\n",
-                                     {condition, names, option->get_description(),
-                                      option->check_lname("format") ? " -xa 'json table'" : ""});
+        for (const auto& name : option->get_lnames()) {
+            lines += line("--" + name, option->get_description());
         }
     }
     return lines;
 }
 
-std::string forFish(const CLI::App& app) {
-    std::string lines = fishOptions(app, "__fish_use_subcommand");
-    for (const auto* command : app.get_subcommands({})) {
-        lines += base::formatted("complete -c storectl -n '__fish_use_subcommand' -xa %@ -d '%@'\n",
-                                 {command->get_name(), command->get_description()});
-        lines += fishOptions(*command, "__fish_seen_subcommand_from " + command->get_name());
+std::string commandsOf(const CLI::App& program) {
+    std::string lines;
+    for (const auto* command : visibleCommands(program)) {
+        lines += line(command->get_name(), command->get_description());
     }
     return lines;
+}
+
+/// Returns the candidates for the next argument of a command.
+std::string argumentsOf(const WordReader& reader) {
+    const auto arguments = reader.command().get_options(
+        [](const CLI::Option* option) { return option->get_positional(); });
+    return reader.argumentCount() < arguments.size() ? choicesOf(*arguments[reader.argumentCount()])
+                                                     : "";
 }
 
 } // namespace
 
-std::vector<std::string> optionsOf(const CLI::App& app) {
-    std::vector<std::string> names;
-    for (const auto* option : app.get_options()) {
-        for (const auto& name : option->get_snames()) {
-            names.push_back("-" + name);
-        }
-        for (const auto& name : option->get_lnames()) {
-            names.push_back("--" + name);
+std::string completions(const CLI::App& program, std::span<const std::string> words) {
+    if (words.empty()) {
+        return "";
+    }
+    WordReader reader(program);
+    for (const auto& word : words.first(words.size() - 1)) {
+        if (word != "=" || reader.openOption() == nullptr) {
+            reader.read(word);
         }
     }
-    return names;
+    if (reader.openOption() != nullptr) {
+        return choicesOf(*reader.openOption());
+    }
+    if (words.back().starts_with('-') && !reader.isSeparated()) {
+        return optionsOf(reader.command());
+    }
+    return &reader.command() == &program ? commandsOf(program) : argumentsOf(reader);
 }
 
-std::string completionFor(const std::string& shell, const CLI::App& app) {
-    if (shell == "fish") {
-        return forFish(app);
-    }
-    return (shell == "zsh" ? "#compdef storectl\nautoload -U +X bashcompinit && bashcompinit\n"
-                           : "# bash completion for storectl\n") +
-           forBash(app);
+std::string completionScript(const std::string& shell) {
+    return shell == "fish" ? kFish : shell == "zsh" ? kZsh : kBash;
 }
 
 } // namespace tools

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <span>
 #include <string>
-#include <vector>
 
 namespace CLI {
 class App;
@@ -9,11 +9,17 @@ class App;
 
 namespace tools {
 
-/// The names of a command's options, such as "-v" and "--verbose".
-[[nodiscard]] std::vector<std::string> optionsOf(const CLI::App& app);
+inline constexpr const char* kShells[] = {"bash", "zsh", "fish"};
 
-/// A script that has a shell complete the commands and options that `app` declares.
-/// @param shell "bash", "zsh" or "fish".
-[[nodiscard]] std::string completionFor(const std::string& shell, const CLI::App& app);
+/// Returns the candidates for the last word of a command line, one per line, each with a tab and
+/// its description: the commands, options and choices that `program` declares. Returns an empty
+/// text if a file is expected. The shell compares the candidates with the word.
+/// @param words the command line without the name of the program. The last word may be empty.
+[[nodiscard]] std::string completions(const CLI::App& program, std::span<const std::string> words);
+
+/// Returns the script by which a shell completes the command. The script gets the candidates from
+/// the command itself.
+/// @param shell one of kShells.
+[[nodiscard]] std::string completionScript(const std::string& shell);
 
 } // namespace tools

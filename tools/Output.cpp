@@ -1,63 +1,65 @@
 #include "tools/Output.h"
 
-#include <algorithm>
+#include "base/Escape.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+
+#include <unistd.h>
 
 namespace tools {
 namespace {
 
 using nlohmann::ordered_json;
 
-/// Answers hold any text; what is no UTF-8 must not end the command.
-std::string dumped(const ordered_json& value, int indent) {
-    return value.dump(indent, ' ', false, ordered_json::error_handler_t::replace);
+std::size_t progressWidth = 0; // of the line that the terminal shows
+
+void clearProgress() {
+    if (progressWidth > 0) {
+        std::fprintf(stderr, "\r%*s\r", static_cast<int>(progressWidth), "");
+        progressWidth = 0;
+    }
 }
 
-/// Texts stay escaped: a terminal acts on some control characters.
-std::string escaped(const ordered_json& value) {
-    const std::string text = dumped(value, -1);
-    return value.is_string() ? text.substr(1, text.size() - 2) : text;
-}
-
-std::string tableOf(const ordered_json& object) {
-    const auto values = object.flatten();
-    std::size_t width = 0;
-    for (const auto& [name, value] : values.items()) {
-        width = std::max(width, value.is_null() ? 0 : name.size());
-    }
-    std::string table;
-    for (const auto& [name, value] : values.items()) {
-        if (!value.is_null()) {
-            table +=
-                name.substr(1) + std::string(width - name.size() + 2, ' ') + escaped(value) + "\n";
-        }
-    }
-    return table;
+/// Returns a value as JSON. Answers contain any text, and invalid UTF-8 must not end the command.
+std::string textOf(const ordered_json& value, int indent) {
+    const std::string text = value.dump(indent, ' ', false, ordered_json::error_handler_t::replace);
+    return base::escaped(text, base::EscapeForm::json);
 }
 
 } // namespace
 
 void write(std::string_view text) {
+    clearProgress();
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() ||
         std::fflush(stdout) != 0) {
         throw OutputError(std::string("the result cannot be written: ") + std::strerror(errno));
     }
 }
 
-void print(const ordered_json& object, Format format, bool onOneLine) {
-    if (format == Format::JSON) {
-        write(dumped(object, onOneLine ? -1 : 2) + "\n");
-    } else if (onOneLine || !object.contains("record") || !object["record"].is_object()) {
-        write(tableOf(object) + (onOneLine ? "\n" : ""));
-    } else {
-        write(tableOf(object["record"]));
-    }
+void printJSON(const ordered_json& object, bool onOneLine) {
+    write(textOf(object, onOneLine ? -1 : 2) + "\n");
+}
+
+std::string plainText(const ordered_json& value) {
+    return value.is_string() ? base::escaped(value.get_ref<const std::string&>())
+                             : textOf(value, -1);
 }
 
 void say(std::string_view message) {
-    std::fprintf(stderr, "storectl: %s\n", escaped(ordered_json(message)).c_str());
+    clearProgress();
+    std::fprintf(stderr, "storectl: %s\n", base::escaped(message).c_str());
+}
+
+void showProgress(std::size_t done, std::size_t count) {
+    static const bool isTerminal = isatty(STDERR_FILENO) != 0;
+    if (isTerminal && count > 1 && done < count) {
+        clearProgress();
+        const std::string text = std::to_string(done) + " of " + std::to_string(count);
+        std::fputs(text.c_str(), stderr);
+        progressWidth = text.size();
+    }
 }
 
 } // namespace tools

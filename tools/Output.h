@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -11,21 +12,27 @@ namespace tools {
 /// How results are printed.
 enum class Format { JSON, Table };
 
-/// What was to be printed could not be: a full disk, or a reader that has gone.
+/// A result could not be written: a full disk, or a reader that has exited.
 struct OutputError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// Writes a text to standard output, all of it at once.
+/// Writes a text to standard output and flushes it.
 /// @throws OutputError
 void write(std::string_view text);
 
-/// Prints an object: as JSON, on one line or on several, or as a table, one line for each value
-/// that is there, its name, such as "orderItems/0/quantity", before it.
+/// Prints an object as JSON on one line or on several. Control characters are escaped.
 /// @throws OutputError
-void print(const nlohmann::ordered_json& object, Format format, bool onOneLine);
+void printJSON(const nlohmann::ordered_json& object, bool onOneLine);
+
+/// Returns a value as one line of text for people, its control characters escaped.
+[[nodiscard]] std::string plainText(const nlohmann::ordered_json& value);
 
 /// Writes "storectl: " and a message, its control characters escaped, to standard error.
 void say(std::string_view message);
+
+/// Shows on a line of its own how many of several references are done, as long as more are to come
+/// and if standard error is a terminal. The next output replaces the line.
+void showProgress(std::size_t done, std::size_t count);
 
 } // namespace tools

@@ -1,202 +1,101 @@
-// The command line of the store client: asks the store service about subscriptions or orders, or
-// parses answers from files, and prints JSON objects or tables.
+// The command line of the store client: sends requests for subscriptions or orders, or parses
+// answers from files, and prints JSON objects or tables.
 
+#include "platform/HeldSignals.h"
 #include "platform/Log.h"
+#include "platform/StandardStreams.h"
 #include "tools/CommandLine.h"
+#include "tools/InOrder.h"
+#include "tools/Input.h"
 #include "tools/Output.h"
-#include "tools/RecordJSON.h"
+#include "tools/Printer.h"
+#include "tools/Report.h"
 
-#include "store/FastSpringOrderParser.h"
-#include "store/FastSpringSubscriptionParser.h"
-#include "store/Request.h"
-
-#include <algorithm>
-#include <chrono>
+#include <clocale>
 #include <csignal>
-#include <fstream>
 #include <iostream>
-#include <sstream>
-#include <stdexcept>
 #include <string>
-
-#include <unistd.h>
 
 namespace {
 
-using nlohmann::ordered_json;
 using tools::Command;
 using tools::CommandLine;
 using tools::ExitStatus;
+using tools::Report;
 
-/// What is printed for one reference, and the exit status that it gives.
-struct Report {
-    ordered_json object;
-    ExitStatus status;
-};
-
-template <class Record>
-Report reportOf(const std::shared_ptr<Record>& record) {
-    if (!record) {
-        return {{{"result", "none"}, {"record", nullptr}}, ExitStatus::None};
-    }
-    return {{{"result", "record"}, {"record", tools::recordJSON(*record)}}, ExitStatus::Record};
-}
-
-/// What a parser makes of an answer. The two failures of parsers are results here.
-Report parsed(const std::string& answer, bool isOrder) {
-    const auto failed = [](const char* reason, const std::exception& failure) -> Report {
-        return {{{"result", "failure"}, {"reason", reason}, {"message", failure.what()}},
-                ExitStatus::Failure};
-    };
-    try {
-        return isOrder ? reportOf(store::FastSpringOrderParser(answer).parseOrder())
-                       : reportOf(store::FastSpringSubscriptionParser(answer).parseSubscription());
-    } catch (const std::out_of_range& failure) {
-        return failed("out_of_range", failure);
-    } catch (const std::invalid_argument& failure) {
-        return failed("invalid_argument", failure);
-    }
-}
-
-store::Request requestOf(Command command) {
-    return command == Command::Order    ? store::Request::GetOrder
-           : command == Command::Cancel ? store::Request::DeleteSubscription
-                                        : store::Request::GetSubscription;
-}
-
-Report unsent(const store::Answer& answer) {
-    const std::string message = answer.address + " makes no address; nothing was sent";
-    tools::say(message);
-    return {{{"result", "invalid"}, {"message", message}}, ExitStatus::Usage};
-}
-
-Report unreachable(const store::Answer& answer, Command command) {
-    std::string message = answer.failure;
-    if (command == Command::Cancel) {
-        message += "; it may have been canceled: look the subscription up before canceling again";
-    }
-    tools::say(answer.address + ": " + message);
-    return {{{"result", "unreachable"}, {"record", nullptr}, {"message", message}},
-            ExitStatus::Unreachable};
-}
-
-/// Asks the store service about one reference. With --raw the answer goes out as it came.
-Report ask(const CommandLine& line, const std::string& reference) {
-    const auto start = std::chrono::steady_clock::now();
-    const store::Answer answer =
-        store::ask(requestOf(line.command), reference, tools::limits(line.timeout));
-    if (line.isVerbose) {
-        const std::chrono::duration<double, std::milli> taken =
-            std::chrono::steady_clock::now() - start;
-        tools::say("GET " + answer.address + ": " +
-                   (answer.data ? std::to_string(answer.data->size()) + " bytes" : "no answer") +
-                   " after " + std::to_string(static_cast<int>(taken.count())) + " ms");
-    }
-    if (!answer.isSent) {
-        return unsent(answer);
-    }
-    if (!answer.data) {
-        return unreachable(answer, line.command);
-    }
-    if (line.isRaw) {
-        tools::write(*answer.data);
-        return {nullptr, ExitStatus::Record};
-    }
-    Report report = parsed(*answer.data, line.command == Command::Order);
-    if (line.command == Command::Cancel && report.status != ExitStatus::Failure) {
-        report.object = {{"result", report.status == ExitStatus::Record ? "confirmed" : "refused"}};
-    }
-    return report;
-}
-
-std::string contentOf(const std::string& file) {
-    std::ifstream opened;
-    if (file != "-") {
-        opened.open(file, std::ios::binary);
-    }
-    std::istream& input = file == "-" ? std::cin : opened;
-    std::ostringstream content;
-    // An empty file is content too; inserting it fails without there being an error.
-    if (input.peek() != std::istream::traits_type::eof()) {
-        content << input.rdbuf();
-    }
-    if (input.bad() || (file != "-" && !opened.is_open()) || content.fail()) {
-        throw tools::UsageError("cannot read " + file);
-    }
-    return content.str();
-}
-
-/// The references, with those that standard input lists, one a line, in the place of a "-".
-std::vector<std::string> referencesOf(const CommandLine& line) {
-    std::vector<std::string> references;
-    for (const auto& reference : line.references) {
-        if (reference != "-") {
-            references.push_back(reference);
-            continue;
-        }
-        for (std::string listed; std::getline(std::cin, listed);) {
-            references.push_back(listed);
+/// Cancels one after the other. A signal waits until the outcome of the request under way has been
+/// printed.
+void cancelAll(const CommandLine& line, const std::vector<std::string>& references,
+               tools::Printer& printer) {
+    for (std::size_t index = 0; index < references.size(); ++index) {
+        const platform::HeldSignals untilPrinted;
+        const Report report = tools::ask(line, references[index], base::fetch);
+        try {
+            printer.print(index, report);
+        } catch (const tools::OutputError& error) {
+            throw tools::OutputError(error.what() +
+                                     (". The request to cancel " + references[index]) +
+                                     " was sent: " + report.object.value("result", ""));
         }
     }
-    return references;
 }
 
-bool isConfirmed(std::size_t count) {
-    std::cerr << "storectl: cancel " << count << (count == 1 ? " subscription" : " subscriptions")
-              << "? [y/N] " << std::flush;
-    std::string reply;
-    std::getline(std::cin, reply);
-    return reply == "y" || reply == "Y" || reply == "yes";
+/// Sends a request for each reference.
+/// @return the worst of their statuses.
+ExitStatus askAll(const CommandLine& line) {
+    const bool isCancel = line.command == Command::Cancel;
+    const tools::References references = tools::referencesOf(line.references, isCancel);
+    const auto& items = references.items;
+    if (references.duplicates > 0) {
+        tools::say("left out " + std::to_string(references.duplicates) +
+                   (references.duplicates == 1 ? " duplicate" : " duplicates"));
+    }
+    tools::Printer printer(line, items);
+    if (!line.isLookup() && !line.isSure && !items.empty()) {
+        tools::confirmCancellation(items);
+    }
+    tools::showProgress(0, items.size());
+    if (line.isLookup()) {
+        tools::lookUpInOrder(
+            items.size(), line.jobs,
+            [&](std::size_t index, const store::Fetcher& fetcher) {
+                return tools::ask(line, items[index], fetcher);
+            },
+            [&](std::size_t index, const Report& report) { printer.print(index, report); });
+    } else {
+        cancelAll(line, items, printer);
+    }
+    return printer.finish();
 }
 
-/// Asks about each reference in turn; the worst of their statuses is the command's.
-ExitStatus askAbout(const CommandLine& line) {
-    const auto references = referencesOf(line);
-    if (line.command == Command::Cancel && !line.isSure && isatty(STDIN_FILENO) != 0 &&
-        !isConfirmed(references.size())) {
-        throw tools::UsageError("nothing was canceled");
-    }
-    // A list has one object a line, also where it turns out to hold one reference only.
-    const bool isList = references.size() != 1 || line.references.front() == "-";
-    const bool showsProgress = references.size() > 1 && isatty(STDERR_FILENO) != 0;
-    ExitStatus worst = ExitStatus::Record;
-    for (std::size_t number = 0; number < references.size(); ++number) {
-        if (showsProgress) {
-            std::cerr << "\r" << number + 1 << " of " << references.size() << std::flush;
-        }
-        const Report report = ask(line, references[number]);
-        worst = std::max(worst, report.status);
-        if (isList && !report.object.is_null()) {
-            ordered_json object{{"reference", references[number]}};
-            object.update(report.object);
-            tools::print(object, line.format, true);
-        } else if (!report.object.is_null() && report.status != ExitStatus::Usage) {
-            tools::print(report.object, line.format, false);
-        }
-    }
-    if (showsProgress) {
-        std::cerr << "\n";
-    }
-    return worst;
+ExitStatus parse(const CommandLine& line) {
+    const auto kind =
+        line.kind == "order" ? tools::RecordKind::Order : tools::RecordKind::Subscription;
+    const std::string name = line.file == "-" ? "standard input" : line.file;
+    const Report report = tools::reportOf(tools::contentOf(line.file), kind, name);
+    tools::printAlone(report, line.format);
+    return report.status;
 }
 
 ExitStatus run(const CommandLine& line) {
-    if (line.command == Command::None) {
-        return ExitStatus::Record; // a question about itself, which was answered
+    switch (line.command) {
+    case Command::None: // everything was printed
+        return ExitStatus::Record;
+    case Command::Parse:
+        return parse(line);
+    default:
+        return askAll(line);
     }
-    if (line.command != Command::Parse) {
-        return askAbout(line);
-    }
-    const Report report = parsed(contentOf(line.file), line.kind == "order");
-    tools::print(report.object, line.format, false);
-    return report.status;
 }
 
 } // namespace
 
 int main(int argumentCount, char** words) {
+    platform::openClosedStreams();
     platform::logUncaughtFailures();
-    std::signal(SIGPIPE, SIG_IGN); // a reader that has gone is an error like a full disk
+    std::signal(SIGPIPE, SIG_IGN);       // a reader that has exited is an error like a full disk
+    std::ios::sync_with_stdio(false);    // with it, a failed read looks like the end of a list
+    std::setlocale(LC_CTYPE, "C.UTF-8"); // for the width of characters
     try {
         return static_cast<int>(run(tools::readCommandLine(argumentCount, words)));
     } catch (const tools::UsageError& error) {

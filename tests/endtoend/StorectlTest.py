@@ -1,10 +1,14 @@
-"""The command line of the store client, against the demo store."""
+"""The command line of the store client, against the demo store and a store that answers anything."""
 
+import contextlib
 import json
 import os
 import pty
 import re
+import select
+import socketserver
 import subprocess
+import threading
 import unittest
 
 from tests.endtoend.support import BUILD, TestCase
@@ -13,80 +17,250 @@ from kit.stage import PROJECT, Store
 
 RECORD, NONE, USAGE, FAILURE, UNREACHABLE = range(5)
 PROGRAM = f"{BUILD}/tools/storectl"
+ACTIVE = "<subscription><status>active</status></subscription>"
 
 
-def run(*words, given=""):
-    result = subprocess.run([PROGRAM, *words], text=True, capture_output=True, input=given, check=False)
+def run(*words, given="", **options):
+    """Runs the program without a terminal, also where the tests have one."""
+    result = subprocess.run([PROGRAM, *words], text=True, capture_output=True, input=given, check=False,
+                            start_new_session=True, **options)
     return result.returncode, result.stdout, result.stderr
 
 
+def references_of(store):
+    return [re.sub(r".*Ref=(.*) \d+$", r"\1", line) for line in store.requests]
+
+
+class AnyStore(socketserver.ThreadingTCPServer):
+    """A store at the address of the build. `reply` gives the status and the body for a reference and the number of
+    the request on its connection, or None to close it."""
+    allow_reuse_address = daemon_threads = True
+
+    def __init__(self, reply):
+        self.reply, self.targets = reply, []
+        port = int(re.search(r"127\.0\.0\.1:(\d+)", run("--help")[1])[1])
+        super().__init__(("127.0.0.1", port), self.Handler)
+
+    def __enter__(self):
+        threading.Thread(target=self.serve_forever, args=(0.01,), daemon=True).start()
+        return self
+
+    def __exit__(self, *_):
+        self.shutdown()
+        self.server_close()
+
+    class Handler(socketserver.StreamRequestHandler):
+        def handle(self):
+            number = 0
+            while line := self.rfile.readline():
+                while self.rfile.readline().strip():
+                    pass
+                self.server.targets.append(line.split()[1].decode())
+                reply = self.server.reply(self.server.targets[-1].split("Ref=")[1], number)
+                if reply is None:
+                    break
+                number += 1
+                self.wfile.write(f"HTTP/1.1 {reply[0]}\r\nContent-Length: {len(reply[1].encode())}\r\n\r\n"
+                                 f"{reply[1]}".encode())
+
+
+class Terminal:
+    """A program with a terminal of its own, and what it shows there."""
+
+    def __init__(self, *words, given=None, **environment):
+        self.shown = ""
+        self.process, self._screen = pty.fork()
+        if self.process == 0:
+            if given is not None:
+                reading, writing = os.pipe()
+                os.write(writing, given.encode())
+                os.close(writing)
+                os.dup2(reading, 0)
+            os.execve(words[0], words, {**os.environ, "TERM": "dumb", **environment})
+
+    def type(self, text):
+        os.write(self._screen, text.encode())
+
+    def wait(self, text=None):
+        """Waits until the text is shown, or until the program ends."""
+        while text is None or text not in self.shown:
+            if not select.select([self._screen], [], [], 60)[0]:
+                raise TimeoutError(f"{text} is not shown: {self.shown}")
+            with contextlib.suppress(OSError):  # the end of the program
+                if read := os.read(self._screen, 1000):
+                    self.shown += read.decode(errors="replace")
+                    continue
+            os.close(self._screen)
+            return os.waitstatus_to_exitcode(os.waitpid(self.process, 0)[1])
+        return None
+
+
 class StorectlTest(TestCase):
-    def test_one_question_is_one_request(self):
-        none = {"result": "none", "record": None}
+    def test_one_reference_is_one_request(self):
+        none = {"result": "none", "httpStatus": 200, "record": None}
         with Store(BUILD) as store:
-            for words, status, answer in (
-                    (("subscription", "unknown"), NONE, none),
-                    (("cancel", "DEMO-KEEP"), NONE, {"result": "refused"}),
-                    (("--store", "x", "cancel", "DEMO-1002"), RECORD, {"result": "confirmed"}),
-                    (("order", "unknown", "--store", "x"), NONE, none),
+            for words, status, answer, message in (
+                    (("subscription", "unknown"), NONE, none, ""),
+                    (("cancel", "DEMO-KEEP", "-y"), NONE, {"result": "refused", "httpStatus": 200}, "1 refused"),
+                    (("--yes", "--store", "x", "cancel", "DEMO-1002"), RECORD,
+                     {"result": "confirmed", "httpStatus": 200}, "1 confirmed"),
+                    (("order", "unknown", "--store=", "--raw=false"), NONE, none, ""),
                     (("order", "ORDER-2003"), FAILURE, {
-                        "result": "failure", "reason": "invalid_argument",
-                        "message": "a container ends without a record to append"})):
+                        "result": "failure", "httpStatus": 200, "reason": "invalid_argument",
+                        "message": "a container ends without a record to append"}, "ORDER-2003: a container ends")):
                 code, output, errors = run(*words)
-                self.assertEqual((code, json.loads(output), errors), (status, answer, ""), words)
-            code, output, errors = run("subscription", "DEMO-1002", "-v", "--timeout", "5")
+                self.assertEqual((code, json.loads(output)), (status, answer), words)
+                self.assertRegex(errors, rf"^storectl: .*{message}.*\n$" if message else "^$")
+            code, output, errors = run("-v", "--timeout", "5", "subscription", "DEMO-1002")
             self.assertEqual(json.loads(output)["record"]["status"], "canceled")
-            self.assertRegex(errors, r"^storectl: GET http\S+DEMO-1002: \d+ bytes after \d+ ms\n$")
-            self.assertIn("<reference>DEMO-1001</reference>", run("subscription", "DEMO-1001", "--raw")[1])
-            code, output, errors = run("order", "two words")
-            self.assertEqual((code, output), (USAGE, ""))
-            self.assertRegex(errors, r"^storectl: .*two words makes no address; nothing was sent\n$")
-            run("order", "last")
-            wait_for(lambda: "last" in "".join(store.requests))
-            self.assertEqual(len(store.requests), 8)
-        for words, advice in ((("subscription", "A"), ""), (("cancel", "A"), "may have been canceled")):
+            self.assertRegex(errors, r"^storectl: GET http\S+DEMO-1002: HTTP status 200, \d+ bytes after \d+ ms\n$")
+            self.assertTrue(wait_for(lambda: len(store.requests) == 6))
+        for words, advice in ((("subscription", "A"), ""), (("cancel", "A", "--yes"), "may have been canceled")):
             code, output, errors = run(*words)
             answer = json.loads(output)
             self.assertEqual((code, answer["result"], answer["record"]), (UNREACHABLE, "unreachable", None))
             self.assertIn("Couldn't connect", answer["message"])
+            self.assertIn(advice, answer["message"])
             self.assertIn(advice, errors)
+            self.assertEqual(run(*words, "--raw")[:2], (UNREACHABLE, ""))
 
-    def test_several_references_have_a_line_each_and_the_worst_status(self):
+    def test_references_are_sent_as_given(self):
+        sent = ["++", "A,B", "A&f=x", "a/b", "(A)", "'A'", "", "%5BA%5D", "order", "complete", "--yes", "-", "--", "@x"]
+        invalid = ["[A,B]", "[[A]]", "{A}", "two words", "A\n", "50%", "\u00e9"]
         with Store(BUILD) as store:
-            code, output, _ = run("subscription", "DEMO-1001", "a b", "-", given="unknown\nDEMO-KEEP\n")
-            lines = [json.loads(line) for line in output.splitlines()]
-            self.assertEqual([(line["reference"], line["result"]) for line in lines], [
-                ("DEMO-1001", "record"), ("a b", "invalid"), ("unknown", "none"), ("DEMO-KEEP", "record")])
-            self.assertEqual(code, USAGE)
-            # A terminal is shown how far it is, and asked before something is canceled.
-            ours, terminal = pty.openpty()
-            os.write(ours, b"n\n")
-            with os.fdopen(ours, "rb", 0) as screen:
-                for words in (("subscription", "DEMO-1001", "DEMO-KEEP"), ("cancel", "DEMO-1001")):
-                    subprocess.run([PROGRAM, *words], stdin=terminal, stderr=terminal, check=False,
-                                   stdout=subprocess.DEVNULL)
-                shown = ""
-                while "nothing was canceled" not in shown:
-                    shown += screen.read(1000).decode()
-            os.close(terminal)
-            self.assertIn("1 of 2\r2 of 2\r\n", shown)
-            self.assertIn("cancel 1 subscription? [y/N] ", shown)
-            self.assertFalse([line for line in store.requests if "delete" in line])
+            code, output, _ = run("subscription", *sent[:10], "-v", *invalid, "--", *sent[10:],
+                                  given="A\r\n\n \nA\nB\r\r")
+            results = [json.loads(line) for line in output.splitlines()]
+            listed = sent[:11] + ["A", "A"] + sent[12:]
+            self.assertEqual((code, [line["reference"] for line in results if line["result"] != "invalid"]),
+                             (USAGE, listed))
+            self.assertEqual([line["reference"] for line in results if line["result"] == "invalid"],
+                             invalid + ["B\r"])
+            self.assertEqual(references_of(store), listed)
+        code, output, errors = run("order", "two words")
+        self.assertEqual((code, output), (USAGE, ""))
+        self.assertRegex(errors, r"^storectl: \S+two words is not a valid URL; nothing was sent\n$")
 
-    def test_what_is_parsed_and_printed(self):
+    def test_cancel_asks_first(self):
+        listed = "A\n\nDEMO-1001\r\nDEMO-KEEP\nA\nDEMO-1002\nA"
+        with Store(BUILD) as store:
+            for words in (("DEMO-1001",), ("-",), ("DEMO-1001", "--dry-run")):
+                code, output, errors = run("cancel", *words, given=listed)
+                isDry = "--dry-run" in words
+                self.assertEqual((code, bool(output)), (RECORD, True) if isDry else (USAGE, False))
+                self.assertIn("1 found; nothing was canceled" if isDry else "without a terminal", errors)
+            for reply, status in (("\n", USAGE), ("n\n", USAGE), ("yes\n", NONE)):
+                self.assertFalse([line for line in store.requests if "delete" in line])
+                terminal = Terminal(PROGRAM, "cancel", "-", given=listed)
+                terminal.wait("[y/N] ")
+                terminal.type(reply)
+                self.assertEqual(terminal.wait(), status)
+                self.assertRegex(terminal.shown, r"left out 2 duplicates\r\nstorectl: cancel 4 subscriptions at "
+                                 r"127\.0\.0\.1:\d+: A, DEMO-1001, DEMO-KEEP and 1 more\? \[y/N\] ")
+                self.assertIn("nothing was canceled" if status == USAGE else "2 confirmed, 2 refused", terminal.shown)
+            self.assertEqual(references_of(store)[1:], ["A", "DEMO-1001", "DEMO-KEEP", "DEMO-1002"])
+            with open("/dev/full", "wb") as full:
+                result = subprocess.run([PROGRAM, "cancel", "-y", "DEMO-1001", "A"], stdout=full, check=False,
+                                        stderr=subprocess.PIPE)
+            self.assertEqual(result.returncode, FAILURE)
+            self.assertIn(b"No space left on device. The request to cancel DEMO-1001 was sent: confirmed",
+                          result.stderr)
+            self.assertTrue(wait_for(lambda: len(store.requests) == 6))
+
+    def test_answers_of_others_are_failures(self):
+        html = "<html><body><p>Down</p><subscription/></body></html>"
+        failed = {"result": "failure", "httpStatus": 200}
+        for status, body, expected in (
+                ("503 Down", html, {"result": "failure", "httpStatus": 503, "reason": "http_503"}),
+                ("404 No", "<response/>", {"result": "failure", "httpStatus": 404, "reason": "http_404"}),
+                ("399 No", "<response/>", {"result": "none", "httpStatus": 399}),
+                ("500 No", ACTIVE, {"result": "record", "httpStatus": 500}),
+                ("200 OK", html, failed | {"reason": "html"}),
+                ("204 Empty", "", failed | {"reason": "malformed", "httpStatus": 204}),
+                ("200 OK", "Welcome!", failed | {"reason": "malformed"}),
+                ("200 OK", ACTIVE[:-5], {"result": "record", "httpStatus": 200, "isParsingError": True})):
+            code = {"failure": FAILURE, "none": NONE, "record": RECORD}[expected["result"]]
+            with AnyStore(lambda reference, number, reply=(status, body): reply):
+                for command, names in (("subscription", {}), ("cancel", {"record": "confirmed", "none": "refused"})):
+                    result, output, errors = run(command, "A", *(["-y"] if names else []))
+                    answer = json.loads(output)
+                    self.assertNotIn("record" if names else None, answer)
+                    message = answer.pop("message", "")
+                    answer.pop("record", None)
+                    self.assertEqual((result, answer), (code, expected | {
+                        "result": names.get(expected["result"], expected["result"])}), (command, body))
+                    self.assertEqual(bool(message), code == FAILURE)
+                    self.assertEqual("may have been canceled" in message, code == FAILURE and bool(names))
+                    self.assertEqual("malformed or cut off" in errors, "isParsingError" in expected)
+                result, output, _ = run("subscription", "A", "B", "--raw")
+                self.assertEqual((result, output), (code, body * 2))
+
+    def test_lookups_run_at_the_same_time_and_cancellations_do_not(self):
+        second = threading.Event()
+
+        def reply(reference, number):
+            if reference == "second":
+                second.set()
+            if reference == "first" and not second.wait(20):
+                return None
+            return ("200 OK", ACTIVE) if number == 0 else None  # a kept connection closes without an answer
+        with AnyStore(reply) as store:
+            code, output, _ = run("subscription", "first", "second", "third", "-", "--jobs", "2",
+                                  given="\n".join(map(str, range(200))))
+            lines = [json.loads(line) for line in output.splitlines()]
+            self.assertEqual((code, [line["reference"] for line in lines]),
+                             (RECORD, ["first", "second", "third", *map(str, range(200))]))
+            self.assertEqual({line["result"] for line in lines}, {"record"})
+            store.targets.clear()
+            self.assertEqual(run("cancel", "A", "B", "C", "--yes")[0], RECORD)
+            self.assertEqual(len(store.targets), 3)
+            with open("/dev/full", "wb") as full:
+                self.assertEqual(subprocess.run([PROGRAM, "order", "-", "--jobs=8"], input=b"A\n" * 2000, check=False,
+                                                stdout=full, stderr=subprocess.DEVNULL).returncode, FAILURE)
+            self.assertLess(len(store.targets), 1000)
+
+    def test_terminals_get_no_controls_and_the_progress(self):
+        controls = "\u009b\u009d\u202e\u2028\x7f\x1b"
+        answer = f"<a><subscription><status>{controls[:-1]}</status></subscription></a>"
+        with Store(BUILD, "--answer", answer):
+            for words in (("A", "B"), ("A", controls, "--format", "table"), ("A", "--format=table")):
+                terminal = Terminal(PROGRAM, "subscription", *words)
+                terminal.wait()
+                self.assertFalse([each for each in controls if each in terminal.shown], terminal.shown)
+                self.assertIn("\\u009b" if "B" in words else "\\xc2\\x9b", terminal.shown)
+                self.assertEqual("\r      \r" in terminal.shown, "--format=table" not in words)
+            self.assertRegex(terminal.shown, r"isCancelable +false")
+            self.assertNotIn(" of ", run("subscription", "A", "B")[2])
+
+    def test_tables_are_aligned(self):
+        name = "\u65e5\u672c e\u0301"
+        with Store(BUILD, "--answer", f"<order><total>7</total><city>{name}</city><orderItems><orderItem><quantity>1"
+                   "</quantity></orderItem></orderItems></order>"):
+            self.assertEqual(run("order", "A1", "\u65e5\u672c\u8a9e", "--fields", "reference,city,total,result,"
+                                 "orderItems/0/quantity")[1].splitlines(), [
+                "reference  city    total  result   orderItems/0/quantity",
+                f"A1         {name}  7      record   1",
+                "\u65e5\u672c\u8a9e     -       -      invalid  -"])
+            self.assertEqual(run("order", "A", "--format", "table")[1].splitlines(), [
+                "isTest                 false", "total                  7", f"city                   {name}",
+                "orderItems/0/quantity  1"])
+            self.assertEqual(run("cancel", "A", "LONGER-REFERENCE", "-y", "--format", "table")[1].splitlines(), [
+                "reference         result", "A                 refused", "LONGER-REFERENCE  refused"])
+            for command, header in (("order", "reference result status total currency customerEmail"),
+                                    ("subscription", "reference result status productName endDate customerEmail")):
+                self.assertEqual(run("--format", "table", command, "A", "B")[1].splitlines()[0].split(), header.split())
+
+    def test_files_are_parsed(self):
         file = self.folder / "answer.xml"
         file.write_text("<subscription><quantity>-1</quantity><status>&quot;\u00e9</status>")
-        code, output, _ = run("parse", "subscription", str(file))
+        code, output, errors = run("parse", "subscription", str(file))
         record = json.loads(output)["record"]
         self.assertEqual((code, record["quantity"], record["status"]), (RECORD, 18446744073709551615, '"\u00e9'))
-        self.assertEqual(run("parse", "subscription", "-")[0], NONE)
-        self.assertEqual(json.loads(run("parse", "order", "-", given="<a><total/><statusChanged/></a>")[1])["reason"],
-                         "out_of_range")
-        code, output, _ = run("parse", "--format", "table", "order", "-", given="<order><total>7</total>"
-                              "<city>a\n\"</city><orderItems><orderItem><quantity>1</quantity>"
-                              "</orderItem></orderItems></order>")
-        self.assertEqual([line.split(None, 1) for line in output.splitlines()], [
-            ["isTest", "false"], ["total", "7"], ["city", 'a\\n\\"'], ["orderItems/0/quantity", "1"]])
+        self.assertIn(f"storectl: {file}: the answer is malformed or cut off", errors)
+        for answer, status, reason in (("", FAILURE, "malformed"), ("<a/>", NONE, None), ("<html/>", FAILURE, "html"),
+                                       ("<a><total/><statusChanged/></a>", FAILURE, "out_of_range")):
+            code, output, _ = run("parse", "order", "-", given=answer)
+            self.assertEqual((code, json.loads(output).get("reason")), (status, reason), answer)
         for reader, reason in (("/dev/full", "No space left"), (None, "Broken pipe")):
             pipe = os.pipe()
             os.close(pipe[0])
@@ -95,41 +269,65 @@ class StorectlTest(TestCase):
                                         stderr=subprocess.PIPE, check=False)
             self.assertEqual(result.returncode, FAILURE)
             self.assertIn(b"storectl: the result cannot be written: " + reason.encode(), result.stderr)
+        closed = subprocess.run(["sh", "-c", '"$0" subscription A >&-', PROGRAM], stderr=subprocess.PIPE, check=False)
+        self.assertEqual((closed.returncode, b"cannot be written" in closed.stderr), (FAILURE, True))
 
     def test_wrong_usage_names_the_word_that_is_wrong(self):
         for words, message in (
-                ((), "a command is needed"),
-                (("sub", "A"), "no command sub; did you mean subscription?"),
-                (("ordr", "A"), "no command ordr; did you mean order?"),
-                (("subscription",), "REF is required"),
-                (("order", "A", "--formt", "x"), "no option --formt; did you mean --format?"),
-                (("order", "A", "--format", "xml"), "xml is not one of json|table"),
-                (("order", "A", "--timeout", "0"), "0 is no number of seconds"),
-                (("parse", "invoice", "-"), "invoice is not one of subscription|order"),
-                (("parse", "order", "/tmp"), "cannot read /tmp"), (("parse", "order", "/no"), "cannot read /no")):
-            code, output, errors = run(*words)
-            self.assertEqual((code, output), (USAGE, ""), words)
-            self.assertRegex(errors, rf"^storectl: .*{re.escape(message)}.*\n$")
+                ((), "a command is missing: subscription, cancel, order, parse, completion"),
+                (("sub", "A"), "unknown command sub; did you mean subscription?"),
+                (("ordr", "A"), "unknown command ordr; did you mean order?"), (("print", "A"), "unknown command print"),
+                (("subscription",), "subscription: REF is required"),
+                (("order", "A", "--formt", "x"), "unknown option --formt; did you mean --format?"),
+                (("order", "A", "--frob=x"), "unknown option --frob"), (("order", "---A"), "unknown option ---A"),
+                (("cancel", "A", "--jobs", "2"), "unknown option --jobs"),
+                (("--yes", "order", "A"), "order does not take --yes"),
+                (("order", "A", "--format", "xml"), "order: --format: xml is not one of json|table"),
+                (("order", "A", "--jobs", "33"), "order: --jobs: Value 33 not in range 1 to 32"),
+                (("order", "A", "--timeout", "0"), "order: --timeout: 0 is not a number of seconds from 0.001 to 3600"),
+                (("order", "A", "--timeout"), "order: --timeout: 1 required SECONDS missing"),
+                (("order", "A", "--fields", "stats"), "unknown field stats; did you mean status?"),
+                (("order", "A", "--fields", "city", "--format", "json"), "order: --fields excludes --format json"),
+                (("order", "A", "--fields", "city", "--raw"), "order: --raw excludes tables"),
+                (("parse", "invoice", "-"), "parse: KIND: invoice is not one of subscription|order"),
+                (("parse", "order"), "parse: FILE is required"),
+                (("parse", "order", "a", "b"), "parse does not take b"),
+                (("parse", "order", "/tmp"), "cannot read /tmp"), (("parse", "order", "--", "-n"), "cannot read -n")):
+            self.assertEqual(run(*words), (USAGE, "", f"storectl: {message}\n"), words)
+        directory = subprocess.run(["sh", "-c", '"$0" order - </', PROGRAM], capture_output=True, check=False)
+        self.assertEqual((directory.returncode, directory.stderr), (USAGE, b"storectl: cannot read standard input\n"))
 
-    def test_manual_and_completions_know_every_option(self):
+    def test_manual_and_shells_know_every_option(self):
         manual = (PROJECT / "tools/storectl.1").read_text().replace("\\-", "-")
-        scripts = {shell: run("completion", shell)[1] for shell in ("bash", "zsh", "fish")}
         for command in ("", "subscription", "cancel", "order", "parse"):
             code, output, _ = run(*command.split(), "--help")
             self.assertEqual(code, RECORD)
             self.assertIn(f"storectl {command}", manual)
-            for option in re.findall(r"--([a-z]+)", output.split("Exit status")[0]):
-                self.assertIn(f"--{option}", manual)
-                for shell, script in scripts.items():
-                    self.assertRegex(script, rf"(--|-l ){option}\b", shell)
-        for words, expected in ((["su"], ["subscription"]), (["order", "A", "--format", ""], ["json", "table"]),
-                                (["parse", "o"], ["order"]), (["cancel", "--y"], ["--yes"])):
-            script = scripts["bash"] + ('COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _storectl; '
-                                        'echo "${COMPREPLY[@]}"')
-            result = subprocess.run(["bash", "-c", script, "bash", "storectl", *words], text=True,
-                                    capture_output=True, check=True)
-            self.assertEqual(result.stdout.split(), expected, words)
+            for text in (output, manual):
+                self.assertIn("119.95", text)
+                self.assertIn("UTC", text)
+            options = re.findall(r"--?[a-z][a-z-]*", output.split("Options:")[1].split("\n\n")[0])
+            self.assertEqual([option for option in options if option not in manual], [])
+            candidates = run("complete", "--", *command.split(), "-")[1].splitlines()
+            self.assertEqual({line.split("\t")[0] for line in candidates}, set(options))
         self.assertRegex(run("--version")[1], r"^storectl \d+\.\d+\.\d+\n$")
+        (self.folder / "answer.xml").write_text("<a/>")
+        for shell, *words in (("bash", "--norc", "--noprofile", "-i"), ("zsh", "-f", "-i"),
+                              ("fish", "--no-config", "-i")):
+            terminal = Terminal("/usr/bin/env", "-C", str(self.folder), shell, *words, HOME=str(self.folder),
+                                PATH=f"{os.path.dirname(PROGRAM)}:{os.environ['PATH']}")
+            setup = {"bash": "source <(storectl completion bash)", "fish": "storectl completion fish | source",
+                     "zsh": "autoload -U compinit; compinit -u -D; source <(storectl completion zsh)"}[shell]
+            terminal.type(f"{setup}; echo re''ady\n")
+            terminal.wait("ready")
+            for typed, expected in (("su", "subscription: REF is required"), ("cancel --dr", "cancel: REF is required"),
+                                    ("order --format t", "order: REF is required"),
+                                    ("parse sub\tans", '"result": "none"')):
+                terminal.shown = ""
+                terminal.type(f"storectl {typed}\t\n")
+                terminal.wait(expected)
+            terminal.type("exit\n")
+            terminal.wait()
 
 
 if __name__ == "__main__":
