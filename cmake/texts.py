@@ -10,6 +10,7 @@ import re
 import sys
 
 ENTRY = re.compile(r'"((?:[^"\\]|\\.)*)"\s*=\s*"((?:[^"\\]|\\.)*)"\s*;', re.DOTALL)
+TOGETHER = "Cancel Subscription and &Uninstall", "&Keep Subscription"  # buttons that are shown together
 COMMENT = re.compile(r"/\*.*?\*/|//[^\n]*", re.DOTALL)
 
 
@@ -33,7 +34,12 @@ def table(file):
     return entries
 
 
-def check(file, known, is_new):
+def mnemonic(text):
+    return text.partition("&")[2][:1].lower()
+
+
+def check(file, known, ours):
+    """Checks a file of own texts. `ours` are this project's in the same language, or None."""
     own = table(file)
     for key, value in own.items():
         if key not in known:
@@ -41,11 +47,16 @@ def check(file, known, is_new):
         for mark in ("%@", "&"):
             if key != "Product Name" and key.count(mark) != value.count(mark):
                 sys.exit(f"{file}: '{value}' must have {mark} as often as '{key}'")
+        if "&" in key and not mnemonic(value).isalnum():
+            sys.exit(f"{file}: '{value}' must have a letter after &")
         if not value.strip():
             sys.exit(f"{file}: the text for '{key}' is empty")
     missing = [key for key in known if key not in own]
-    if is_new and missing:
+    if ours is None and missing:
         sys.exit(f"{file}: a new language needs all texts, but has none for '{missing[0]}'")
+    one, other = (own.get(key) or ours[key] for key in TOGETHER)
+    if mnemonic(one) == mnemonic(other):
+        sys.exit(f"{file}: '{one}' and '{other}' have the same mnemonic after &")
 
 
 def main():
@@ -57,7 +68,8 @@ def main():
     for file in files:
         if not re.fullmatch(r"[a-z]{2,3}(_[A-Za-z]+)?\.strings", file.name):
             sys.exit(f"{file}: expected a file named by a language, such as de.strings or pt_BR.strings")
-        check(file, known, not (resources / f"{file.stem}.lproj").is_dir())
+        ours = resources / f"{file.stem}.lproj" / "Localizable.strings"
+        check(file, known, table(ours) if ours.exists() else None)
 
 
 if __name__ == "__main__":

@@ -184,6 +184,7 @@ class PackagingTest(TestCase):
                 ("TEXTS", self.texts("de", '"&Keep Subscription" = "&Da";'), "the same mnemonic"),
                 ("ACCOUNT_PAGE", "ftp://globex.com/", "an http or https URL"),
                 ("TEXTS", self.texts("de", '"&Close" = "x";'), "must have & as often"),
+                ("TEXTS", self.texts("de", '"&Close" = "x&";'), "a letter after &"),
                 ("TEXTS", self.texts("de", '"Not Now" = " ";'), "is empty"),
                 ("TEXTS", self.texts("sv", '"Not Now" = "x";'), "needs all texts")):
             with self.subTest(setting=setting, value=value):
