@@ -1,9 +1,9 @@
-"""Measures the helper beside its peers: `python3 -m bench.bench BUILD [--package BUILD] [--quick]`.
+"""Compares the helper with similar programs: `python3 -m bench.bench BUILD [--package BUILD] [--quick]`.
 
-Prints one table. Figures of time are the ratio of two medians that were measured in turn in the same run.
---package names a build folder with the self-contained package, which has rows of its own. --quick makes few
-rounds with small inputs, to see that everything works; its figures mean nothing but for the instructions until
-the window, which end it with status 1 beyond a limit.
+Prints one table. A comparison of times is the ratio of two medians that were measured in turn in the same run.
+--package names a build directory with the self-contained package, which adds rows. --quick runs few rounds with small
+inputs to check the programs. Its only usable figure is the number of instructions until the window. Every run exits
+with status 1 if that number exceeds MOST_INSTRUCTIONS.
 """
 
 import argparse
@@ -21,7 +21,7 @@ import time
 from kit.desktop import desktop, end, wait_for
 from kit.stage import PROJECT, Stage, Store, Window
 
-MOST_INSTRUCTIONS = 130  # millions until the window, with Debian's libcurl
+MOST_INSTRUCTIONS = 130  # in millions until the window is on the screen, with Debian's libcurl
 SUBSCRIPTION = (PROJECT / "bench" / "subscription.xml").read_text()
 
 
@@ -40,12 +40,12 @@ class Bench:
         print(f"row {number}: {what} / {against}: {ratio:.2f} ({detail})", file=sys.stderr)
 
     def output_of(self, program, *words, environment=None):
-        """The numbers that a program prints."""
+        """Returns the numbers that a program prints."""
         return [float(word) for word in subprocess.run([self.program(program), *map(str, words)], text=True,
                                                        env=environment, capture_output=True, check=True).stdout.split()]
 
     def times(self, runs, commands, until="exit", environment=None):
-        """Medians, in milliseconds, of commands timed in turn."""
+        """Returns the median time of each command in milliseconds, measured in turn."""
         task = {"runs": 2 if self.quick else runs, "until": until, "commands": [
             {"argv": [str(word) for word in command["argv"]]} |
             {key: value for key, value in command.items() if key != "argv"}
@@ -129,7 +129,7 @@ class Bench:
         dump = file.with_name("callgrind.1")
         with Store(self.build):
             process = stage.start(environment, log=subprocess.DEVNULL)
-            Window(environment).wait()  # this home has its caches of fonts now, as those of users have
+            Window(environment).wait()  # fills this home's font caches, which users' homes have
             end(process)
             stage.forget_last_run()
             process = subprocess.Popen(
@@ -147,7 +147,7 @@ class Bench:
         seconds = 1 if self.quick else 10
         stage = Stage(self.build, self.folder / "rest")
         with Store(self.build, "--delay", "20000"):
-            # The look-up takes as long: half of it is waited for here.
+            # The demo store delays only the cancellation, so the spinner turns for 20 seconds.
             process = stage.start(environment)
             window = Window(environment)
             window.wait(60)
@@ -212,7 +212,7 @@ class Bench:
                      (self.calls_of("ours"), self.calls_of("bare")), unit="calls")
 
     def calls_of(self, name):
-        """System calls of one look-up: what a hundred more of them take."""
+        """Returns the system calls of one lookup: the difference between 200 and 100 lookups, divided by 100."""
         counts = []
         for times in (100, 200):
             file = self.folder / "calls"
@@ -242,7 +242,7 @@ class Bench:
         self.compare(9, "storectl subscription", "curl -s piped into xmllint --xpath", 1.0, medians)
 
     def steps(self):
-        """Row 10, each program's time less that of its start with nothing to do, and row 11."""
+        """Measures the removal's steps. The copies' times exclude the program's start, which is measured separately."""
         step = self.program("tests/removal-step")
         stage = Stage(self.build, self.folder / "steps")
         environment = stage.environment()
@@ -296,7 +296,7 @@ class Bench:
 
 
 def make_bundle(path, files):
-    """An application bundle of many small files, with a program."""
+    """Creates an application bundle with a program and many small files."""
     (path / "Contents" / "Linux").mkdir(parents=True)
     program = path / "Contents" / "Linux" / path.stem
     program.write_text("#!/bin/true\n")
@@ -308,13 +308,13 @@ def make_bundle(path, files):
 
 
 def status_of(process, field):
-    """A memory figure of a process, in bytes."""
+    """Returns a memory figure of a process in bytes."""
     lines = pathlib.Path(f"/proc/{process}/status").read_text().splitlines()
     return next(int(line.split()[1]) * 1024 for line in lines if line.startswith(f"{field}:"))
 
 
 def of_threads(process, figure):
-    """The sum of a figure over the threads of a process."""
+    """Returns the sum of a figure over the threads of a process."""
     return sum(figure(thread) for thread in pathlib.Path(f"/proc/{process}/task").iterdir())
 
 
@@ -324,7 +324,7 @@ def wakeups(thread):
 
 
 def processor_time(thread):
-    """In nanoseconds."""
+    """Returns the processor time of a thread in nanoseconds."""
     return int((thread / "schedstat").read_text().split()[0])
 
 
@@ -344,7 +344,7 @@ def main():
         bench.storectl()
         bench.steps()
         environment = stack.enter_context(desktop())
-        bench.instructions(environment)  # before zenity, which has accessibility started for those after it
+        bench.instructions(environment)  # before zenity, which starts accessibility for all later windows
         bench.window(environment)
         bench.event_loop(environment)
         bench.at_rest(environment)

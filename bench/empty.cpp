@@ -1,4 +1,4 @@
-// The least that a C++ program costs.
+// An empty program: the minimum cost of a C++ program.
 int main() {
     return 0;
 }

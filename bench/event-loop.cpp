@@ -1,6 +1,6 @@
-// A removal in the real window, with an uninstaller of 256 MiB: prints, in microseconds, the
-// longest gap between two turns of the event loop, and the time from the click until the sheet is
-// painted. Needs a display.
+// Runs a removal in the real window with an uninstaller of 256 MiB. Prints two times in
+// microseconds: the longest gap between two turns of the event loop, and the time from the click
+// until the progress sheet is painted. Needs a display.
 #include "app/SubscriptionHelperAppDelegate.h"
 #include "tests/support/LoopbackServer.h"
 #include "tests/support/TestHome.h"
@@ -19,7 +19,7 @@ namespace {
 constexpr std::uintmax_t kSize = std::uintmax_t{256} << 20U;
 const char* const kAnswer = "<subscription/>";
 
-/// Lets events happen until a condition holds.
+/// Processes events until a condition holds.
 template <class Condition>
 void runUntil(Condition condition) {
     while (!condition()) {
@@ -27,7 +27,7 @@ void runUntil(Condition condition) {
     }
 }
 
-/// Tells when a widget has been painted first.
+/// Records the time of a widget's first paint event.
 class PaintWatch final : public QObject {
   public:
     bool eventFilter(QObject* watched, QEvent* event) override {
@@ -75,7 +75,7 @@ int main(int argumentCount, char** arguments) {
     turn.start(0);
     const QWidget& window = *QApplication::activeWindow();
     PaintWatch painted;
-    // The last of the sheet's widgets that is painted.
+    // Watch the label, because it is the last of the sheet's widgets to be painted.
     window.findChild<QWidget*>("progressLabel")->installEventFilter(&painted);
     painted.sinceClick.start();
     window.findChild<QPushButton*>("removeButton")->click();

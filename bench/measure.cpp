@@ -1,10 +1,9 @@
-// Times commands against each other, in turn: A B A B ... Reads one JSON object from standard
-// input:
+// Times commands in turn (A B A B ...) to compare them. Reads one JSON object from standard input:
 //   {"runs": 20, "until": "exit" or "mapped",
 //    "commands": [{"argv": [...], "prepare": [...] or absent, "environment": {...}}, ...]}
-// and prints the times in microseconds, a list for each command. "exit" times from the start to the
-// end of the process, "mapped" to its first window on the screen; the process is then ended. A
-// "prepare" command runs before each run, untimed.
+// Prints the times in microseconds, as a list for each command. "exit" measures from the start
+// until the process exits, "mapped" until its first window is on the screen. Then the process is
+// killed. A "prepare" command runs untimed before each run.
 
 #include <algorithm>
 #include <chrono>
@@ -30,7 +29,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using nlohmann::json;
 
-constexpr std::uint16_t kSmallestWindow = 50; // what is smaller is no window that a person sees
+constexpr std::uint16_t kSmallestWindow = 50; // ignores the toolkits' invisible windows
 constexpr std::chrono::seconds kLongestStart{20};
 
 std::vector<std::string> environmentWith(const json& additions) {
@@ -58,18 +57,18 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
 }
 
 pid_t start(const json& argv, const json& environment) {
-    auto words = argv.get<std::vector<std::string>>();
+    auto command = argv.get<std::vector<std::string>>();
     auto variables = environmentWith(environment);
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
     posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
     pid_t process = 0;
-    const int error = posix_spawnp(&process, words.front().c_str(), &actions, nullptr,
-                                   pointersTo(words).data(), pointersTo(variables).data());
+    const int error = posix_spawnp(&process, command.front().c_str(), &actions, nullptr,
+                                   pointersTo(command).data(), pointersTo(variables).data());
     posix_spawn_file_actions_destroy(&actions);
     if (error != 0) {
-        throw std::runtime_error("cannot start " + words.front());
+        throw std::runtime_error("cannot start " + command.front());
     }
     return process;
 }
@@ -79,7 +78,7 @@ class Screen {
   public:
     Screen() : connection_(xcb_connect(nullptr, nullptr), xcb_disconnect) {
         if (xcb_connection_has_error(connection_.get()) != 0) {
-            throw std::runtime_error("no display");
+            throw std::runtime_error("cannot connect to the display. Set DISPLAY");
         }
         const xcb_setup_t* setup = xcb_get_setup(connection_.get());
         const std::uint32_t events = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
@@ -104,7 +103,7 @@ class Screen {
             }
             ::poll(&entry, 1, 100);
         }
-        throw std::runtime_error("no window appeared");
+        throw std::runtime_error("the command's window did not appear within 20 s");
     }
 
   private:

@@ -1,4 +1,4 @@
-// The least that a window with Qt Widgets costs: a label and a button.
+// A window with a label and a button: the minimum cost of a window with Qt Widgets.
 #include <QApplication>
 #include <QLabel>
 #include <QPushButton>

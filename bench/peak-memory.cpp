@@ -9,7 +9,8 @@
 
 namespace {
 
-/// The high-water mark of this process alone; that of getrusage() has the parent's in it.
+/// Returns the peak resident memory of this process in bytes. getrusage() would include the
+/// parent's peak.
 long peakMemory() {
     std::ifstream status("/proc/self/status");
     for (std::string line; std::getline(status, line);) {

@@ -1,4 +1,4 @@
-// What reading an answer costs inside a process, against the parsers that others would use.
+// Measures reading an answer inside a process, and compares it with common XML parsers.
 
 #include "store/Conversions.h"
 #include "store/FastSpringSubscriptionParser.h"
@@ -29,13 +29,14 @@ namespace {
 
 using Record = store::FastSpringSubscription;
 
-/// One subscription, as the store service writes it.
+/// Returns one subscription record in the store service's form.
 std::string subscription() {
     std::ifstream file(BENCH_SUBSCRIPTION, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// An answer of the usual size, or one of many records of about `size` bytes.
+/// Returns an answer with one record if `size` is 0, otherwise one of at least `size` bytes with
+/// many records.
 std::string answerOf(std::size_t size) {
     const std::string head = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
     if (size == 0) {
@@ -53,9 +54,9 @@ constexpr std::size_t kUsual = 0;
 constexpr std::size_t kLarge = 12'000'000;
 constexpr std::size_t kSizes[] = {1000, 10'000, 100'000, 1'000'000, kLarge, 100'000'000};
 
-// ---- the peers ----
+// ---- the other parsers ----
 
-/// Stores one field as our parser does; the conversions are ours, so that only the reading differs.
+/// Stores one field like our parser, with our conversions, so only the XML parsers differ.
 void storeField(Record& record, const std::string& name, const std::string& text) {
     using Property = std::variant<store::Text Record::*, store::Date Record::*,
                                   store::Number Record::*, bool Record::*>;
@@ -209,7 +210,7 @@ void reading(benchmark::State& state, Reader read, std::size_t size) {
     const std::string answer = answerOf(size);
     const auto record = read(answer);
     if (read != readByBareExpat && (!record || record->quantity != 1U)) {
-        state.SkipWithError("the record was not read");
+        state.SkipWithError("cannot read the record");
         return;
     }
     while (state.KeepRunning()) {
@@ -218,7 +219,7 @@ void reading(benchmark::State& state, Reader read, std::size_t size) {
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(answer.size()));
 }
 
-// ---- a look-up on loopback ----
+// ---- a lookup on loopback ----
 
 const test::LoopbackServer& server() {
     static const test::LoopbackServer server(test::httpReply(answerOf(kUsual)));
@@ -231,7 +232,7 @@ void lookUp(benchmark::State& state) {
     while (state.KeepRunning()) {
         const auto record = store::FastSpringUtilities::subscriptionForStore("acme", "ABC");
         if (!record) {
-            state.SkipWithError("no record");
+            state.SkipWithError("the lookup returned without a record");
             return;
         }
     }
@@ -254,7 +255,7 @@ void bareLookUp(benchmark::State& state) {
         curl_easy_cleanup(handle);
         static_cast<void>(readByBareExpat(body));
         if (failed) {
-            state.SkipWithError("no answer");
+            state.SkipWithError("libcurl failed");
             return;
         }
     }
@@ -276,7 +277,7 @@ int main(int argumentCount, char** arguments) {
         benchmark::RegisterBenchmark(("size/" + std::to_string(size)).c_str(), reading, readByUs,
                                      size);
     }
-    // The second of each for a count of system calls.
+    // The runs of 100 and 200 lookups serve to count the system calls of 100.
     const std::pair<std::string, void (*)(benchmark::State&)> lookUps[] = {{"ours", lookUp},
                                                                            {"bare", bareLookUp}};
     for (const auto& [name, ask] : lookUps) {

@@ -1,5 +1,5 @@
-// Moves bundles to the Trash, in turn as the helper does and by GIO's function alone: `trash
-// ROUNDS` prints both medians in microseconds. The home that it does that in is thrown away.
+// Moves bundles to the Trash of a temporary home, in turn with the helper's function and with
+// GIO's alone. `trash ROUNDS` prints both medians in microseconds.
 #include "housekeeping/HelperUtilities.h"
 #include "tests/support/TestHome.h"
 
@@ -27,7 +27,7 @@ double microsecondsOf(Trash trash) {
     const bool done = trash(bundle.path());
     const std::chrono::duration<double, std::micro> time = std::chrono::steady_clock::now() - start;
     if (!done) {
-        std::cerr << "trash: it was not moved\n";
+        std::cerr << "trash: cannot move the bundle to the Trash\n";
         std::exit(EXIT_FAILURE);
     }
     return time.count();

@@ -1,50 +1,53 @@
-# Also read by itself, as a script, in which no policies are set yet.
+# The packaging test also runs this file as a script, which starts without policies.
 cmake_minimum_required(VERSION 3.25)
 
-# What a company sets to make the helper its own, in a brand file; docs/packaging.md says what each
-# setting is. Every value is compiled or bundled in; none can be changed at run time.
+# Reads and checks the brand file, in which a company sets everything that is its own. docs/packaging.md
+# describes the settings. All values are compiled or bundled in, so they are fixed at run time.
 set(HELPER_BRAND "${PROJECT_SOURCE_DIR}/demo/product/brand.cmake" CACHE FILEPATH
     "The brand file: a set() line for each setting")
-option(HELPER_DEMO_STORE "Ask the demo store service on loopback, whatever the brand says" OFF)
+option(HELPER_DEMO_STORE "Use the demo store service on loopback instead of the brand's" OFF)
 
 include("${CMAKE_CURRENT_LIST_DIR}/Bundle.cmake")
 
+# helper_refuse(NAME MESSAGE): stops the build with the brand file, HELPER_NAME and the message.
 function(helper_refuse name message)
     message(FATAL_ERROR "${HELPER_BRAND}: HELPER_${name} ${message}")
 endfunction()
 
-# helper_setting(NAME PATTERN WHAT): the brand must set HELPER_NAME to something that matches; WHAT says
-# what that is, with an example. No setting has blanks around it, or an @, which marks places in templates.
-function(helper_setting name pattern what)
+# helper_setting(NAME PATTERN DESCRIPTION): stops the build unless the brand sets HELPER_NAME to a value that
+# matches the pattern. DESCRIPTION names the expected value and gives an example. Values with blanks around
+# them or with an @ are invalid, because @ marks variables in the templates.
+function(helper_setting name pattern description)
     if(NOT DEFINED HELPER_${name})
-        helper_refuse(${name} "is missing; it must be ${what}")
+        helper_refuse(${name} "is missing. Set it to ${description}")
     endif()
     set(value "${HELPER_${name}}")
     if(NOT value MATCHES "^(${pattern})$" OR value MATCHES "^[ \t]|[ \t]$|@")
-        helper_refuse(${name} "must be ${what}, not '${value}'")
+        helper_refuse(${name} "must be ${description}, not '${value}'")
     endif()
 endfunction()
 
-# helper_file(NAME): makes the path of HELPER_NAME, which is relative to the brand file, absolute; it must
-# be there.
+# helper_file(NAME): makes the path in HELPER_NAME absolute, from the brand file's directory. Stops the build
+# if the file is missing.
 function(helper_file name)
     get_filename_component(path "${HELPER_${name}}" ABSOLUTE BASE_DIR "${brand_directory}")
     if(NOT EXISTS "${path}")
-        helper_refuse(${name} "names a file that is missing: there is no '${path}'")
+        helper_refuse(${name} "names a missing file: '${path}'. Add the file, or correct the path")
     endif()
     set(HELPER_${name} "${path}" PARENT_SCOPE)
 endfunction()
 
-# helper_program(NAME): HELPER_NAME must be an executable file, or a bundle `X.app` with its program inside.
+# helper_program(NAME): stops the build unless HELPER_NAME is an executable file, or a bundle `X.app` with its
+# program inside.
 function(helper_program name)
     set(program "${HELPER_${name}}")
     get_filename_component(file "${program}" NAME)
     if(file MATCHES "'")
-        helper_refuse(${name} "must have no single quote in its name, which would end a word of the shell: '${file}'")
+        helper_refuse(${name} "must not contain a single quote in its name, which would end a shell string: '${file}'")
     endif()
-    string(TOLOWER "${file}" lower) # some file systems of macOS do not tell them apart
+    string(TOLOWER "${file}" lower) # macOS has file systems that ignore case
     if(lower STREQUAL "subscription helper")
-        helper_refuse(${name} "must have another name than the helper's own program, '${file}'")
+        helper_refuse(${name} "must differ from the helper's own program in more than case: '${file}'")
     endif()
     if(IS_DIRECTORY "${program}")
         get_filename_component(stem "${program}" NAME_WLE)
@@ -52,7 +55,7 @@ function(helper_program name)
     endif()
     execute_process(COMMAND test -f "${program}" -a -x "${program}" RESULT_VARIABLE status)
     if(NOT status EQUAL 0)
-        helper_refuse(${name} "must be an executable file, or an X.app with its program inside; '${program}' is none")
+        helper_refuse(${name} "must be an executable file, or an X.app with its program inside, not '${program}'. Try chmod +x")
     endif()
 endfunction()
 
@@ -63,7 +66,7 @@ foreach(name ${required} ${optional})
     unset(HELPER_${name} CACHE)
 endforeach()
 if(NOT EXISTS "${HELPER_BRAND}" OR IS_DIRECTORY "${HELPER_BRAND}")
-    message(FATAL_ERROR "HELPER_BRAND names no brand file: '${HELPER_BRAND}'; see docs/packaging.md")
+    message(FATAL_ERROR "HELPER_BRAND must name a brand file, not '${HELPER_BRAND}'. See docs/packaging.md")
 endif()
 get_cmake_property(before VARIABLES)
 include("${HELPER_BRAND}")
@@ -72,14 +75,14 @@ list(REMOVE_ITEM after ${before})
 foreach(variable ${after})
     string(REGEX REPLACE "^HELPER_" "" name "${variable}")
     if(variable MATCHES "^HELPER_" AND NOT name IN_LIST required AND NOT name IN_LIST optional)
-        helper_refuse(${name} "is no setting; these are: ${required}, and ${optional}")
+        helper_refuse(${name} "is an unknown setting. Known settings: ${required}, ${optional}")
     endif()
 endforeach()
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${HELPER_BRAND}")
 get_filename_component(brand_directory "${HELPER_BRAND}" ABSOLUTE)
 get_filename_component(brand_directory "${brand_directory}" DIRECTORY)
 
-set(text "[^\n\r\\]*[^ \n\r\\][^\n\r\\]*") # a backslash would escape something, here or there
+set(text "[^\n\r\\]*[^ \n\r\\][^\n\r\\]*") # a backslash would start an escape in XML, C++ or strings tables
 set(file "[^\n\r\\;]*[^ \n\r\\;]")
 set(domain "[A-Za-z0-9][A-Za-z0-9-]*(\\.[A-Za-z0-9-]+)+")
 set(label "[A-Za-z0-9]([A-Za-z0-9-]*[A-Za-z0-9])?")
@@ -97,13 +100,13 @@ if(HELPER_STORE_HOST MATCHES ":" AND (port LESS 1 OR port GREATER 65535))
 endif()
 set(octet "(25[0-5]|2[0-4][0-9]|1?[0-9]?[0-9])")
 if(HELPER_STORE_HOST MATCHES "^[0-9.]+(:|$)" AND NOT HELPER_STORE_HOST MATCHES "^(${octet}\\.)+${octet}(:|$)")
-    helper_refuse(STORE_HOST "is no address: '${HELPER_STORE_HOST}'")
+    helper_refuse(STORE_HOST "is an invalid IPv4 address: '${HELPER_STORE_HOST}'")
 endif()
 if(HELPER_DEMO_STORE)
     set(HELPER_STORE_HOST "127.0.0.1:8642")
 endif()
 if(HELPER_PRODUCT_DOMAIN STREQUAL HELPER_IDENTIFIER)
-    helper_refuse(PRODUCT_DOMAIN "and HELPER_IDENTIFIER must differ: both name a file of the user's")
+    helper_refuse(PRODUCT_DOMAIN "must differ from HELPER_IDENTIFIER, because each names a settings file of the user")
 endif()
 if(HELPER_ACCOUNT_PAGE)
     set(part "([A-Za-z0-9._~:/?!$&'()*+,=-]|%[0-9A-Fa-f][0-9A-Fa-f])*")
@@ -120,21 +123,21 @@ if(HELPER_LICENSE)
     helper_file(LICENSE)
     execute_process(COMMAND iconv -f UTF-8 -t UTF-8 "${HELPER_LICENSE}" RESULT_VARIABLE status OUTPUT_QUIET ERROR_QUIET)
     if(NOT status EQUAL 0)
-        helper_refuse(LICENSE "must be a text file in UTF-8; '${HELPER_LICENSE}' is none")
+        helper_refuse(LICENSE "must be a text file in UTF-8, not '${HELPER_LICENSE}'. Convert it with iconv -t UTF-8")
     endif()
 endif()
 if(HELPER_TEXTS)
-    helper_setting(TEXTS "${file}" "a folder of texts, such as \"texts\"")
+    helper_setting(TEXTS "${file}" "a directory of texts, such as \"texts\"")
     helper_file(TEXTS)
     if(NOT IS_DIRECTORY "${HELPER_TEXTS}")
-        helper_refuse(TEXTS "must be a folder of texts; '${HELPER_TEXTS}' is none")
+        helper_refuse(TEXTS "must be a directory of texts, not '${HELPER_TEXTS}'")
     endif()
     find_package(Python3 REQUIRED COMPONENTS Interpreter)
     execute_process(COMMAND ${Python3_EXECUTABLE} "${CMAKE_CURRENT_LIST_DIR}/texts.py" "${HELPER_TEXTS}"
             "${CMAKE_CURRENT_LIST_DIR}/../resources"
         RESULT_VARIABLE status ERROR_VARIABLE reason)
     if(NOT status EQUAL 0)
-        helper_refuse(TEXTS "must be a folder of texts: ${reason}")
+        helper_refuse(TEXTS "must be a directory of valid texts: ${reason}")
     endif()
 endif()
 helper_file(ICON)
@@ -149,7 +152,7 @@ if(HELPER_UNINSTALLER)
     helper_program(UNINSTALLER)
 endif()
 
-# What stands in XML, and in quotes in C++ and in strings tables.
+# Escape the values for XML, and for quoted texts in C++ and strings tables.
 foreach(name COMPANY_NAME PRODUCT_NAME)
     string(REPLACE "&" "&amp;" HELPER_${name}_XML "${HELPER_${name}}")
     string(REPLACE "<" "&lt;" HELPER_${name}_XML "${HELPER_${name}_XML}")

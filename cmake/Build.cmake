@@ -16,33 +16,34 @@ add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-s
 if(HELPER_WERROR)
     add_compile_options(-Werror)
 endif()
-# 32-bit programs cannot look at files with larger inode numbers without the first (fstat: EOVERFLOW),
-# and have no time after January 2038 without the second, which needs the first.
+# 32-bit programs need _FILE_OFFSET_BITS for fstat of files with large inode numbers (EOVERFLOW otherwise),
+# and _TIME_BITS, which requires it, for times after January 2038.
 add_compile_definitions(_FILE_OFFSET_BITS=64 _TIME_BITS=64)
 if(HELPER_SANITIZE)
     add_compile_options(-fsanitize=${HELPER_SANITIZE} -fno-omit-frame-pointer
         -fno-sanitize-recover=all)
     add_link_options(-fsanitize=${HELPER_SANITIZE})
 else()
-    # Hardening; tests/endtoend/ShippingTest.py looks for it in what was built.
+    # Hardening. tests/endtoend/ShippingTest.py checks it in the built files.
     add_compile_options(-fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
     if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
         add_link_options(-Wl,-z,relro,-z,now)
-        # What nothing calls is left out, most of it of the C++ library that the process entry has in it.
+        # Leave unused functions out, most of them from the C++ library, which the process entry links statically.
         add_compile_options(-ffunction-sections)
         add_link_options(-Wl,--gc-sections)
     endif()
 endif()
-# The process entry links the platform library but must not drag in what it does not use.
+# Link only the shared libraries in use, because the process entry must not load those of the platform library.
+# Release builds are shipped without symbols.
 if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
-    add_link_options(-Wl,--as-needed $<$<CONFIG:Release>:-s>) # and what is shipped has no symbols
+    add_link_options(-Wl,--as-needed $<$<CONFIG:Release>:-s>)
 endif()
 
 include(CheckPIESupported)
 check_pie_supported()
 
-# helper_library(NAME SOURCES...): a static library of the folder it is declared in, included as
-# "folder/Header.h".
+# helper_library(NAME SOURCES...): adds a static library of the calling directory. Its headers are included as
+# "directory/Header.h".
 function(helper_library name)
     add_library(${name} STATIC ${ARGN})
     add_library(SubscriptionStore::${name} ALIAS ${name})

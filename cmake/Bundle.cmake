@@ -1,4 +1,5 @@
-# The bundle, assembled in the build folder as it is shipped. platform/Bundle.cpp knows the same layout.
+# The bundle's layout. The build directory contains the bundle as it is shipped. platform/Bundle.cpp repeats
+# this layout.
 set(HELPER_BUNDLE "${PROJECT_BINARY_DIR}/Subscription Helper.app")
 set(HELPER_BUNDLE_CONTENTS "${HELPER_BUNDLE}/Contents")
 if(APPLE)

@@ -1,5 +1,5 @@
-# The store client as a library for other programs: find_package(SubscriptionStore), then link
-# SubscriptionStore::store. The bundle is not installed: it is shipped from the build folder.
+# Installs storectl and the store client as a library for other programs, which call
+# find_package(SubscriptionStore) and link SubscriptionStore::store. The bundle is packaged by cpack instead.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 

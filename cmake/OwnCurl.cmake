@@ -1,6 +1,6 @@
-# CURL::libcurl for a self-contained bundle: Debian's newest source package, with its patches, built for HTTP
-# and HTTPS only, to be linked with OpenSSL into the one library that uses it. Debian's own brings 25 libraries,
-# and a shared OpenSSL has 4,000 names that are looked up at each start.
+# Builds CURL::libcurl for a self-contained bundle from Debian's newest source package and its patches, for HTTP
+# and HTTPS only. The fetch module alone uses it, and links it and OpenSSL statically. Debian's libcurl needs
+# 25 libraries, and a shared OpenSSL has 4,000 symbols that the dynamic linker looks up at each start.
 include(ExternalProject)
 set(OPENSSL_USE_STATIC_LIBS ON)
 find_package(OpenSSL REQUIRED)
@@ -8,7 +8,7 @@ find_package(OpenSSL REQUIRED)
 set(curl_source "${PROJECT_BINARY_DIR}/curl/src/curl")
 set(curl_library "${PROJECT_BINARY_DIR}/curl/src/curl-build/lib/libcurl.a")
 string(JOIN " " curl_flags -fstack-protector-strong -D_FORTIFY_SOURCE=2 -D_FILE_OFFSET_BITS=64 -D_TIME_BITS=64
-    -ffunction-sections "'-ffile-prefix-map=${PROJECT_BINARY_DIR}=.'") # the same bytes from each build folder
+    -ffunction-sections "'-ffile-prefix-map=${PROJECT_BINARY_DIR}=.'") # same bytes from each build directory
 ExternalProject_Add(curl
     PREFIX "${PROJECT_BINARY_DIR}/curl"
     DOWNLOAD_COMMAND "${PROJECT_SOURCE_DIR}/cmake/debian-source" curl <SOURCE_DIR>
@@ -22,7 +22,7 @@ ExternalProject_Add(curl
         -DHTTP_ONLY=ON -DCURL_USE_OPENSSL=ON -DCURL_DISABLE_HSTS=ON -DCURL_DISABLE_NTLM=ON
         -DCURL_DISABLE_OPENSSL_AUTO_LOAD_CONFIG=ON
         -DCURL_ZLIB=OFF -DCURL_USE_LIBPSL=OFF -DCURL_USE_LIBSSH2=OFF -DUSE_LIBIDN2=OFF
-        # Where most systems keep their certificates.
+        # The usual certificate locations.
         -DCURL_CA_BUNDLE=/etc/ssl/certs/ca-certificates.crt -DCURL_CA_PATH=/etc/ssl/certs)
 
 file(MAKE_DIRECTORY "${curl_source}/include")

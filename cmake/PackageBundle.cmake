@@ -1,11 +1,12 @@
-# Run by cpack. The times in the archive are that of the commit, or SOURCE_DATE_EPOCH where it is set.
+# Packs the bundle when cpack runs this script. All times in the archive are SOURCE_DATE_EPOCH if it is set,
+# otherwise the commit's time.
 set(epoch "$ENV{SOURCE_DATE_EPOCH}")
 if(NOT epoch)
     execute_process(COMMAND git log -1 --format=%ct WORKING_DIRECTORY "${CMAKE_CURRENT_LIST_DIR}"
         OUTPUT_VARIABLE epoch OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
 endif()
 if(NOT epoch MATCHES "^[0-9]+$")
-    message(FATAL_ERROR "Not in a git checkout: set SOURCE_DATE_EPOCH to the time of the release")
+    message(FATAL_ERROR "Cannot date the package outside a git checkout. Set SOURCE_DATE_EPOCH to the release's time")
 endif()
 
 get_filename_component(folder "${CPACK_HELPER_BUNDLE}" DIRECTORY)
@@ -19,4 +20,4 @@ execute_process(COMMAND_ERROR_IS_FATAL ANY
 execute_process(COMMAND_ERROR_IS_FATAL ANY COMMAND gzip --force --best --no-name "${archive}")
 file(SHA256 "${archive}.gz" sum)
 file(WRITE "${archive}.gz.sha256" "${sum}  ${CPACK_PACKAGE_FILE_NAME}.tar.gz\n")
-message(STATUS "The package: ${archive}.gz")
+message(STATUS "Package: ${archive}.gz")

@@ -1,11 +1,11 @@
-# Puts into the bundle the libraries and plugins that a desktop does not have, each with its licence. Read as
-# a part of the project it declares how; run as a script, by cmake -P, it does so.
+# Puts the libraries and plugins that a desktop lacks into the bundle, each with its license. Included by the
+# project, this file declares the command. As a script (cmake -P), it is that command.
 cmake_minimum_required(VERSION 3.25)
 
 if(NOT CMAKE_SCRIPT_MODE_FILE)
     find_package(Python3 REQUIRED COMPONENTS Interpreter)
     find_program(PATCHELF patchelf REQUIRED)
-    set(origins "${PROJECT_BINARY_DIR}/origins.txt") # of each file that is taken, a line each
+    set(origins "${PROJECT_BINARY_DIR}/origins.txt") # one line for each copied file
     set(licenses "${CMAKE_CURRENT_LIST_DIR}/licenses.py")
     add_custom_command(OUTPUT "${origins}"
         COMMAND ${CMAKE_COMMAND} "-DAPPLICATION=$<TARGET_FILE:application>" "-DFETCH=$<TARGET_FILE:fetch-module>"
@@ -16,15 +16,15 @@ if(NOT CMAKE_SCRIPT_MODE_FILE)
         COMMAND ${Python3_EXECUTABLE} "${licenses}" "${HELPER_BUNDLE_CONTENTS}" "${origins}"
             "${HELPER_IDENTIFIER}" "${HELPER_VERSION}" "${HELPER_COMPANY_NAME}" "${HELPER_LICENSE}"
         DEPENDS application fetch-module desktop-module curl "${CMAKE_CURRENT_LIST_FILE}" "${licenses}" ${HELPER_LICENSE}
-        COMMENT "Putting libraries, plugins and their licences into the bundle"
+        COMMENT "Putting libraries, plugins and their licenses into the bundle"
         VERBATIM)
     add_custom_target(self-contained DEPENDS "${origins}")
     add_dependencies(bundle self-contained)
     return()
 endif()
 
-# The window on X11 and on Wayland, with the desktop's colours and fonts, and input methods. Not image formats, GL
-# on X11 and printing, which the window does not use; on Wayland Qt draws no title bar without it.
+# Plugins for X11 and Wayland, the desktop's colors and fonts, and input methods. The window does without image
+# formats, GL on X11 and printing. On Wayland, Qt needs the EGL plugin to draw the title bar.
 set(plugins
     platforms/libqxcb.so
     platforms/libqwayland-generic.so
@@ -35,9 +35,9 @@ set(plugins
     platforminputcontexts/libcomposeplatforminputcontextplugin.so
     platforminputcontexts/libibusplatforminputcontextplugin.so)
 
-# What every desktop has, and must have from one hand with the rest of its system: after the exclude list that
-# the AppImage project publishes, with D-Bus and, for the theme of desktops that use it, GTK. Not libOpenGL, which
-# Qt needs and GNOME, Xfce, MATE and Cinnamon of Debian 13 do without (their packages, 2026-11-24).
+# Libraries that every desktop has and that must match the rest of its system. The list follows the AppImage
+# project's exclude list, with D-Bus, and with GTK for the desktops' theme. The bundle contains libOpenGL, because
+# Qt needs it and GNOME, Xfce, MATE and Cinnamon of Debian 13 do not install it (their packages, 2026-11-24).
 set(of_system
     ld-linux[^.]* libc libm libdl libpthread librt libresolv libutil libstdc\\+\\+ libgcc_s libz
     libX11 libX11-xcb libxcb libICE libSM libwayland-client libEGL libGL libGLX libGLdispatch
@@ -52,6 +52,7 @@ list(REMOVE_ITEM old "${APPLICATION}" "${FETCH}" "${DESKTOP}")
 file(REMOVE_RECURSE ${old} "${CONTENTS}/PlugIns")
 file(REMOVE "${ORIGINS}")
 
+# take(FILE DESTINATION): copies a file to a path below CONTENTS and records its origin.
 function(take file destination)
     file(REAL_PATH "${file}" original)
     file(COPY_FILE "${original}" "${CONTENTS}/${destination}")
@@ -62,7 +63,7 @@ foreach(plugin ${plugins})
     cmake_path(GET plugin PARENT_PATH folder)
     file(MAKE_DIRECTORY "${CONTENTS}/PlugIns/${folder}")
     take("${QT_PLUGINS}/${plugin}" "PlugIns/${plugin}")
-    # What opens them has no say in where their libraries are looked for.
+    # Give each plugin its own DT_RPATH, because the loading library's path does not apply to it.
     execute_process(COMMAND_ERROR_IS_FATAL ANY
         COMMAND "${PATCHELF}" --force-rpath --set-rpath $ORIGIN/../../Frameworks "${CONTENTS}/PlugIns/${plugin}")
     list(APPEND originals "${QT_PLUGINS}/${plugin}")
@@ -75,7 +76,7 @@ foreach(library ${libraries})
     cmake_path(GET library FILENAME name)
     take("${library}" "Frameworks/${name}")
 endforeach()
-# What is linked into one of our own.
+# The archives that the fetch module links statically.
 string(REPLACE ":" ";" archives "${ARCHIVES}")
 cmake_path(GET FETCH FILENAME name)
 foreach(archive ${archives})

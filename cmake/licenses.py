@@ -1,9 +1,8 @@
-"""The licences of what a bundle takes along: `licenses.py CONTENTS ORIGINS IDENTIFIER VERSION COMPANY [LICENSE]`.
+"""Collects the licenses of a bundle's libraries: `licenses.py CONTENTS ORIGINS IDENTIFIER VERSION COMPANY [LICENSE]`.
 
-ORIGINS has lines for each file: its place below CONTENTS, a tab, and the file that it is a copy of, or that is linked
-into it. Puts the
-licence texts of the Debian packages that these came from into CONTENTS/Resources/licenses, and a list of packages,
-versions, licences and files, by SPDX 2.3. A file without a licence is an error.
+Each line of ORIGINS contains a path below CONTENTS, a tab, and the original: the file that was copied or statically
+linked there. Writes the license texts of the originals' Debian packages to CONTENTS/Resources/licenses, and an SPDX 2.3
+list of packages, versions, licenses and files. Fails if the license of a file is unknown.
 """
 
 import datetime
@@ -16,7 +15,7 @@ import shutil
 import subprocess
 import sys
 
-# By Debian's source packages, after their copyright files.
+# SPDX license expressions of Debian's source packages, from their copyright files.
 LICENSES = {
     "curl": "curl",
     "double-conversion": "BSD-3-Clause",
@@ -42,7 +41,7 @@ LICENSES = {
     "xcb-util-renderutil": "MIT",
     "xcb-util-wm": "MIT",
 }
-OWN = "Frameworks/SubscriptionHelper"  # of this project, with others linked into it
+OWN = "Frameworks/SubscriptionHelper"  # this project's libraries, which others are linked into
 COMMON = pathlib.Path("/usr/share/common-licenses")
 
 
@@ -51,14 +50,14 @@ def output_of(*command):
 
 
 def package_of(origin):
-    """The source package that a file came from: name, version, and file of licences."""
+    """Returns the name, version and license file of the source package that a file came from."""
     source = next((folder for folder in origin.parents if (folder / "src/curl/debian").is_dir()), None)
     if source and origin.name == "libcurl.a":  # built from Debian's sources
         debian = source / "src/curl/debian"
         fields = {name: output_of("dpkg-parsechangelog", "-l", str(debian / "changelog"), "-S", name)
                   for name in ("Source", "Version")}
         return fields["Source"], fields["Version"], debian / "copyright"
-    # Some packages name their files as they were before /lib became a part of /usr.
+    # Some packages still list their files below /lib, which is now a part of /usr.
     for path in (str(origin), str(origin).removeprefix("/usr")):
         found = subprocess.run(["dpkg-query", "--search", path], text=True, capture_output=True, check=False)
         if found.returncode == 0:
@@ -66,7 +65,7 @@ def package_of(origin):
             name, version = output_of("dpkg-query", "--show", "--showformat",
                                       "${source:Package} ${source:Version}", package).split()
             return name, version, pathlib.Path("/usr/share/doc", package.split(":")[0], "copyright")
-    sys.exit(f"licenses: no package has {origin}")
+    sys.exit(f"licenses: cannot find the Debian package of {origin}")
 
 
 def digest(file, kind):
@@ -92,23 +91,23 @@ def main():
 
     packages, files, relations = {}, {}, []
     for line in sorted(pathlib.Path(origins).read_text().splitlines()):
-        place, origin = line.split("\t")
+        target, origin = line.split("\t")
         name, package_version, text = package_of(pathlib.Path(origin))
         if name not in LICENSES or not text.is_file():
-            sys.exit(f"licenses: of {place}, from the package {name}, no licence is known; {__file__} names them")
+            sys.exit(f"licenses: unknown license of {target} from the package {name}. Add it to LICENSES in {__file__}")
         if name not in packages:
             packages[name] = described(name, package_version, LICENSES[name], "Organization: Debian") | {
                 "filesAnalyzed": False}
             shutil.copyfile(text, folder / f"{name}.txt")
             for common in set(re.findall(rf"{COMMON}/([\w.+-]*\w)", text.read_text())):
                 shutil.copyfile(COMMON / common, folder / f"{common}.txt")
-        file = files.setdefault(place, {
-            "SPDXID": identifier_of("File", place), "fileName": f"./Contents/{place}",
-            "checksums": [{"algorithm": kind.upper(), "checksumValue": digest(contents / place, kind)}
+        file = files.setdefault(target, {
+            "SPDXID": identifier_of("File", target), "fileName": f"./Contents/{target}",
+            "checksums": [{"algorithm": kind.upper(), "checksumValue": digest(contents / target, kind)}
                           for kind in ("sha1", "sha256")],
-            "licenseConcluded": "NOASSERTION" if place.startswith(OWN) else LICENSES[name],
+            "licenseConcluded": "NOASSERTION" if target.startswith(OWN) else LICENSES[name],
             "copyrightText": "NOASSERTION"})
-        relation = (file["SPDXID"], "STATIC_LINK" if place.startswith(OWN) else "GENERATED_FROM",
+        relation = (file["SPDXID"], "STATIC_LINK" if target.startswith(OWN) else "GENERATED_FROM",
                     packages[name]["SPDXID"])
         relations += [relation] if relation not in relations else []
 

@@ -93,7 +93,7 @@ int main(int argumentCount, char** arguments) {
     command.add_option("--delay", delay, "The duration of a cancellation in milliseconds")
         ->check(CLI::Range(0, 20000))
         ->capture_default_str();
-    command.add_option("--latency", latency, "How many milliseconds pass before every answer")
+    command.add_option("--latency", latency, "The delay before each answer in milliseconds")
         ->check(CLI::Range(0, 20000))
         ->capture_default_str();
     std::optional<std::string> answer;
@@ -126,8 +126,8 @@ int main(int argumentCount, char** arguments) {
         port = -1;
     }
     if (port < 0) {
-        std::cerr << "demo-store: cannot listen on the port. End the other store, or choose "
-                     "another port\n";
+        std::cerr << "demo-store: cannot listen on the port. Stop the program that uses it, or "
+                     "choose another PORT\n";
         return EXIT_FAILURE;
     }
     std::cout << "Listening on http://" << host << ":" << port << "/fastspring.php" << std::endl;

@@ -1,9 +1,9 @@
-"""The main job, shown against the demo store service: `python3 -m demo.demo BUILD FOLDER [--refuse]`.
+"""Shows a removal with the demo store service: `python3 -m demo.demo BUILD DIRECTORY [--refuse]`.
 
-Puts the bundle of a build folder and the demo product into a throw-away home below FOLDER, starts
-the demo store, and runs the helper: on the user's display, or on a virtual one, where it presses the
-removal control itself and takes pictures. Ends by telling what really happened; status 0 only if all
-of it did.
+Puts the bundle of a build directory and the demo product into a temporary home below DIRECTORY, starts
+the demo store, and runs the helper. With a display, the window waits for the user. Without one, the demo
+presses the remove button on a virtual display and takes pictures. Then the demo checks and prints the
+outcome of each step. It exits with 0 only if all steps succeeded.
 """
 
 import argparse
@@ -18,7 +18,7 @@ import time
 from kit.desktop import desktop, end, screenshot, wait_for
 from kit.stage import Stage, Store, Window
 
-CANCELLATION = 2000  # milliseconds that the store takes, so that the sheet can be seen
+CANCELLATION = 2000  # the store's delay in milliseconds, for which the progress sheet is visible
 BROWSER = """#!/bin/sh
 exec /usr/bin/chromium --no-first-run --disable-gpu --disable-quic --disable-sync \\
     --disable-background-networking --disable-component-update --window-position=300,330 \\
@@ -27,7 +27,7 @@ exec /usr/bin/chromium --no-first-run --disable-gpu --disable-quic --disable-syn
 
 
 def set_chromium(stage, folder):
-    """Makes Chromium, with a profile of its own, the browser of the stage's user."""
+    """Makes Chromium, with a temporary profile, the browser of the stage's user."""
     root = "--no-sandbox" if os.geteuid() == 0 else ""
     browser = stage.home / "browser"
     browser.write_text(BROWSER.format(profile=folder / "profile", root=root))
@@ -36,16 +36,17 @@ def set_chromium(stage, folder):
 
 
 def use_by_hand(stage):
-    print("The window is yours: press “Cancel Subscription and Uninstall”, then “Close”.", flush=True)
+    print("In the window, press “Cancel Subscription and Uninstall”, then “Close”.", flush=True)
     with (stage.home / "log").open("w") as log:
         return stage.start(log=log).wait()
 
 
 def use_by_itself(stage, store, folder, refuse):
-    """Presses the removal control by keyboard on a virtual display, and takes pictures."""
+    """Presses the remove button by keyboard on a virtual display, and takes pictures. Returns the helper's status, or
+    None if it is still running 30 seconds later."""
     with desktop(stage.environment()) as environment:
         window = Window(environment, stage.brand["productName"])
-        # Into a file: a browser that the helper starts would keep a pipe open.
+        # Log to a file, because a browser that the helper starts would keep a pipe open.
         with (stage.home / "log").open("w") as log:
             process = stage.start(environment, log=log)
         try:
@@ -53,7 +54,7 @@ def use_by_itself(stage, store, folder, refuse):
                 photograph_removal(window, stage, store, folder, refuse)
                 window.keys("Return")
             else:
-                print("No window came up.")
+                print("The helper's window did not appear. See its log below.")
             return process.wait(30)
         except subprocess.TimeoutExpired:
             return None
@@ -70,7 +71,7 @@ def photograph_removal(window, stage, store, folder, refuse):
     stage.wait_for_uninstaller()
     if refuse:
         wait_for(lambda: any("/account/" in line for line in store.requests), 60)
-        time.sleep(3)  # for the page to be drawn
+        time.sleep(3)  # until the page is drawn
         screenshot(window.environment, folder / "browser.png")
         window.activate()
     time.sleep(0.5)
@@ -78,25 +79,25 @@ def photograph_removal(window, stage, store, folder, refuse):
 
 
 def report(stage, store, status, refuse):
-    """Prints what happened, step by step; gives whether all of it did."""
+    """Prints the outcome of each step. Returns whether all steps succeeded."""
     requests = list(store.requests)
     second, _, seconds = stage.run(bundle=stage.trashed_bundle()) if stage.trashed_bundle() \
         else (None, "", 0)
-    note = stage.note.read_text().strip() if stage.note.exists() else "no note"
+    note = stage.note.read_text().strip() if stage.note.exists() else "the note is missing"
 
     def request(part):
         return next((line for line in requests if part in line), None)
 
     steps = [
-        (request("f=getsubscription"), "The store was asked for the subscription"),
-        (request("f=deletesubscription"), "The store was asked to cancel it"),
-        (stage.trashed_bundle(), "The helper's bundle lies in the Trash"),
+        (request("f=getsubscription"), "The helper looked up the subscription"),
+        (request("f=deletesubscription"), "The helper requested the cancellation"),
+        (stage.trashed_bundle(), "The helper's bundle is in the Trash"),
         (stage.restore_path() == str(stage.bundle) and stage.restore_path(),
-         "It can be restored to"),
-        (stage.last_run(), "The time of the run is stored"),
+         "The Trash can restore the bundle to"),
+        (stage.last_run(), "The last-run time is stored"),
         (second == 0 and len(store.requests) == len(requests)
-         and f"status 0 after {seconds * 1000:.0f} ms, nothing requested",
-         "A second start left at once"),
+         and f"status 0 after {seconds * 1000:.0f} ms, without a request",
+         "A second start exited immediately"),
     ]
     if stage.is_demo():
         steps[2:2] = [
@@ -104,11 +105,11 @@ def report(stage, store, status, refuse):
             (not stage.product.exists() and str(stage.product), "The product's directory is gone")]
     if refuse:
         steps.insert(2, (request("GET /account/"), "The account page opened in a browser"))
-    print("\nWhat happened:")
+    print("\nOutcome of each step:")
     for fact, step in steps:
-        print(f"  [{'ok' if fact else 'NO'}] {step}: {fact or 'did not happen'}")
+        print(f"  [{'ok' if fact else 'NO'}] {step}: {fact or 'failed'}")
     log = (stage.home / "log").read_text()
-    print(f"The helper ended with status {status}" + (f" and said:\n{log}" if log else "."))
+    print(f"The helper exited with status {status}" + (f" and logged:\n{log}" if log else "."))
     return status == 0 and all(fact for fact, _ in steps)
 
 
@@ -126,7 +127,7 @@ def main():
     has_display = bool(os.environ.get("DISPLAY") or os.environ.get("WAYLAND_DISPLAY"))
     if arguments.refuse:
         set_chromium(stage, folder)
-    print(f"Throw-away home: {stage.home}")
+    print(f"Temporary home: {stage.home}")
     try:
         with Store(arguments.build, "--delay", str(CANCELLATION)) as store:
             print(f"Demo store: {store.address}", flush=True)

@@ -1,6 +1,6 @@
-"""A desktop of one's own: a virtual display with a window manager and a session bus.
+"""A private desktop: a virtual display with a window manager and a session bus.
 
-As a program, `kit/desktop.py COMMAND [ARGUMENT ...]` runs a command on one and gives its exit status.
+As a program, `kit/desktop.py COMMAND [ARGUMENT ...]` runs a command on such a desktop and exits with its status.
 """
 
 import contextlib
@@ -13,7 +13,7 @@ SCREEN = os.environ.get("DEMO_SCREEN", "1280x800") + "x24"
 
 
 def end(process, grace=10):
-    """Ends a process that was started here, and waits for it."""
+    """Terminates a child process, kills it after `grace` seconds, and waits for it."""
     if process.poll() is None:
         process.terminate()
         try:
@@ -24,7 +24,7 @@ def end(process, grace=10):
 
 
 def wait_for(condition, seconds=15, interval=0.05):
-    """Waits until the condition gives something true, and gives it, or the last value."""
+    """Waits until the condition returns a true value, and returns that value, or the last one after `seconds`."""
     deadline = time.monotonic() + seconds
     value = condition()
     while not value and time.monotonic() < deadline:
@@ -34,9 +34,9 @@ def wait_for(condition, seconds=15, interval=0.05):
 
 
 def _start_display():
-    """A virtual display on a free number of the server's own choice."""
+    """Starts a virtual display on a free number, which the server chooses. Returns the process and the number."""
     reader, writer = os.pipe()
-    # It would start anew whenever its last client leaves, and drop the one that is just connecting.
+    # Without -noreset, the server resets when its last client disconnects, and drops a client that is just connecting.
     server = subprocess.Popen(
         ["Xvfb", "-displayfd", str(writer), "-screen", "0", SCREEN, "-nolisten", "tcp", "-noreset"],
         pass_fds=[writer], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
@@ -44,12 +44,12 @@ def _start_display():
     with os.fdopen(reader) as pipe:
         number = pipe.readline().strip()
     if not number:
-        raise RuntimeError("Xvfb does not start")
+        raise RuntimeError("cannot start Xvfb")
     return server, ":" + number
 
 
 def start_bus(environment):
-    """A session bus, and its address."""
+    """Starts a session bus. Returns the process and the bus's address."""
     bus = subprocess.Popen(["dbus-daemon", "--session", "--nofork", "--print-address=1"],
                            stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True,
                            env=environment)
@@ -57,7 +57,7 @@ def start_bus(environment):
 
 
 def _start_manager(environment):
-    """A window manager that manages; one that does not come up is started once more."""
+    """Starts a window manager, waits until it manages the display, and returns its process. Tries three times."""
     def is_there():
         return "_NET_SUPPORTING_WM_CHECK(WINDOW)" in subprocess.run(
             ["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"], env=environment, text=True,
@@ -69,12 +69,12 @@ def _start_manager(environment):
         if wait_for(is_there):
             return manager
         end(manager)
-    raise RuntimeError("openbox does not start")
+    raise RuntimeError("cannot start openbox")
 
 
 @contextlib.contextmanager
 def desktop(environment=None):
-    """Yields an environment for programs that are to run on a new desktop."""
+    """Yields the environment for programs on a new desktop."""
     environment = dict(environment if environment is not None else os.environ)
     environment.pop("WAYLAND_DISPLAY", None)
     with contextlib.ExitStack() as stack:
@@ -89,8 +89,8 @@ def desktop(environment=None):
 
 @contextlib.contextmanager
 def wayland_desktop(runtime, environment=None, backend="headless"):
-    """Yields an environment for programs that are to run on a new Wayland desktop without a screen, or in a
-    window where the backend is "x11"; its socket lies in the folder `runtime`."""
+    """Yields the environment for programs on a new Wayland desktop. The desktop is headless, or a window on X11 if
+    the backend is "x11". Its socket is in the directory `runtime`, which is created here."""
     environment = dict(environment if environment is not None else os.environ)
     if backend == "headless":
         environment.pop("DISPLAY", None)

@@ -1,8 +1,8 @@
-"""The packaged helper on bare machines, in a mount name space of its own: `python3 -m kit.machines BUILD ROOT...`.
+"""Runs the packaged helper on bare machines: `python3 -m kit.machines BUILD ROOT...`.
 
-Needs root. In each ROOT, a system without Qt and libcurl, a customer unpacks the package of the build folder and
-does the main job, on a display outside: under X11, and under a Wayland compositor. Prints a table; status 0 only if
-all of it happened everywhere.
+Needs root and a mount namespace of its own. In each ROOT, a system without Qt and libcurl, a customer unpacks the build
+directory's package and runs a removal, on a display of the outer system, under X11 and under a Wayland compositor.
+Prints a table. Exits with 0 only if every step succeeded on every system.
 """
 
 import contextlib
@@ -17,17 +17,17 @@ from kit.stage import Stage, Store, Window
 CUSTOMER = 1000
 
 
-def run(*words):
-    return subprocess.run([str(word) for word in words], text=True, check=True, stdout=subprocess.PIPE).stdout
+def run(*arguments):
+    return subprocess.run(list(map(str, arguments)), text=True, check=True, stdout=subprocess.PIPE).stdout
 
 
 def prepare(root):
-    """Gives a system a customer, the kernel's folders, and the X servers outside."""
+    """Adds a customer account, the kernel's directories, and the outer system's X servers to a system."""
     if "customer:" not in (root / "etc/passwd").read_text():
         run("chroot", root, "useradd", "--uid", CUSTOMER, "customer")
-    for folder in ("proc", "sys", "dev", "tmp/.X11-unix"):
-        (root / folder).mkdir(parents=True, exist_ok=True)
-        run("mount", "--rbind", f"/{folder}", root / folder)
+    for directory in ("proc", "sys", "dev", "tmp/.X11-unix"):
+        (root / directory).mkdir(parents=True, exist_ok=True)
+        run("mount", "--rbind", f"/{directory}", root / directory)
 
 
 class Machine:
@@ -51,15 +51,15 @@ class Machine:
 
     def start(self, **environment):
         home = "/home/customer"
-        words = [f"{name}={value}" for name, value in environment.items()]
+        variables = [f"{name}={value}" for name, value in environment.items()]
         program = str(self.stage.program()).removeprefix(str(self.root))
         return subprocess.Popen(
             ["chroot", f"--userspec={CUSTOMER}:{CUSTOMER}", str(self.root), "env", "-i", "--chdir", home,
-             f"HOME={home}", f"TMPDIR={home}/tmp", "LC_ALL=C.UTF-8", "PATH=/usr/bin:/bin", *words,
+             f"HOME={home}", f"TMPDIR={home}/tmp", "LC_ALL=C.UTF-8", "PATH=/usr/bin:/bin", *variables,
              "dbus-run-session", "--", program], text=True, stderr=subprocess.PIPE)
 
     def libraries(self):
-        """The files of code that the running helper has from its system, and whether its bundle has the rest."""
+        """Returns the names of the libraries that the running helper has loaded from outside its bundle."""
         for maps in pathlib.Path("/proc").glob("[0-9]*/maps"):
             with contextlib.suppress(OSError):
                 lines = maps.read_text()
@@ -70,7 +70,7 @@ class Machine:
 
 
 def shown_on_x11(machine, environment, picture):
-    """Starts the helper and waits for its window; gives both, and whether it came."""
+    """Starts the helper and waits for its window. Returns the process, the window, and whether it appeared."""
     window = Window(environment, machine.stage.brand["productName"])
     process = machine.start(DISPLAY=environment["DISPLAY"])
     is_shown = window.wait()
@@ -79,7 +79,8 @@ def shown_on_x11(machine, environment, picture):
 
 
 def shown_on_wayland(machine, environment, picture, socket):
-    """The same in a compositor, whose own window it is that has the keyboard."""
+    """Starts the helper in a compositor, whose window gets the keys, and waits until its picture changes. Returns the
+    process, the compositor's window, and whether its picture changed."""
     def differing():
         screenshot(environment, picture)
         result = subprocess.run(["compare", "-metric", "AE", before, picture, "null:"], text=True,
@@ -96,7 +97,7 @@ def shown_on_wayland(machine, environment, picture, socket):
 
 
 def use(machine, requests, process, window):
-    """The main job, by keyboard; gives whether it was all done, with nothing to be logged."""
+    """Runs a removal by keyboard, and prints the helper's log. Returns whether every step succeeded."""
     window.press_remove()
     wait_for(machine.stage.trashed_bundle)
     machine.stage.wait_for_uninstaller()
@@ -113,7 +114,7 @@ def use(machine, requests, process, window):
 
 
 def check(build, root, pictures):
-    """Rows for a system: under X11, and under Wayland."""
+    """Yields a system's two table rows: under X11 and under Wayland."""
     prepare(root)
     libraries = set()
     for session in ("X11", "Wayland"):
@@ -142,15 +143,15 @@ def main():
     names = set()
     for root in map(pathlib.Path, sys.argv[2:]):
         if not root.is_dir():
-            print(f"| {root.name} | is not to be had | | | | |")
+            print(f"| {root.name} | not installed | | | | |")
             done = done and root.name == "testing"
         else:
             for system, session, is_shown, is_removed, libraries in check(build, root, build.parent):
-                words = ["yes" if fact else "NO" for fact in (is_shown, is_removed)]
-                print(f"| {system} | {session} | {size} MB | {' | '.join(words)} | {len(libraries)} |", flush=True)
+                outcomes = ["yes" if fact else "NO" for fact in (is_shown, is_removed)]
+                print(f"| {system} | {session} | {size} MB | {' | '.join(outcomes)} | {len(libraries)} |", flush=True)
                 done = done and is_shown and is_removed
                 names |= libraries
-    print(f"\nOf the system: {', '.join(sorted(names))}")
+    print(f"\nLibraries of the system: {', '.join(sorted(names))}")
     sys.exit(0 if done else 1)
 
 

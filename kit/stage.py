@@ -1,4 +1,4 @@
-"""A stage for the helper: a throw-away home with its bundle and the demo product, and a store."""
+"""A stage for the helper: a temporary home with its bundle and the demo product, the demo store, and the window."""
 
 import json
 import os
@@ -18,7 +18,7 @@ HELPER_DOMAIN = "com.example.subscription-helper"  # of the demo product's helpe
 
 
 class Store:
-    """The demo store service, with the requests that it has seen."""
+    """A running demo store service and the requests that it has printed."""
 
     def __init__(self, build, *arguments):
         self.process = subprocess.Popen([f"{build}/demo/demo-store", *arguments], text=True,
@@ -26,7 +26,7 @@ class Store:
         self.requests = []
         self.address = self.process.stdout.readline().strip().removeprefix("Listening on ")
         if not self.address:
-            raise RuntimeError("the demo store does not start")
+            raise RuntimeError("cannot start the demo store")
         self._reader = threading.Thread(target=self._read, daemon=True)
         self._reader.start()
 
@@ -44,7 +44,7 @@ class Store:
 
 
 class Stage:
-    """A home below `folder` in which the bundle of a build folder and the demo product lie."""
+    """A home in `folder` that contains the bundle of a build directory and the demo product."""
 
     def __init__(self, build, folder, reference="DEMO-1001", applications="Applications"):
         self.home = pathlib.Path(folder)
@@ -61,7 +61,7 @@ class Stage:
         self.set_reference(reference)
 
     def is_demo(self):
-        """Whether the brand is that of the demo product, whose uninstaller leaves a note."""
+        """Returns whether the brand is the demo product's, whose uninstaller leaves a note."""
         return self.brand["identifier"] == HELPER_DOMAIN
 
     def wait_for_uninstaller(self, seconds=15):
@@ -69,18 +69,18 @@ class Stage:
             wait_for(self.note.exists, seconds)
 
     def set_reference(self, reference):
-        """What the product says of its subscription; None for nothing."""
+        """Writes the product's subscription reference, or removes its settings file if the reference is None."""
         file = self.config / f"{self.brand['productDomain']}.conf"
         file.unlink(missing_ok=True)
         if reference is not None:
             file.write_text(f"subscriptionReference={reference}\n")
 
     def environment(self, base=None):
-        """The variables of a session of this home's user."""
+        """Returns the environment of a session of this home's user."""
         environment = dict(base if base is not None else os.environ)
         for name in list(environment):
-            is_place = name.startswith("XDG_") and name != "XDG_RUNTIME_DIR"
-            if is_place or name.lower().endswith("_proxy") or name == "LANGUAGE":
+            is_base_directory = name.startswith("XDG_") and name != "XDG_RUNTIME_DIR"
+            if is_base_directory or name.lower().endswith("_proxy") or name == "LANGUAGE":
                 del environment[name]
         return environment | {"HOME": str(self.home), "TMPDIR": str(self.home / "tmp"),
                               "LC_ALL": "C.UTF-8"}
@@ -89,12 +89,12 @@ class Stage:
         return (bundle or self.bundle) / "Contents" / "Linux" / "Subscription Helper"
 
     def start(self, base=None, bundle=None, log=subprocess.PIPE):
-        """Starts the helper, with its standard error into `log`."""
+        """Starts the helper, which writes its standard error to `log`, and returns its process."""
         return subprocess.Popen([str(self.program(bundle))], env=self.environment(base), text=True,
                                 cwd=self.home, stderr=log)
 
     def run(self, base=None, bundle=None, seconds=60):
-        """Runs the helper to its end; gives its status, what it logged, and how long it took."""
+        """Runs the helper until it exits. Returns its status, its log, and its duration in seconds."""
         begin = time.monotonic()
         process = self.start(base, bundle)
         try:
@@ -105,7 +105,7 @@ class Stage:
         return process.returncode, log, time.monotonic() - begin
 
     def last_run(self):
-        """The stored moment of the last run, or None."""
+        """Returns the stored last-run time, or None if it is missing."""
         file = self.config / f"{self.brand['identifier']}.conf"
         lines = file.read_text().splitlines() if file.exists() else []
         key = "lastRunUserDefaultKey="
@@ -115,19 +115,19 @@ class Stage:
         (self.config / f"{self.brand['identifier']}.conf").unlink(missing_ok=True)
 
     def trashed_bundle(self):
-        """Where the bundle lies in the Trash, or None."""
+        """Returns the bundle's path in the Trash, or None if it is missing there."""
         path = self.home / ".local/share/Trash/files" / BUNDLE
         return path if path.exists() else None
 
     def restore_path(self):
-        """From where the Trash says that the bundle came, or None."""
+        """Returns the path to which the Trash would restore the bundle, or None if it is unknown."""
         info = self.home / ".local/share/Trash/info" / f"{BUNDLE}.trashinfo"
         lines = info.read_text().splitlines() if info.exists() else []
         return next((urllib.parse.unquote(line[5:]) for line in lines if line.startswith("Path=")),
                     None)
 
     def set_browser(self, command):
-        """Makes a command line the user's browser; "%u" in it is the address."""
+        """Makes a command line the user's browser. "%u" in it stands for the address."""
         applications = self.home / ".local/share/applications"
         applications.mkdir(parents=True, exist_ok=True)
         (applications / "browser.desktop").write_text(
@@ -138,22 +138,22 @@ class Stage:
 
 
 class Window:
-    """The helper's window on a desktop, seen and used as a person does."""
+    """The helper's window on a desktop, driven by keys like a person's."""
 
     def __init__(self, environment, title="Acme Studio"):
         self.environment = environment
         self.title = title
         self._pattern = f"^{re.escape(title)}$"
 
-    def _xdotool(self, *words):
-        return subprocess.run(["xdotool", *words], env=self.environment, text=True,
+    def _xdotool(self, *arguments):
+        return subprocess.run(["xdotool", *arguments], env=self.environment, text=True,
                               capture_output=True, check=False).stdout.split()
 
     def is_shown(self):
         return bool(self._xdotool("search", "--onlyvisible", "--name", self._pattern))
 
     def wait(self, seconds=30):
-        """Waits until the window is on the screen and has the keyboard."""
+        """Waits until the window is on the screen and active. Returns whether it is."""
         active = ["getactivewindow", "getwindowname"]
         return wait_for(lambda: self.is_shown() and
                         " ".join(self._xdotool(*active)) == self.title, seconds)
@@ -162,13 +162,13 @@ class Window:
         self._xdotool("key", "--delay", "60", *keys)
 
     def activate(self):
-        """Brings the window to the front, with the keyboard."""
+        """Raises the window and gives it the keyboard focus."""
         self._xdotool("search", "--onlyvisible", "--name", self._pattern, "windowactivate",
                       "--sync")
 
     def press_remove(self):
-        """Presses the removal control by its English mnemonic, which does nothing until the window has been
-        seen for a second. Once more, because the start may be slow."""
+        """Presses the remove button by its English mnemonic, when the button has been visible for more than the second
+        in which it is disabled. Presses twice, because a start may be slow."""
         for seconds in (1.2, 0.3):
             time.sleep(seconds)
             self.keys("alt+u")
@@ -181,6 +181,6 @@ class Window:
                               capture_output=True, check=True).stdout
 
     def picture(self):
-        """The window's pixels, without its frame."""
+        """Returns the window's pixels, without its title bar and borders, as a PPM image."""
         return subprocess.run(["import", "-window", self._id(), "ppm:-"], env=self.environment,
                               capture_output=True, check=True).stdout

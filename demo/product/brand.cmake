@@ -1,4 +1,4 @@
-# The brand of the demo product; docs/packaging.md says what each setting is.
+# The brand of the demo product. docs/packaging.md describes the settings.
 set(HELPER_COMPANY_NAME "Acme")
 set(HELPER_PRODUCT_NAME "Acme Studio")
 set(HELPER_IDENTIFIER "com.example.subscription-helper")
