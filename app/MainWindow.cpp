@@ -206,7 +206,6 @@ QSize MainWindow::neededSize() const {
     for (QLayout* each : {static_cast<QLayout*>(ui_->messageLayout),
                           static_cast<QLayout*>(ui_->messageAreaLayout), &layout}) {
         each->invalidate();
-        each->activate();
     }
     const int width = std::max(layout.minimumSize().width(), std::min(kWidth, room().width()));
     return {width, layout.totalHeightForWidth(width)};
@@ -217,13 +216,16 @@ QSize MainWindow::neededSize() const {
 void MainWindow::fit() {
     const QSize room = this->room();
     setDensity(kRoomy);
-    if (!fits(neededSize(), room)) {
+    QSize size = neededSize();
+    if (!fits(size, room)) {
         setDensity(kTight);
+        size = neededSize();
     }
-    if (neededSize().width() > room.width()) {
+    if (size.width() > room.width()) {
         setDensity(kStacked);
+        size = neededSize();
     }
-    setFixedSize(neededSize().boundedTo(room));
+    setFixedSize(size.boundedTo(room));
 }
 
 void MainWindow::beginProgress() {
