@@ -53,3 +53,13 @@ function(helper_library name)
     target_compile_features(${name} PUBLIC cxx_std_20)
     set_target_properties(${name} PROPERTIES OUTPUT_NAME subscription-store-${name})
 endfunction()
+
+# helper_part(NAME LIBRARY SOURCES...): a library that everything that links LIBRARY links too, except a target that
+# lists NAME in its property HELPER_REPLACES and defines the same functions itself.
+define_property(TARGET PROPERTY HELPER_REPLACES INITIALIZE_FROM_VARIABLE HELPER_REPLACES)
+function(helper_part name library)
+    helper_library(${name} ${ARGN})
+    target_link_libraries(${name} PUBLIC ${library})
+    target_link_libraries(${library} INTERFACE
+        $<$<NOT:$<IN_LIST:${name},$<TARGET_PROPERTY:HELPER_REPLACES>>>:SubscriptionStore::${name}>)
+endfunction()

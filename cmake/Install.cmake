@@ -4,7 +4,7 @@ include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
 set(package_directory "${CMAKE_INSTALL_LIBDIR}/cmake/SubscriptionStore")
-install(TARGETS base store EXPORT SubscriptionStoreTargets)
+install(TARGETS base fetch store script-url EXPORT SubscriptionStoreTargets)
 foreach(folder base store)
     install(DIRECTORY ${folder}/ DESTINATION include/subscription-store/${folder}
         FILES_MATCHING PATTERN "*.h")
