@@ -50,7 +50,7 @@ def use_by_itself(stage, store, folder, refuse):
         with (stage.home / "log").open("w") as log:
             process = stage.start(environment, log=log)
         try:
-            if window.wait(15) or (window.activate() or window.wait(15)):
+            if window.wait():
                 photograph_removal(window, stage, store, folder, refuse)
                 window.keys("Return")
             else:

@@ -57,19 +57,18 @@ def start_bus(environment):
 
 
 def _start_manager(environment):
-    """Starts a window manager, waits until it manages the display, and returns its process. Tries three times."""
-    def is_there():
-        return "_NET_SUPPORTING_WM_CHECK(WINDOW)" in subprocess.run(
-            ["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"], env=environment, text=True,
-            capture_output=True, check=False).stdout
+    """Starts a window manager, waits until it manages the display, and returns its process.
 
-    for _ in range(3):
-        manager = subprocess.Popen(["openbox"], env=environment, stdout=subprocess.DEVNULL,
-                                   stderr=subprocess.DEVNULL)
-        if wait_for(is_there):
-            return manager
+    openbox sets _NET_SUPPORTING_WM_CHECK before it looks for windows, and a window that is mapped in between stays
+    invisible. Wait for the startup command instead, which runs after both.
+    """
+    manager = subprocess.Popen(["openbox", "--startup", "xprop -root -f IS_MANAGED 32c -set IS_MANAGED 1"],
+                               env=environment, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    if not wait_for(lambda: "= 1" in subprocess.run(["xprop", "-root", "IS_MANAGED"], env=environment, text=True,
+                                                    capture_output=True, check=False).stdout, 60):
         end(manager)
-    raise RuntimeError("cannot start openbox")
+        raise RuntimeError("cannot start openbox")
+    return manager
 
 
 @contextlib.contextmanager
