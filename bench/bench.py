@@ -241,6 +241,24 @@ class Bench:
                 {"argv": ["sh", "-c", pipe]}])
         self.compare(9, "storectl subscription", "curl -s piped into xmllint --xpath", 1.0, medians)
 
+    def long_lists(self):
+        """Row 20."""
+        links, references = self.folder / "links", self.folder / "references"
+        for delay, jobs, count in ((0, 1, 5000), (0, 8, 5000), (50, 1, 100), (50, 8, 800)):
+            count = 16 if self.quick else count
+            with Store(self.build, "--latency", str(delay)) as store:
+                names = [f"DEMO-{1001 + number}" for number in range(count)]
+                references.write_text("\n".join(names))
+                links.write_text("".join(f'url = "{store.address}?f=getsubscription&subscriptionRef={name}"\n'
+                                         for name in names))
+                ours = f"'{self.program('tools/storectl')}' subscription --jobs {jobs} --raw - <'{references}'"
+                theirs = f"curl --silent --parallel --parallel-max {jobs} --config '{links}'"
+                medians = self.times(5, [{"argv": ["sh", "-c", f"{command} >/dev/null; true"]}
+                                         for command in (ours, theirs)])
+            per_second = [f"{count / median * 1000:.0f}/s" for median in medians]
+            self.add(20, f"storectl: a list by {jobs} jobs, latency {delay} ms", "curl --parallel", None,
+                     medians[0] / medians[1], " / ".join(per_second))
+
     def steps(self):
         """Measures the removal's steps. The copies' times exclude the program's start, which is measured separately."""
         step = self.program("tests/removal-step")
@@ -342,6 +360,7 @@ def main():
         bench.reading()
         bench.memory()
         bench.storectl()
+        bench.long_lists()
         bench.steps()
         environment = stack.enter_context(desktop())
         bench.instructions(environment)  # before zenity, which starts accessibility for all later windows
@@ -352,7 +371,7 @@ def main():
         if bench.package:
             bench.sizes()
         bench.table()
-    missing = {*range(1, 18), "3b"} - {row[0] for row in bench.rows}
+    missing = {*range(1, 18), 20, "3b"} - {row[0] for row in bench.rows}
     if missing:
         sys.exit(f"bench: rows without a figure: {sorted(missing)}")
 

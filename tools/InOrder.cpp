@@ -24,22 +24,22 @@ class Reports {
     /// @return its index, or `count` if nothing is left to do.
     std::size_t next() {
         std::unique_lock lock(mutex_);
-        changed_.wait(lock, [this] { return next_ == count_ || next_ < taken_ + ahead_; });
+        mayLook_.wait(lock, [this] { return next_ == count_ || next_ < taken_ + ahead_; });
         return next_ == count_ ? count_ : next_++;
     }
 
     void add(std::size_t index, Report report) {
         const std::lock_guard lock(mutex_);
         ready_.emplace(index, std::move(report));
-        changed_.notify_all();
+        added_.notify_one();
     }
 
     /// Waits for the report of `index`, which is that of the call before plus one.
     Report take(std::size_t index) {
         std::unique_lock lock(mutex_);
-        changed_.wait(lock, [&] { return ready_.contains(index); });
+        added_.wait(lock, [&] { return ready_.contains(index); });
         taken_ = index + 1;
-        changed_.notify_all();
+        mayLook_.notify_one();
         return std::move(ready_.extract(index).mapped());
     }
 
@@ -47,14 +47,15 @@ class Reports {
     void stop() {
         const std::lock_guard lock(mutex_);
         next_ = count_;
-        changed_.notify_all();
+        mayLook_.notify_all();
     }
 
   private:
     const std::size_t count_;
     const std::size_t ahead_;
     std::mutex mutex_;
-    std::condition_variable changed_;
+    std::condition_variable mayLook_; // for the jobs
+    std::condition_variable added_;   // for the thread that takes
     std::size_t next_ = 0;
     std::size_t taken_ = 0;
     std::map<std::size_t, Report> ready_;

@@ -8,6 +8,7 @@ import re
 import select
 import socketserver
 import subprocess
+import textwrap
 import threading
 import unittest
 
@@ -233,6 +234,10 @@ class StorectlTest(TestCase):
             self.assertNotIn(" of ", run("subscription", "A", "B")[2])
 
     def test_tables_are_aligned(self):
+        command, table = re.search(r"^    \$ storectl (.*)\n((?:    .*\n)+)", (PROJECT / "README.md").read_text(),
+                                   re.MULTILINE).groups()
+        with Store(BUILD):
+            self.assertEqual(run(*command.split())[1], textwrap.dedent(table))
         name = "\u65e5\u672c e\u0301"
         with Store(BUILD, "--answer", f"<order><total>7</total><city>{name}</city><orderItems><orderItem><quantity>1"
                    "</quantity></orderItem></orderItems></order>"):
