@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::string_view kKelvinSign = "\xe2\x84\xaa";
 
-/// In one pass: a text may consist of nothing else.
+/// Replaces the signs in one pass, to stay linear if a text contains only signs.
 void replaceKelvinSigns(std::string& text) {
     std::size_t to = 0;
     for (std::size_t from = 0; from < text.size(); ++to) {
@@ -37,7 +37,8 @@ void lowercase(std::string& text) {
 
 bool flagFromText(std::string_view text) {
     constexpr std::string_view kTrue = "true";
-    // By its length first, which spares long texts the copy: no letter of it is longer in capitals.
+    // Compare the length first to avoid copying long texts. Every spelling of "true" has four
+    // bytes.
     if (text.size() != kTrue.size()) {
         return false;
     }
@@ -52,7 +53,7 @@ std::uint64_t numberFromText(std::string_view text) {
     if (negative || text.starts_with('+')) {
         text.remove_prefix(1);
     }
-    // Read with its sign, so that the smallest value has a place.
+    // Read the digits together with the sign, because the smallest value has no positive opposite.
     const std::string digits =
         (negative ? "-" : "") + std::string(text.substr(0, text.find_first_not_of("0123456789")));
     std::int64_t value = 0;

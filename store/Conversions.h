@@ -4,19 +4,19 @@
 #include <string>
 #include <string_view>
 
-/// How texts of an answer become values. All are independent of locale and of state.
+/// Conversions of an answer's texts to values. They depend only on their arguments, in any locale.
 namespace store {
 
-/// Makes an element name or a flag's text lower case: the ASCII letters, and U+212A KELVIN SIGN,
-/// the one other character whose lower case is an ASCII letter in use here. Everything else stays.
+/// Lowercases an element name or a flag's text: the ASCII letters, and U+212A KELVIN SIGN, the only
+/// other character that lowercases to a letter in use. Other characters stay.
 void lowercase(std::string& text);
 
-/// Whether the lowercased text is exactly "true". Nothing is trimmed.
+/// Returns true if the lowercased text is exactly "true". Blanks around it count as characters.
 [[nodiscard]] bool flagFromText(std::string_view text);
 
-/// Reads leading white space, a sign and decimal digits up to the first other character as a signed
-/// 64-bit integer (no digits give 0, beyond the range gives the nearest limit) and takes its 64
-/// bits as unsigned: "-1" gives 18446744073709551615.
+/// Returns the text's number: leading white space, a sign, and decimal digits up to the first other
+/// character. The number saturates as a signed 64-bit integer, and is 0 if the digits are missing.
+/// The result has its 64 bits: "-1" gives 18446744073709551615.
 [[nodiscard]] std::uint64_t numberFromText(std::string_view text);
 
 } // namespace store

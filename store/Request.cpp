@@ -7,7 +7,7 @@
 namespace store {
 namespace {
 
-/// The address of a request: a format that takes the script's URL and the reference.
+/// Returns a request's URL as a format for the script's URL and the reference.
 std::string_view formatOf(Request request) {
     switch (request) {
     case Request::GetSubscription:

@@ -8,16 +8,16 @@
 
 namespace store {
 
-/// What the store service can be asked.
+/// The requests that the store service understands.
 enum class Request { GetSubscription, DeleteSubscription, GetOrder };
 
-/// How a request ended.
+/// The outcome of a request.
 struct Answer {
-    /// The address that was asked, or, where `isSent` is false, the text that makes none.
+    /// The requested URL, or an invalid URL if `isSent` is false.
     std::string address;
-    /// Whether the reference made an address, so that a request was sent.
+    /// True if the request was sent, because the reference made a valid URL.
     bool isSent = false;
-    /// The answer's body, whatever it holds; none when there was no whole answer.
+    /// The answer's body with any content, absent if the answer is missing or incomplete.
     std::optional<base::Data> data;
     /// The reason for an absent body, in libcurl's words. The store service may have obeyed the
     /// request nevertheless.
@@ -26,12 +26,12 @@ struct Answer {
     int status = 0;
 };
 
-/// Fetches a resource within limits, as base::fetch().
+/// A function that fetches a resource within limits, such as base::fetch().
 using Fetcher = std::function<base::Fetched(const base::URL& url, const base::FetchLimits& limits)>;
 
-/// Sends one request for `reference`, which goes into it exactly as it stands, without escaping,
-/// and waits for the whole answer on the calling thread. Caches and logs nothing. Any thread that
-/// `fetcher` allows.
+/// Sends one request and waits for the whole answer on the calling thread, without a cache or a log
+/// line. Call it on any thread that `fetcher` allows.
+/// @param reference goes into the request exactly as given, without escaping.
 /// @param fetcher sends the request. base::fetch() sends it once. A lookup can be sent over a kept
 /// connection (base::Connection), because it is safe to repeat.
 [[nodiscard]] Answer ask(Request request, const std::string& reference,

@@ -4,9 +4,9 @@
 
 namespace store {
 
-/// The URL of the store service's script, the base of every request: plain HTTP, the host that was
-/// set when the library was built (`HELPER_STORE_HOST`), the path "/fastspring.php", no query.
-/// The target `script-url` contains this function alone, and tests replace it.
+/// Returns the URL of the store service's script, to which each request adds its query. The URL has
+/// the scheme http, the host from the build (`HELPER_STORE_HOST`) and the path "/fastspring.php".
+/// The target `script-url` contains only this function, and tests replace it.
 [[nodiscard]] std::string_view scriptURL();
 
 } // namespace store

@@ -24,9 +24,8 @@ constexpr std::array kPatternFields = {
     std::pair{'m', &CalendarTime::minute}, std::pair{'s', &CalendarTime::second},
 };
 
-/// `text` with one byte for each UTF-16 code unit, in which server dates count their characters,
-/// and a blank before each "+". What is not ASCII matches no pattern, so any one byte can stand for
-/// it.
+/// Returns `text` with one byte for each UTF-16 code unit, because server dates count those, and
+/// with a blank before each "+". Characters outside ASCII become "?", which fails every pattern.
 std::string codeUnits(std::string_view text) {
     std::string units;
     units.reserve(text.size());
@@ -37,7 +36,7 @@ std::string codeUnits(std::string_view text) {
         }
         if (byte < 0x80) {
             units.push_back(character);
-        } else if (byte >= 0xc0) { // the first byte of a character; four-byte ones are two units
+        } else if (byte >= 0xc0) { // a first byte. Characters of four bytes are two units.
             units.append(byte >= 0xf0 ? 2 : 1, '?');
         }
     }
@@ -86,7 +85,7 @@ Date dateFromText(std::string_view text) {
     }
     const auto zone = copy.find('Z');
     if (zone == std::string::npos) {
-        throw std::out_of_range("a date without a \"Z\" where it is looked for: \"" +
+        throw std::out_of_range("cannot read a date without \"Z\": \"" +
                                 std::string(text.substr(0, kShown)) + "\"");
     }
     copy.erase(zone, 1);

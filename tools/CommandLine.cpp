@@ -25,7 +25,7 @@ constexpr const char* kFooter =
     "of several references counts. Proxy settings of the environment apply (http_proxy and "
     "others).";
 
-/// Explains in one line why CLI11 did not take the words.
+/// Returns a line that explains why CLI11 rejected the command line.
 std::string explanation(const CLI::App& app, const CLI::ParseError& error) {
     const auto chosen = app.get_subcommands();
     if (chosen.empty()) {
@@ -40,13 +40,13 @@ std::string explanation(const CLI::App& app, const CLI::ParseError& error) {
            (left.empty() ? std::string(": ") + error.what() : " does not take " + left.front());
 }
 
-/// Makes an option or an argument accept one of a few words.
-void setChoices(CLI::Option* option, const std::vector<std::string>& words) {
-    const std::string list = CLI::detail::join(words, "|");
-    const auto check = [words, list](const std::string& word) {
-        return std::find(words.begin(), words.end(), word) != words.end()
+/// Restricts an option or an argument to a few choices.
+void setChoices(CLI::Option* option, const std::vector<std::string>& choices) {
+    const std::string list = CLI::detail::join(choices, "|");
+    const auto check = [choices, list](const std::string& word) {
+        return std::find(choices.begin(), choices.end(), word) != choices.end()
                    ? std::string()
-                   : word + " is not one of " + list + suggestion(word, words);
+                   : word + " is not one of " + list + suggestion(word, choices);
     };
     option->check(check)->type_name(list)->option_text(list);
 }
@@ -96,13 +96,13 @@ class Declaration {
             ->option_text(" ");
     }
 
-    void addCompletion(std::string& shell, std::vector<std::string>& words) {
+    void addCompletion(std::string& shell, std::vector<std::string>& arguments) {
         CLI::App* completion =
             app_.add_subcommand("completion", "Print the completion script for a shell");
         setChoices(completion->add_option("SHELL", shell, "The shell")->required(),
                    {std::begin(kShells), std::end(kShells)});
-        // Called by these scripts.
-        app_.add_subcommand("complete", "")->group("")->add_option(kReferences, words, "");
+        // The completion scripts call this command.
+        app_.add_subcommand("complete", "")->group("")->add_option(kReferences, arguments, "");
     }
 
   private:
@@ -122,7 +122,7 @@ class Declaration {
 
     CLI::App& addRequest(Command command, const char* name, const char* help) {
         CLI::App& request = add(command, name, help);
-        // Only for the help: the references never reach CLI11, which splits and drops some words.
+        // Only for the help: the references never reach CLI11, which splits and drops some of them.
         request
             .add_option(kReferences, line_.references,
                         "References at the store service, or - for a list on standard input")
@@ -160,12 +160,12 @@ void checkCombination(const CLI::App& command, const CommandLine& line) {
     }
 }
 
-/// Parses the words that are no references.
-/// @return false if the help or the version was printed, so that nothing is left to do.
-bool parse(CLI::App& app, std::vector<std::string> words) {
-    std::reverse(words.begin(), words.end()); // the order that CLI11 expects
+/// Parses the command, its options and its arguments other than references.
+/// @return false if it printed the help or the version.
+bool parse(CLI::App& app, std::vector<std::string> arguments) {
+    std::reverse(arguments.begin(), arguments.end()); // the order that CLI11 expects
     try {
-        app.parse(std::move(words));
+        app.parse(std::move(arguments));
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() != 0) {
             throw UsageError(explanation(app, error));
@@ -182,9 +182,9 @@ bool parse(CLI::App& app, std::vector<std::string> words) {
 
 CommandLine readCommandLine(int argumentCount, const char* const* arguments) {
     CLI::App app(
-        "Asks the store service at " + std::string(store::scriptURL()) +
-            " about subscriptions and orders.\nPrints one JSON object, or one per line for "
-            "several references, or a table.",
+        "Looks up subscriptions and orders, and cancels subscriptions, at the store service\n" +
+            std::string(store::scriptURL()) +
+            "\nPrints one JSON object, or one per line for several references, or a table.",
         "storectl");
     CommandLine line;
     std::string shell;
@@ -196,11 +196,11 @@ CommandLine readCommandLine(int argumentCount, const char* const* arguments) {
     declaration.addParse();
     declaration.addCompletion(shell, unused);
     const std::span all(arguments, static_cast<std::size_t>(argumentCount));
-    auto words = divided(app, kReferences, all.subspan(std::min<std::size_t>(1, all.size())));
-    if (!parse(app, std::move(words.others))) {
+    auto parts = divided(app, kReferences, all.subspan(std::min<std::size_t>(1, all.size())));
+    if (!parse(app, std::move(parts.others))) {
         return {};
     }
-    line.references = std::move(words.references);
+    line.references = std::move(parts.references);
     if (!shell.empty()) {
         write(completionScript(shell));
     } else if (line.command == Command::None) {

@@ -23,30 +23,30 @@ enum class Command { None, Subscription, Cancel, Order, Parse };
 
 /// The command and its options.
 struct CommandLine {
-    Command command = Command::None;     ///< None: nothing is left to do
-    std::vector<std::string> references; ///< of a request; "-" stands for a list on standard input
-    store::Text store;                   ///< the store identifier
-    std::string kind;                    ///< of an answer that is parsed
-    std::string file;                    ///< the path of that answer, or "-"
+    Command command = Command::None;     ///< None if the help or the version was printed.
+    std::vector<std::string> references; ///< Of a request. "-" stands for a list on standard input.
+    store::Text store;                   ///< The store identifier.
+    std::string kind;                    ///< The kind of record that `parse` reads.
+    std::string file;                    ///< The path of the answer for `parse`, or "-".
     Format format = Format::JSON;
-    std::vector<std::string> fields; ///< the columns of a table, or empty for the usual ones
-    double timeout = 0;              ///< seconds for one request, 0 for the usual limit
-    std::size_t jobs = 1;            ///< lookups at the same time
-    bool isRaw = false;              ///< print the store's own answer
-    bool isVerbose = false;          ///< report each request
-    bool isSure = false;             ///< cancel without a question
-    bool isDryRun = false;           ///< look up instead of canceling
+    std::vector<std::string> fields; ///< The columns of a table, or empty for the default columns.
+    double timeout = 0;              ///< Seconds for one request, or 0 for the default limit.
+    std::size_t jobs = 1;            ///< Lookups at the same time.
+    bool isRaw = false;              ///< Print the store's own answer.
+    bool isVerbose = false;          ///< Report each request.
+    bool isSure = false;             ///< Cancel without asking.
+    bool isDryRun = false;           ///< Look up instead of canceling.
 
     /// Returns true if the command only looks up, so that a request is safe to repeat.
     [[nodiscard]] bool isLookup() const { return command != Command::Cancel || isDryRun; }
 };
 
-/// Reads the command line. Prints answers about the command itself: help, version, completion.
-/// Words that are not options are references exactly as given, and so is every word after "--".
+/// Reads the command line. Prints the help, the version or a completion script if it asks for one.
+/// Arguments that are not options are references exactly as given, and so are all after "--".
 /// @throws UsageError
-[[nodiscard]] CommandLine readCommandLine(int argumentCount, const char* const* words);
+[[nodiscard]] CommandLine readCommandLine(int argumentCount, const char* const* arguments);
 
-/// The limits of a request that may take `timeout` seconds.
+/// Returns the limits of a request that may take `timeout` seconds, or the default limits for 0.
 [[nodiscard]] base::FetchLimits limits(double timeout);
 
 } // namespace tools

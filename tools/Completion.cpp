@@ -10,7 +10,7 @@
 namespace tools {
 namespace {
 
-// bash makes "=" a word of its own.
+// The bash script joins the words around "=", because bash splits them there.
 constexpr const char* kBash = R"script(# bash completion for storectl
 _storectl() {
     local IFS=$'\n' current=${COMP_WORDS[COMP_CWORD]#=} candidates

@@ -11,9 +11,9 @@ namespace tools {
 
 inline constexpr const char* kShells[] = {"bash", "zsh", "fish"};
 
-/// Returns the candidates for the last word of a command line, one per line, each with a tab and
-/// its description: the commands, options and choices that `program` declares. Returns an empty
-/// text if a file is expected. The shell compares the candidates with the word.
+/// Returns the candidates for the last word of a command line, one per line: a command, option or
+/// choice that `program` declares, a tab, and its description. Returns an empty text if a file is
+/// expected. The shell compares the candidates with the word.
 /// @param words the command line without the name of the program. The last word may be empty.
 [[nodiscard]] std::string completions(const CLI::App& program, std::span<const std::string> words);
 

@@ -13,15 +13,15 @@
 namespace tools {
 namespace {
 
-constexpr std::size_t kAheadPerJob = 16; // a slow answer must not stop the other jobs at once
+constexpr std::size_t kAheadPerJob = 16; // lets the other jobs continue during a slow answer
 
-/// The reports that are not handed on yet, shared by the jobs and the thread that takes them.
+/// The waiting reports, shared by the jobs and the thread that takes the reports.
 class Reports {
   public:
     Reports(std::size_t count, std::size_t ahead) : count_(count), ahead_(ahead) {}
 
     /// Waits until a further reference may be looked up.
-    /// @return its index, or `count` if nothing is left to do.
+    /// @return its index, or `count` after the last one.
     std::size_t next() {
         std::unique_lock lock(mutex_);
         mayLook_.wait(lock, [this] { return next_ == count_ || next_ < taken_ + ahead_; });
@@ -34,7 +34,7 @@ class Reports {
         added_.notify_one();
     }
 
-    /// Waits for the report of `index`, which is that of the call before plus one.
+    /// Waits for the report of `index`. Each call must pass the next index.
     Report take(std::size_t index) {
         std::unique_lock lock(mutex_);
         added_.wait(lock, [&] { return ready_.contains(index); });
@@ -43,7 +43,7 @@ class Reports {
         return std::move(ready_.extract(index).mapped());
     }
 
-    /// Lets the jobs end.
+    /// Makes the jobs end.
     void stop() {
         const std::lock_guard lock(mutex_);
         next_ = count_;
@@ -61,7 +61,7 @@ class Reports {
     std::map<std::size_t, Report> ready_;
 };
 
-/// Threads that end and are joined, also when an exception passes.
+/// The threads of the jobs. The destructor ends and joins them, so an exception does as well.
 class Jobs {
   public:
     explicit Jobs(Reports& reports) : reports_(reports) {}
@@ -84,7 +84,7 @@ class Jobs {
     std::vector<std::thread> threads_;
 };
 
-/// A fetcher with a connection of its own, for one thread.
+/// Returns a fetcher with its own connection, for one thread.
 class KeptConnection {
   public:
     KeptConnection() : connection_(base::Connection::Reuse::yes) {}

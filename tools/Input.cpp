@@ -37,7 +37,7 @@ std::string questionAbout(const std::vector<std::string>& references) {
     return text + "? [y/N] ";
 }
 
-/// Appends the lines of a list that are not blank.
+/// Appends the lines of a list, except blank ones.
 void appendLines(std::vector<std::string>& references, const std::string& list) {
     std::istringstream lines(list);
     for (std::string line; std::getline(lines, line);) {
@@ -69,13 +69,13 @@ std::string contentOf(const std::string& file) {
     return content.str();
 }
 
-References referencesOf(const std::vector<std::string>& words, bool skipsDuplicates) {
+References referencesOf(const std::vector<std::string>& arguments, bool skipsDuplicates) {
     std::vector<std::string> given;
-    for (const auto& word : words) {
-        if (word == "-") {
-            appendLines(given, contentOf(word));
+    for (const auto& argument : arguments) {
+        if (argument == "-") {
+            appendLines(given, contentOf(argument));
         } else {
-            given.push_back(word);
+            given.push_back(argument);
         }
     }
     References references;
@@ -94,8 +94,8 @@ void confirmCancellation(const std::vector<std::string>& references) {
     std::ifstream input(kTerminal);
     std::ofstream output(kTerminal);
     if (!input || !output) {
-        throw UsageError("cannot ask without a terminal; nothing was sent. Use --yes to cancel "
-                         "without a question");
+        throw UsageError("cannot ask for confirmation without a terminal, so no request was sent. "
+                         "Use --yes to cancel without confirmation");
     }
     output << questionAbout(references) << std::flush;
     std::string reply;

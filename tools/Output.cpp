@@ -13,7 +13,7 @@ namespace {
 
 using nlohmann::ordered_json;
 
-std::size_t progressWidth = 0; // of the line that the terminal shows
+std::size_t progressWidth = 0; // of the line on the terminal
 
 void clearProgress() {
     if (progressWidth > 0) {
@@ -34,7 +34,7 @@ void write(std::string_view text) {
     clearProgress();
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() ||
         std::fflush(stdout) != 0) {
-        throw OutputError(std::string("the result cannot be written: ") + std::strerror(errno));
+        throw OutputError(std::string("cannot write the result: ") + std::strerror(errno));
     }
 }
 

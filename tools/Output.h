@@ -31,8 +31,8 @@ void printJSON(const nlohmann::ordered_json& object, bool onOneLine);
 /// Writes "storectl: " and a message, its control characters escaped, to standard error.
 void say(std::string_view message);
 
-/// Shows on a line of its own how many of several references are done, as long as more are to come
-/// and if standard error is a terminal. The next output replaces the line.
+/// Shows how many of several references are done, on one line that the next output replaces. Shows
+/// it only if standard error is a terminal and references are left.
 void showProgress(std::size_t done, std::size_t count);
 
 } // namespace tools

@@ -64,7 +64,7 @@ Printer::Printer(const CommandLine& line, const std::vector<std::string>& refere
       isList_(line.references.size() != 1 || line.references.front() == "-") {
     if (line.format == Format::Table && (isList_ || !line.fields.empty())) {
         table_.emplace(columnsOf(line));
-        // The rows of a cancellation are printed one by one.
+        // Set the column's width first, because a cancellation prints its rows one by one.
         for (std::size_t index = 0; index < references.size() && !line.isLookup(); ++index) {
             table_->reserve(0, base::escaped(references[index]));
         }
@@ -97,7 +97,7 @@ void Printer::printObject(std::size_t index, const ordered_json& result) {
         return;
     }
     table_->add(object);
-    if (!line_.isLookup()) { // the row must be seen even if the command is killed later
+    if (!line_.isLookup()) { // print the row now, in case the command is killed later
         write(table_->takeLines());
     }
 }
@@ -129,7 +129,7 @@ void printAlone(const Report& report, Format format) {
         say(message);
     }
     if (report.status == ExitStatus::Usage) {
-        return; // there is no result, because no request was sent
+        return; // a wrong reference sends no request
     }
     if (format == Format::Table) {
         write(listOf(report.object));

@@ -34,7 +34,7 @@ class Printer {
 
     const CommandLine& line_;
     const std::vector<std::string>& references_;
-    bool isList_; // a list has one object per line, even if it contains only one reference
+    bool isList_; // prints one object per line, even if the list contains only one reference
     std::optional<Table> table_;
     std::map<std::string, int> counts_; // of outcomes
     ExitStatus worst_ = ExitStatus::Record;

@@ -33,7 +33,7 @@ struct adl_serializer<std::chrono::sys_seconds> {
 
 namespace store {
 
-// As NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE, which knows no ordered objects.
+// Like NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE, which lacks support for ordered objects.
 #define RECORD_TO_JSON(Record, ...)                                                                \
     static void to_json(nlohmann::ordered_json& nlohmann_json_j, const Record& nlohmann_json_t) {  \
         NLOHMANN_JSON_EXPAND(NLOHMANN_JSON_PASTE(NLOHMANN_JSON_TO, __VA_ARGS__))                   \

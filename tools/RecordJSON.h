@@ -7,8 +7,9 @@
 
 namespace tools {
 
-/// A record as a JSON object: its properties by name, in declaration order. An absent value is
-/// null, a date "YYYY-MM-DDTHH:MM:SSZ", a number a decimal integer, a list an array of records.
+/// Returns a record as a JSON object of its properties by name, in declaration order. An absent
+/// value is null, a date "YYYY-MM-DDTHH:MM:SSZ", a number a decimal integer, a list an array of
+/// records.
 [[nodiscard]] nlohmann::ordered_json recordJSON(const store::FastSpringSubscription& record);
 [[nodiscard]] nlohmann::ordered_json recordJSON(const store::FastSpringOrder& record);
 

@@ -57,7 +57,7 @@ Parsed parsed(std::string_view answer, RecordKind kind) {
                      &store::FastSpringSubscriptionParser::parseSubscription, answer);
 }
 
-/// Returns the reason why an answer is not one of the store service, if there is one.
+/// Returns the reason why an answer is not the store service's, or std::nullopt if it is.
 std::optional<Failure> failureOf(const Parsed& parsed, int httpStatus) {
     const bool hasRecord = !parsed.record.is_null();
     if (parsed.failure) {
@@ -94,7 +94,7 @@ Report unreachable(const store::Answer& answer) {
             {}};
 }
 
-/// Turns the report of a lookup into that of a cancellation.
+/// Turns a lookup's report into a cancellation's.
 void makeCancellation(Report& report) {
     ordered_json& object = report.object;
     if (report.status == ExitStatus::Record || report.status == ExitStatus::None) {

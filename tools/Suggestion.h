@@ -5,8 +5,8 @@
 
 namespace tools {
 
-/// Returns "; did you mean …?" with the known word that is most similar to `word`, or an empty text
-/// if none is similar.
+/// Returns a question such as "; did you mean cancel?" with the most similar known word, or an
+/// empty text if all differ too much from `word`.
 [[nodiscard]] std::string suggestion(const std::string& word,
                                      const std::vector<std::string>& known);
 

@@ -14,7 +14,7 @@ using nlohmann::ordered_json;
 
 constexpr std::size_t kGap = 2; // between columns
 
-/// Returns the number of columns that a text takes on a terminal. Needs a UTF-8 locale.
+/// Returns the width of a text on a terminal in columns. Needs a UTF-8 locale.
 std::size_t widthOf(std::string_view text) {
     std::size_t width = 0;
     std::mbstate_t state{};

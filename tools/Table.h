@@ -20,7 +20,7 @@ class Table {
     void reserve(std::size_t column, std::string_view text);
     /// Adds a row for a report. An absent value is "-".
     void add(const nlohmann::ordered_json& report);
-    /// Returns the rows that were added since the last call, the first time with the header.
+    /// Returns the rows since the last call. The first call also returns the header.
     [[nodiscard]] std::string takeLines();
 
   private:
@@ -32,8 +32,8 @@ class Table {
     std::vector<Row> rows_;
 };
 
-/// Returns the values of a report's record, or those of the report itself if it has none: one line
-/// per value, with its name first.
+/// Returns the values of a report's record, or of the report itself if its record is absent. Each
+/// line contains a name and a value.
 [[nodiscard]] std::string listOf(const nlohmann::ordered_json& report);
 
 } // namespace tools

@@ -8,7 +8,7 @@
 namespace tools {
 namespace {
 
-/// Returns the apps whose options a word can be: the command, or all before there is one.
+/// Returns the apps with the possible options: the command, or all apps before the command is read.
 std::vector<const CLI::App*> candidates(const CLI::App& program, const CLI::App& command) {
     std::vector<const CLI::App*> apps{&command};
     if (&command == &program) {

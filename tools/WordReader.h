@@ -12,7 +12,7 @@ class Option;
 
 namespace tools {
 
-/// Tells what each word of a command line is, by the declarations of a program with commands.
+/// Classifies the words of a command line by a program's declared commands and options.
 class WordReader {
   public:
     enum class Kind { Command, Option, Value, Separator, Argument };
@@ -24,13 +24,13 @@ class WordReader {
     /// @throws UsageError if the word is an unknown option or command.
     Kind read(const std::string& word);
 
-    /// The command that was read, or the program if there is none yet.
+    /// Returns the command, or the program before the command is read.
     [[nodiscard]] const CLI::App& command() const { return *command_; }
-    /// The option that takes the next word as its value, or null.
+    /// Returns the option that takes the next word as its value, or null.
     [[nodiscard]] const CLI::Option* openOption() const { return openOption_; }
-    /// The number of arguments of the command that were read.
+    /// Returns the number of arguments that were read.
     [[nodiscard]] std::size_t argumentCount() const { return argumentCount_; }
-    /// Returns true after "--", when every further word is an argument.
+    /// Returns true after "--", which makes all later words arguments.
     [[nodiscard]] bool isSeparated() const { return isSeparated_; }
 
   private:
@@ -46,12 +46,12 @@ class WordReader {
 
 /// The words of a command line, divided.
 struct DividedWords {
-    std::vector<std::string> references; ///< exactly as given
-    std::vector<std::string> others;     ///< the command, then its options and other arguments
+    std::vector<std::string> references; ///< Exactly as given.
+    std::vector<std::string> others;     ///< The command, then its options and other arguments.
 };
 
 /// Takes the references out of a command line, because CLI11 splits "[A,B]" and drops "++".
-/// @param name the name of the argument that takes references, in each command that has one.
+/// @param name the name that the commands give their argument for references.
 /// @throws UsageError if a word is an unknown option or command.
 [[nodiscard]] DividedWords divided(const CLI::App& program, const std::string& name,
                                    std::span<const char* const> words);

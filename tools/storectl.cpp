@@ -23,8 +23,8 @@ using tools::CommandLine;
 using tools::ExitStatus;
 using tools::Report;
 
-/// Cancels one after the other. A signal waits until the outcome of the request under way has been
-/// printed.
+/// Cancels one reference after the other. A signal takes effect after the running request's outcome
+/// is printed.
 void cancelAll(const CommandLine& line, const std::vector<std::string>& references,
                tools::Printer& printer) {
     for (std::size_t index = 0; index < references.size(); ++index) {
@@ -79,7 +79,7 @@ ExitStatus parse(const CommandLine& line) {
 
 ExitStatus run(const CommandLine& line) {
     switch (line.command) {
-    case Command::None: // everything was printed
+    case Command::None: // readCommandLine() has printed everything
         return ExitStatus::Record;
     case Command::Parse:
         return parse(line);
@@ -90,14 +90,14 @@ ExitStatus run(const CommandLine& line) {
 
 } // namespace
 
-int main(int argumentCount, char** words) {
+int main(int argumentCount, char** arguments) {
     platform::openClosedStreams();
     platform::logUncaughtFailures();
-    std::signal(SIGPIPE, SIG_IGN);       // a reader that has exited is an error like a full disk
-    std::ios::sync_with_stdio(false);    // with it, a failed read looks like the end of a list
+    std::signal(SIGPIPE, SIG_IGN);       // report a reader that has exited like a full disk
+    std::ios::sync_with_stdio(false);    // otherwise, a failed read looks like the end of a list
     std::setlocale(LC_CTYPE, "C.UTF-8"); // for the width of characters
     try {
-        return static_cast<int>(run(tools::readCommandLine(argumentCount, words)));
+        return static_cast<int>(run(tools::readCommandLine(argumentCount, arguments)));
     } catch (const tools::UsageError& error) {
         tools::say(error.what());
         return static_cast<int>(ExitStatus::Usage);

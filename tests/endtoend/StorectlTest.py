@@ -273,9 +273,9 @@ class StorectlTest(TestCase):
                 result = subprocess.run([PROGRAM, "parse", "order", "-"], input=b"<order/>", stdout=output,
                                         stderr=subprocess.PIPE, check=False)
             self.assertEqual(result.returncode, FAILURE)
-            self.assertIn(b"storectl: the result cannot be written: " + reason.encode(), result.stderr)
+            self.assertIn(b"storectl: cannot write the result: " + reason.encode(), result.stderr)
         closed = subprocess.run(["sh", "-c", '"$0" subscription A >&-', PROGRAM], stderr=subprocess.PIPE, check=False)
-        self.assertEqual((closed.returncode, b"cannot be written" in closed.stderr), (FAILURE, True))
+        self.assertEqual((closed.returncode, b"cannot write" in closed.stderr), (FAILURE, True))
 
     def test_wrong_usage_names_the_word_that_is_wrong(self):
         for words, message in (
