@@ -133,8 +133,8 @@ if(HELPER_TEXTS)
         helper_refuse(TEXTS "must be a directory of texts, not '${HELPER_TEXTS}'")
     endif()
     find_package(Python3 REQUIRED COMPONENTS Interpreter)
-    execute_process(COMMAND ${Python3_EXECUTABLE} "${CMAKE_CURRENT_LIST_DIR}/texts.py" "${HELPER_TEXTS}"
-            "${CMAKE_CURRENT_LIST_DIR}/../resources"
+    execute_process(COMMAND ${Python3_EXECUTABLE} "${CMAKE_CURRENT_LIST_DIR}/texts.py"
+            "${CMAKE_CURRENT_LIST_DIR}/../resources" "${HELPER_TEXTS}"
         RESULT_VARIABLE status ERROR_VARIABLE reason)
     if(NOT status EQUAL 0)
         helper_refuse(TEXTS "must be a directory of valid texts: ${reason}")
@@ -153,11 +153,9 @@ if(HELPER_UNINSTALLER)
 endif()
 
 # Escape the values for XML, and for quoted texts in C++ and strings tables.
-foreach(name COMPANY_NAME PRODUCT_NAME)
-    string(REPLACE "&" "&amp;" HELPER_${name}_XML "${HELPER_${name}}")
-    string(REPLACE "<" "&lt;" HELPER_${name}_XML "${HELPER_${name}_XML}")
-    string(REPLACE ">" "&gt;" HELPER_${name}_XML "${HELPER_${name}_XML}")
-endforeach()
+string(REPLACE "&" "&amp;" HELPER_COMPANY_NAME_XML "${HELPER_COMPANY_NAME}")
+string(REPLACE "<" "&lt;" HELPER_COMPANY_NAME_XML "${HELPER_COMPANY_NAME_XML}")
+string(REPLACE ">" "&gt;" HELPER_COMPANY_NAME_XML "${HELPER_COMPANY_NAME_XML}")
 get_filename_component(HELPER_UNINSTALLER_NAME "${HELPER_UNINSTALLER}" NAME)
 foreach(name PRODUCT_NAME STORE_ID UNINSTALLER_NAME)
     string(REGEX REPLACE "([\\\\\"])" "\\\\\\1" HELPER_${name}_ESCAPED "${HELPER_${name}}")

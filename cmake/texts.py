@@ -1,48 +1,80 @@
-"""Checks a company's own texts: `texts.py FOLDER RESOURCES`.
+"""Reads the strings tables for the build: `texts.py RESOURCES OWN [PRODUCT OUTPUT]`.
 
-FOLDER holds a strings table `<language>.strings` for each language in which some texts are to be others than those in
-RESOURCES/<language>.lproj. A language that is new has all of them. Ends with one message where a file holds anything
-else than entries `"key" = "value";` and comments, a key that there is not, or a value with other placeholders.
+RESOURCES/<language>.lproj/Localizable.strings contains this project's texts in a language. OWN is a company's directory
+of files <language>.strings that replace some of them, or empty. A file for a new language contains all keys.
+Exits with one message if a table has an error or an own text does not fit. platform/StringsTable.h has the syntax.
+
+With OUTPUT, writes the table of each language to OUTPUT/<language>.lproj. PRODUCT is its "Product Name" if OWN has
+none. Prints as JSON the lines that name the helper in a desktop entry and in a metainfo file.
 """
 
+import html
+import json
 import pathlib
 import re
 import sys
 
-ENTRY = re.compile(r'"((?:[^"\\]|\\.)*)"\s*=\s*"((?:[^"\\]|\\.)*)"\s*;', re.DOTALL)
+BLANKS = r"(?:[ \t\r\n\f\v\u2028\u2029]|/\*.*?\*/|//[^\n]*)*"
+WORD = r'"((?:[^"\\]|\\[Uu][0-9A-Fa-f]{4}|\\[^Uu])*)"|([A-Za-z0-9_$/:.-]+)'
+ESCAPE = re.compile(r"\\(?:([0-7]{1,3})|[Uu](.{4})|(.))", re.DOTALL)
+LETTERS = dict(zip("ntrfbav", "\n\t\r\f\b\a\v"))
 TOGETHER = "Cancel Subscription and &Uninstall", "&Keep Subscription"  # buttons that are shown together
-COMMENT = re.compile(r"/\*.*?\*/|//[^\n]*", re.DOTALL)
+MENU = (("Name", "name", "Cancel %@ Subscription"),
+        ("Comment", "summary", "Cancel the subscription and uninstall %@"))
+
+
+def unescaped(text):
+    text = ESCAPE.sub(lambda match: chr(int(match[1], 8)) if match[1] else chr(int(match[2], 16)) if match[2]
+                      else LETTERS.get(match[3], match[3]), text)
+    return text.encode("utf-16", "surrogatepass").decode("utf-16")  # pairs of code units become characters
+
+
+def parse(text):
+    """The entries of a table's text, by key. Raises ValueError at the first error."""
+    entries, at = {}, 0
+
+    def take(pattern, expected=None):
+        nonlocal at
+        match = re.compile(pattern, re.DOTALL).match(text, at)
+        if match:
+            at = match.end()
+        elif expected:
+            line = text.count("\n", 0, at) + 1
+            raise ValueError(f"line {line}: expected {expected}, not '{text[at:at + 40].partition(chr(10))[0]}'")
+        return match
+
+    def word(expected):
+        match = take(WORD, expected)
+        take(BLANKS)
+        return match[2] or unescaped(match[1])
+
+    while take(BLANKS) and at < len(text):
+        key = value = word("a key")
+        if take("="):
+            take(BLANKS)
+            value = word("a value")
+        take(";", "';'")
+        entries.setdefault(key, value)
+    return entries
 
 
 def table(file):
     """The entries of a strings table, by key."""
-    entries = {}
-
-    def keep(match):
-        entries.setdefault(*match.groups())
-        return ""
+    data = file.read_bytes()
     try:
-        text = file.read_text(encoding="utf-8")
-    except UnicodeDecodeError as error:
-        sys.exit(f"{file}: this is not UTF-8: {error}")
-    # An entry or a comment, whichever begins first.
-    rest = re.sub(f"{COMMENT.pattern}|{ENTRY.pattern}",
-                  lambda match: keep(ENTRY.fullmatch(match[0])) if match[0][0] == '"' else "", text,
-                  flags=re.DOTALL).strip()
-    if rest:
-        sys.exit(f"{file}: expected entries \"key\" = \"value\"; but there is '{rest.splitlines()[0]}'")
-    return entries
+        return parse(data.decode("utf-16" if data[:2] in (b"\xff\xfe", b"\xfe\xff") else "utf-8-sig"))
+    except ValueError as error:
+        return sys.exit(f"{file}: {error}")
 
 
 def mnemonic(text):
     return text.partition("&")[2][:1].lower()
 
 
-def check(file, known, ours):
-    """Checks a file of own texts. `ours` are this project's in the same language, or None."""
-    own = table(file)
+def check(file, own, known, ours):
+    """Checks the own texts of a file. `ours` are this project's in the same language, or None."""
     for key, value in own.items():
-        if key not in known:
+        if key not in known and key != "Product Name":
             sys.exit(f"{file}: there is no text '{key}'; resources/en.lproj has them all")
         for mark in ("%@", "&"):
             if key != "Product Name" and key.count(mark) != value.count(mark):
@@ -59,17 +91,49 @@ def check(file, known, ours):
         sys.exit(f"{file}: '{one}' and '{other}' have the same mnemonic after &")
 
 
-def main():
-    folder, resources = map(pathlib.Path, sys.argv[1:])
-    known = table(resources / "en.lproj" / "Localizable.strings")
+def add_own(folder, tables):
+    """Checks the own texts in a directory, and puts them in place of the project's."""
+    known = tables["en"]
     files = sorted(folder.iterdir())
     if not files:
         sys.exit(f"{folder}: there is no <language>.strings in it")
     for file in files:
         if not re.fullmatch(r"[a-z]{2,3}(_[A-Za-z]+)?\.strings", file.name):
             sys.exit(f"{file}: expected a file named by a language, such as de.strings or pt_BR.strings")
-        ours = resources / f"{file.stem}.lproj" / "Localizable.strings"
-        check(file, known, table(ours) if ours.exists() else None)
+        own = table(file)
+        check(file, own, known, tables.get(file.stem))
+        tables[file.stem] = tables.get(file.stem, {}) | own
+
+
+def write(tables, product, output):
+    desktop = metainfo = ""
+    for language, texts in sorted(tables.items(), key=lambda pair: (pair[0] != "en", pair[0])):
+        texts.setdefault("Product Name", product)
+        folder = output / f"{language}.lproj"
+        folder.mkdir(parents=True, exist_ok=True)
+        quoted = [[re.sub(r'["\\]', r"\\\g<0>", text).replace("\n", r"\n") for text in pair] for pair in texts.items()]
+        (folder / "Localizable.strings").write_bytes("".join(f'"{key}" = "{text}";\n' for key, text in quoted).encode())
+        locale = language.replace("zh_Hans", "zh_CN")
+        for entry, element, key in MENU:
+            text = texts.get(key, key).replace("%@", texts["Product Name"])
+            line = text.replace("\\", r"\\").replace("\n", r"\n")
+            if language == "en":
+                desktop += f"{entry}={line}\n"
+                metainfo += f"  <{element}>{html.escape(text, quote=False)}</{element}>\n"
+            else:
+                metainfo += f'  <{element} xml:lang="{locale}">{html.escape(text, quote=False)}</{element}>\n'
+            desktop += f"{entry}[{locale}]={line}\n"
+    print(json.dumps({"desktop": desktop, "metainfo": metainfo}))
+
+
+def main():
+    resources, own, *rest = sys.argv[1:]
+    tables = {file.parent.stem: table(file)
+              for file in pathlib.Path(resources).glob("*.lproj/Localizable.strings")}
+    if own:
+        add_own(pathlib.Path(own), tables)
+    if rest:
+        write(tables, rest[0], pathlib.Path(rest[1]))
 
 
 if __name__ == "__main__":

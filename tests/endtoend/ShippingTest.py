@@ -179,7 +179,7 @@ class PackagingTest(TestCase):
                 ("LICENSE", "Empty.app", "in UTF-8"), ("TEXTS", "globex.svg", "a directory of texts"),
                 ("TEXTS", "missing", "names a missing file"),
                 ("TEXTS", self.texts("German", "x"), "named by a language"),
-                ("TEXTS", self.texts("de", 'Leave = "x";'), "expected entries"),
+                ("TEXTS", self.texts("de", '"Leave" "x";'), "line 1: expected ';'"),
                 ("TEXTS", self.texts("de", '"Leave" = "x";'), "there is no text 'Leave'"),
                 ("TEXTS", self.texts("de", '"Cancel your %@ subscription?" = "x?";'), "must have %@ as often"),
                 ("TEXTS", self.texts("de", '"&Keep Subscription" = "&Da";'), "the same mnemonic"),
@@ -215,7 +215,9 @@ class PackagingTest(TestCase):
         """The package of a build of its own."""
         build = self.folder / name
         brand = self.brand(STORE_HOST=host, LICENSE="license.txt", VERSION="3.1",
-                           TEXTS=self.texts("en", r'/* ours */ "Product Name" = "Globex \"Draw\" 4";'))
+                           TEXTS=self.texts("en", '// "Product Name" = "";\n'
+                                            r'/***/ "Product Name" = "Globex \"Draw\" 4";'
+                                            r'"Cancel %@ Subscription" = "\U00c9cole @globex@: %@";'))
         environment = os.environ | {"HELPER_BRAND": str(brand)}
         self.run_commands(["cmake", "--preset", "brand", "-B", build, *options],
                           ["cmake", "--build", build, "--target", "bundle"],
@@ -301,7 +303,7 @@ class PackagingTest(TestCase):
             entry = stage.home / f".local/share/applications/{BRAND['IDENTIFIER']}.desktop"
             subprocess.run(["desktop-file-validate", entry], check=True)
             self.assertIn(f"\nTryExec={stage.program()}\n", entry.read_text())
-            self.assertIn('\nName[en]=Cancel Globex "Draw" 4 Subscription\n', entry.read_text())
+            self.assertIn('\nName[en]=École @globex@: Globex "Draw" 4\n', entry.read_text())
             self.check_size("unpacked", stage.bundle)
             self.check_size("entry", stage.program())
             self.check_licenses(stage.bundle / "Contents")

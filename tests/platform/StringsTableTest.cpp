@@ -5,6 +5,7 @@
 namespace platform {
 namespace {
 
+using testing::Each;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
@@ -14,6 +15,35 @@ struct Row {
     StringsTable table;
 };
 
+/// Returns what the build makes of each document, std::nullopt where it finds an error. All in one
+/// process, because Python starts slowly.
+std::vector<std::optional<StringsTable>> builtTables(const std::vector<std::string>& documents) {
+    const auto folder = test::TestHome::path() / "texts";
+    std::filesystem::remove_all(folder);
+    for (std::size_t i = 0; i < documents.size(); ++i) {
+        test::writeFile(folder / "read" / std::to_string(i), documents[i]);
+    }
+    test::writeFile(folder / "build.py", R"(
+import pathlib, sys, texts
+folder = pathlib.Path(sys.argv[1])
+for file in (folder / "read").iterdir():
+    try:
+        texts.write({file.name: texts.table(file)}, "Acme", folder)
+    except SystemExit:
+        pass
+)");
+    const std::string command = TEST_PYTHON " '" + (folder / "build.py").string() + "' '" +
+                                folder.string() + "' >/dev/null";
+    EXPECT_EQ(std::system(command.c_str()), 0);
+    std::vector<std::optional<StringsTable>> tables;
+    for (std::size_t i = 0; i < documents.size(); ++i) {
+        const auto table = folder / (std::to_string(i) + ".lproj/Localizable.strings");
+        tables.push_back(std::filesystem::exists(table) ? std::optional(readStringsTable(table))
+                                                        : std::nullopt);
+    }
+    return tables;
+}
+
 TEST(StringsTable, ReadsTheWholeSyntax) {
     const Row rows[] = {
         {"quoted and bare words",
@@ -22,6 +52,7 @@ TEST(StringsTable, ReadsTheWholeSyntax) {
         {"comments",
          "/* one \n * two */ a = \"b\"; // c = \"d\";\n e=f;//",
          {{"a", "b"}, {"e", "f"}}},
+        {"a short comment, and a mark of templates", "/***/ a = \"@b@\";", {{"a", "@b@"}}},
         {"an empty value", "\"a\" = \"\";", {{"a", ""}}},
         {"a key that stands for itself", "\"a\"; b;", {{"a", "a"}, {"b", "b"}}},
         {"the first of two", "a = 1; a = 2;", {{"a", "1"}}},
@@ -38,8 +69,16 @@ TEST(StringsTable, ReadsTheWholeSyntax) {
          {{"a", "b"}}},
         {"UTF-16, big end first", std::string("\xfe\xff\0a\0=\0b\0;", 10), {{"a", "b"}}},
     };
+    std::vector<std::string> documents;
     for (const auto& row : rows) {
         EXPECT_EQ(parseStringsTable(row.bytes, "x"), row.table) << row.what;
+        documents.push_back(row.bytes);
+    }
+    const auto built = builtTables(documents);
+    for (std::size_t i = 0; i < documents.size(); ++i) {
+        auto table = rows[i].table;
+        table.emplace("Product Name", "Acme");
+        EXPECT_EQ(built[i], table) << rows[i].what;
     }
 }
 
@@ -59,13 +98,16 @@ TEST(StringsTable, IsEmptyWithOneLineAboutTheFirstError) {
                      3),
          "expected text in UTF-16LE"},
     };
+    std::vector<std::string> documents;
     for (const auto& [bytes, expected] : rows) {
+        documents.push_back(bytes);
         testing::internal::CaptureStderr();
         EXPECT_THAT(parseStringsTable(bytes, "some.strings"), IsEmpty());
         const std::string log = testing::internal::GetCapturedStderr();
         EXPECT_THAT(log, HasSubstr("'some.strings'"));
         EXPECT_THAT(log, HasSubstr(expected));
     }
+    EXPECT_THAT(builtTables(documents), Each(std::nullopt));
 }
 
 } // namespace
