@@ -18,7 +18,7 @@ class Arena {
     Arena& operator=(const Arena&) = delete;
     ~Arena();
 
-    /// As malloc(), realloc() and free(), for the calling thread and while it has an arena.
+    /// Replace malloc(), realloc() and free() on a thread that has an arena.
     static void* allocate(std::size_t size) noexcept;
     static void* reallocate(void* old, std::size_t size) noexcept;
     static void release(void* memory) noexcept;

@@ -14,7 +14,7 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr const char* kProtocols = "http,https"; // also of redirects
-constexpr milliseconds kLongestPause{100};       // between two looks at the time
+constexpr milliseconds kLongestPause{100};       // between two checks of the time
 
 struct Transfer {
     const FetchLimits& limits;
@@ -22,8 +22,8 @@ struct Transfer {
     std::size_t headerBytes = 0;
 };
 
-// libcurl's callbacks end the transfer by taking fewer bytes than they were given; no exception may
-// pass through it.
+// The callbacks end a transfer by returning less than the given length, because exceptions must not
+// cross libcurl.
 std::size_t takeBody(char* bytes, std::size_t size, std::size_t count, void* context) noexcept {
     auto& transfer = *static_cast<Transfer*>(context);
     const std::size_t length = size * count;
@@ -50,8 +50,8 @@ bool set(CURL* handle, CURLoption option, Value value) {
     return curl_easy_setopt(handle, option, value) == CURLE_OK;
 }
 
-// Options that a library was built without are refused; the transfer does not start then, since
-// each of them bounds what the network can do.
+// Sets all options. Returns false if the library was built without one of them. The transfer must
+// then not start, because each option limits the network's influence.
 bool configure(CURL* handle, const URL& url, Transfer& transfer) {
     const FetchLimits& limits = transfer.limits;
     return set(handle, CURLOPT_URL, url.text().c_str()) &&
@@ -59,7 +59,7 @@ bool configure(CURL* handle, const URL& url, Transfer& transfer) {
            set(handle, CURLOPT_FOLLOWLOCATION, 1L) &&
            set(handle, CURLOPT_MAXREDIRS, limits.redirects) &&
            set(handle, CURLOPT_HTTP09_ALLOWED, 0L) && set(handle, CURLOPT_NOSIGNAL, 1L) &&
-           // A resolver that never answers must not hold the caller up when the time is over.
+           // Return at the end of the time even if the name's resolver never answers.
            set(handle, CURLOPT_QUICK_EXIT, 1L) &&
            set(handle, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limits.connect.count())) &&
            set(handle, CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(limits.body)) &&
@@ -70,7 +70,7 @@ bool configure(CURL* handle, const URL& url, Transfer& transfer) {
 }
 
 /// Runs a transfer to its end or until `time` is over. Time in which the process was stopped does
-/// not count: libcurl's own limit would drop an answer that arrived meanwhile.
+/// not count, because libcurl's own limit would drop an answer that arrived meanwhile.
 CURLcode performWithin(milliseconds time, CURLM* transfers) {
     using Clock = std::chrono::steady_clock;
     auto left = std::chrono::duration_cast<Clock::duration>(time);
@@ -94,7 +94,7 @@ CURLcode performWithin(milliseconds time, CURLM* transfers) {
 } // namespace
 
 struct Connection::Handles {
-    Handle<CURLM, curl_multi_cleanup> transfers; // with the kept connections
+    Handle<CURLM, curl_multi_cleanup> transfers; // contains the kept connections
     Handle<CURL, curl_easy_cleanup> transfer;
     long forbidsReuse = 1;
 };
@@ -118,20 +118,20 @@ Fetched Connection::fetch(const URL& url, const FetchLimits& limits) {
     if (handle == nullptr || transfers == nullptr) {
         return {std::nullopt, curl_easy_strerror(CURLE_FAILED_INIT)};
     }
-    curl_easy_reset(handle); // of the fetch before
+    curl_easy_reset(handle); // removes the last fetch's options
     Transfer transfer{limits, {}, 0};
-    char words[CURL_ERROR_SIZE] = "";
+    char reason[CURL_ERROR_SIZE] = "";
     if (!configure(handle, url, transfer) ||
         !set(handle, CURLOPT_FORBID_REUSE, handles_->forbidsReuse) ||
-        !set(handle, CURLOPT_ERRORBUFFER, words) ||
+        !set(handle, CURLOPT_ERRORBUFFER, reason) ||
         curl_multi_add_handle(transfers, handle) != CURLM_OK) {
         return {std::nullopt, curl_easy_strerror(CURLE_FAILED_INIT)};
     }
     const CURLcode code = performWithin(limits.whole, transfers);
     curl_multi_remove_handle(transfers, handle);
-    set(handle, CURLOPT_ERRORBUFFER, static_cast<char*>(nullptr)); // it ends with this call
+    set(handle, CURLOPT_ERRORBUFFER, static_cast<char*>(nullptr)); // the buffer ends with this call
     if (code != CURLE_OK) {
-        return {std::nullopt, *words != '\0' ? words : curl_easy_strerror(code)};
+        return {std::nullopt, *reason != '\0' ? reason : curl_easy_strerror(code)};
     }
     long status = 0;
     curl_easy_getinfo(handle, CURLINFO_RESPONSE_CODE, &status);

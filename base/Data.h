@@ -4,7 +4,7 @@
 
 namespace base {
 
-/// Bytes as they came from a file or the network.
+/// The unchanged bytes of a file or from the network.
 using Data = std::string;
 
 } // namespace base

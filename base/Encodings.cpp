@@ -19,7 +19,7 @@ constexpr const char* kEncodings[] = {
     "windows-1256", "windows-1257", "windows-1258", "KOI8-R",       "KOI8-U",
 };
 
-/// Returns the code point of a text of one character in UTF-32LE, or -1.
+/// Returns the code point of a UTF-32LE text of one character, or -1 for another text.
 int codePointOf(const std::optional<std::string>& text) {
     if (!text || text->size() != 4) {
         return -1;

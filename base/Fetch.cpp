@@ -5,8 +5,8 @@
 namespace base {
 
 Fetched fetch(const URL& url, const FetchLimits& limits) {
-    // On a kept connection that closes without an answer libcurl sends a request again: a
-    // cancellation after a redirect would be sent twice.
+    // Close each connection, because libcurl repeats a request if a kept connection closes before
+    // an answer. A cancellation after a redirect would be sent twice.
     return Connection(Connection::Reuse::no).fetch(url, limits);
 }
 

@@ -10,20 +10,20 @@
 
 namespace base {
 
-/// The bounds of one fetch. A transfer that passes one of them yields no data.
+/// The limits of one fetch. A transfer that exceeds a limit fails, and its data is absent.
 struct FetchLimits {
-    std::chrono::milliseconds connect = std::chrono::seconds(10); ///< until connected
+    std::chrono::milliseconds connect = std::chrono::seconds(10); ///< Until connected.
     /// The request from end to end. Time in which the process was stopped does not count.
     std::chrono::milliseconds whole = std::chrono::seconds(30);
-    std::size_t body = std::size_t{1} << 20U;     ///< bytes of body, without chunk frames
-    std::size_t headers = std::size_t{64} * 1024; ///< bytes of all header lines, of redirects too
-    long redirects = 5;                           ///< how many are followed
+    std::size_t body = std::size_t{1} << 20U;     ///< Bytes of the body, without chunk sizes.
+    std::size_t headers = std::size_t{64} * 1024; ///< Bytes of all headers, with redirects'.
+    long redirects = 5;                           ///< Number of redirects.
 };
 
-/// What became of a fetch.
+/// The outcome of a fetch.
 struct Fetched {
-    /// The body, whatever the HTTP status; an empty one is data of zero bytes. None when the
-    /// transfer failed, was cut off, or passed a limit.
+    /// The body for any HTTP status. An empty body is data of zero bytes. Absent if the transfer
+    /// failed, was cut off, or exceeded a limit.
     std::optional<Data> data;
     /// The reason for absent data, in libcurl's words.
     std::string failure;
@@ -31,10 +31,10 @@ struct Fetched {
     int status = 0;
 };
 
-/// Fetches the whole resource at `url` with one HTTP GET on the calling thread, which it blocks
-/// until the body has arrived or the transfer has failed. No headers of its own, no cookies, no
-/// stored credentials, no retry; the proxy settings of the environment hold. Redirects are followed
-/// to `http` and `https` only. May be called from any number of threads.
+/// Fetches the whole resource at `url` with one HTTP GET. Blocks the calling thread until the body
+/// has arrived or the transfer has failed. Sends only libcurl's own headers, without cookies or
+/// stored credentials, and never retries. Uses the environment's proxy settings, and follows
+/// redirects to `http` and `https` only. Any number of threads may call it at the same time.
 [[nodiscard]] Fetched fetch(const URL& url, const FetchLimits& limits = {});
 
 } // namespace base

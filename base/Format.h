@@ -7,12 +7,12 @@
 
 namespace base {
 
-/// One argument of a format: a text in UTF-8, or none.
+/// One argument of a format: an optional text in UTF-8.
 using FormatArgument = std::optional<std::string_view>;
 
-/// `format` with each "%@" replaced, in order, by one argument exactly as it stands. A missing
-/// object, and a "%@" without an argument, becomes "(null)". Nothing else in the format is special,
-/// and arguments are not searched for further "%@".
+/// Returns `format` with each "%@" replaced by the next argument, unchanged. An absent argument and
+/// a "%@" without an argument become "(null)". Only "%@" in the format is special. A "%@" in an
+/// argument stays.
 [[nodiscard]] std::string formatted(std::string_view format,
                                     std::initializer_list<FormatArgument> arguments);
 

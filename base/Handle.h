@@ -4,7 +4,7 @@
 
 namespace base {
 
-/// Frees a pointer of a C library by the function that the library has for it.
+/// Frees a pointer of a C library with that library's function.
 template <auto free>
 struct Free {
     template <class T>
@@ -13,8 +13,8 @@ struct Free {
     }
 };
 
-/// Owns a pointer of a C library, or null.
-/// @tparam free the function of that library which takes such a pointer back.
+/// A unique owner of a C library's pointer, which can be null.
+/// @tparam free the library's function that frees such a pointer.
 template <class T, auto free>
 using Handle = std::unique_ptr<T, Free<free>>;
 

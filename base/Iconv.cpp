@@ -9,15 +9,15 @@ namespace {
 
 constexpr auto kFailed = static_cast<std::size_t>(-1);
 
-iconv_t opened(const char* target, const char* source) {
+iconv_t openConversion(const char* target, const char* source) {
     const iconv_t handle = iconv_open(target, source);
-    // It reports failure by the pointer with all bits set.
+    // iconv_open() returns a pointer with all bits set if it fails.
     return reinterpret_cast<std::intptr_t>(handle) == -1 ? nullptr : handle;
 }
 
 } // namespace
 
-Iconv::Iconv(const char* target, const char* source) : handle_(opened(target, source)) {}
+Iconv::Iconv(const char* target, const char* source) : handle_(openConversion(target, source)) {}
 
 std::optional<std::string> Iconv::convert(std::string_view text) const {
     if (!isValid()) {
@@ -28,7 +28,8 @@ std::optional<std::string> Iconv::convert(std::string_view text) const {
     // iconv takes a pointer to non-const by its old signature but never writes to the source.
     char* from = const_cast<char*>(text.data());
     std::size_t left = text.size();
-    // Without a source it gives what it held back: a letter that a mark could have followed.
+    // The second call, without a source, returns the held-back last letter, which could have been
+    // followed by a combining mark.
     for (char** const source : {&from, static_cast<char**>(nullptr)}) {
         std::size_t status = kFailed;
         do {

@@ -11,18 +11,17 @@
 
 namespace base {
 
-/// One conversion between two character encodings, by their names in iconv. For one thread at a
-/// time.
+/// A conversion between two character encodings, by iconv's names. For one thread at a time.
 class Iconv {
   public:
-    /// A conversion from `source` to `target`; not valid when either encoding is unknown.
+    /// Opens the conversion from `source` to `target`. Invalid if either encoding is unknown.
     Iconv(const char* target, const char* source);
 
-    /// Whether the system knows both encodings.
+    /// Returns true if the system knows both encodings.
     [[nodiscard]] bool isValid() const { return handle_ != nullptr; }
-    /// The bytes of `text` in the target encoding, or none when they are not whole, well-formed
-    /// text of the source encoding, cannot be expressed in the target, or isValid() is false. Each
-    /// call starts anew.
+    /// Returns `text` in the target encoding. Each call converts independently.
+    /// @return std::nullopt if the text is malformed or incomplete in the source encoding, if the
+    /// target lacks a character, or if isValid() is false.
     [[nodiscard]] std::optional<std::string> convert(std::string_view text) const;
 
   private:

@@ -35,7 +35,7 @@ std::optional<sys_seconds> pointInTime(const CalendarTime& time) {
     const auto within = [](int value, int least, int most) {
         return value >= least && value <= most;
     };
-    // Before they become a month and a day, which keep no more than a byte of them.
+    // Check the ranges first, because std::chrono's month and day keep only one byte of a number.
     if (!within(time.year, 1, 9999) || !within(time.month, 1, 12) || !within(time.day, 1, 31) ||
         !within(time.hour, 0, 23) || !within(time.minute, 0, 59) || !within(time.second, 0, 59)) {
         return std::nullopt;
@@ -48,22 +48,23 @@ std::optional<sys_seconds> pointInTime(const CalendarTime& time) {
     return sys_days{date} + hours{time.hour} + minutes{time.minute} + seconds{time.second};
 }
 
-std::string timestampText(sys_seconds moment) {
-    const auto midnight = floor<days>(moment);
+std::string timestampText(sys_seconds time) {
+    const auto midnight = floor<days>(time);
     const year_month_day date{midnight};
-    const hh_mm_ss time{moment - midnight};
+    const hh_mm_ss timeOfDay{time - midnight};
     char text[64];
-    const int length = std::snprintf(
-        text, sizeof text, "%04d-%02u-%02uT%02d:%02d:%02dZ", int{date.year()},
-        unsigned{date.month()}, unsigned{date.day()}, static_cast<int>(time.hours().count()),
-        static_cast<int>(time.minutes().count()), static_cast<int>(time.seconds().count()));
+    const int length = std::snprintf(text, sizeof text, "%04d-%02u-%02uT%02d:%02d:%02dZ",
+                                     int{date.year()}, unsigned{date.month()}, unsigned{date.day()},
+                                     static_cast<int>(timeOfDay.hours().count()),
+                                     static_cast<int>(timeOfDay.minutes().count()),
+                                     static_cast<int>(timeOfDay.seconds().count()));
     return {text, static_cast<std::size_t>(length)};
 }
 
-std::string timestampText(Timestamp moment) {
-    const auto second = floor<seconds>(moment);
+std::string timestampText(Timestamp time) {
+    const auto second = floor<seconds>(time);
     char fraction[16];
-    std::snprintf(fraction, sizeof fraction, ".%06dZ", static_cast<int>((moment - second).count()));
+    std::snprintf(fraction, sizeof fraction, ".%06dZ", static_cast<int>((time - second).count()));
     std::string text = timestampText(second);
     text.pop_back();
     return text + fraction;

@@ -19,7 +19,8 @@ bool isWebScheme(const std::string& scheme) {
     return strcasecmp(scheme.c_str(), "http") == 0 || strcasecmp(scheme.c_str(), "https") == 0;
 }
 
-/// RFC 3986 has no largest port; an empty one stands for the scheme's own.
+/// Returns true for a port up to 65535, because RFC 3986 allows any number. An empty text is valid
+/// and means the scheme's default port.
 bool isPort(std::string_view digits) {
     std::uint16_t port = 0;
     const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), port);

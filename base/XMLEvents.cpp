@@ -18,34 +18,33 @@
 namespace base {
 namespace {
 
-// Expat's own threshold, 8 MiB, would let a body of 1 MiB grow eightfold before it is looked at,
-// and its own factor, 100, would let it grow to 100 MiB then. Answers of the store declare no
-// entities.
+// expat's default threshold of 8 MiB would let a body of 1 MiB grow eightfold unchecked, and its
+// default factor of 100 would allow 100 MiB. The store's answers do not declare entities.
 constexpr unsigned long long kAmplificationThreshold = 256ULL * 1024;
 constexpr float kAmplificationFactor = 4;
 
-// Documents up to this size are parsed in one go, which is faster by a tenth (measured 2026-11-22);
-// answers from the network are never larger.
-constexpr std::size_t kWhole = std::size_t{16} << 20U;
+// Parse documents up to this size at once, which is 10 % faster (measured 2026-11-22). Answers from
+// the network are always smaller.
+constexpr std::size_t kLargestUndivided = std::size_t{16} << 20U;
 constexpr std::size_t kParts = 32;
 
-// Every element gets all defaults that are declared for its name: with 5,000 of them 1 MiB of
-// elements took 1.7 s, with 64 it takes 35 ms (measured 2026-11-23). Answers of the store declare
-// none.
+// expat adds all declared defaults of a name to each of its elements. 1 MiB of elements took 1.7 s
+// with 5,000 defaults, and takes 35 ms with 64 (measured 2026-11-23). The store's answers do not
+// declare attributes.
 constexpr int kMostDeclaredAttributes = 64;
 
 constexpr const char* kUTF8 = "UTF-8";
 
-/// Random once for the process: expat would ask the system for each parser.
+/// Returns a random salt of the process, because expat would ask the system for each parser.
 unsigned long hashSalt() {
     static const unsigned long salt = [] {
         std::random_device source;
-        return (static_cast<unsigned long>(source()) << 16U ^ source()) | 1U; // 0 stands for none
+        return (static_cast<unsigned long>(source()) << 16U ^ source()) | 1U; // expat ignores 0
     }();
     return salt;
 }
 
-/// One session of expat over a document: passes its callbacks on to the delegate and keeps
+/// One session of expat over a document. Passes expat's callbacks on to the delegate and prevents
 /// exceptions from crossing the C library.
 class Session {
   public:
@@ -67,8 +66,8 @@ class Session {
         XML_SetBillionLaughsAttackProtectionMaximumAmplification(parser, kAmplificationFactor);
     }
 
-    /// Whether the document is whole; none, with no event delivered, when it calls its UTF-8
-    /// "utf8", which expat does not know.
+    /// Returns true if the document was read to its end without an error. Returns std::nullopt,
+    /// before the first event, if the document declares "utf8", a name that expat lacks.
     std::optional<bool> parse(std::string_view document) {
         const bool whole = feed(document);
         if (failure_) {
@@ -84,12 +83,12 @@ class Session {
     }
 
   private:
-    /// Hands the document to expat: at once, or a large one in parts, because expat copies what it
-    /// is given. The parts grow with the document, since it reads a tag that spans several anew
-    /// each time.
+    /// Passes the document to expat at once, or in parts if it is large, because expat copies its
+    /// input. The parts grow with the document, because expat reads a tag again for each part that
+    /// the tag spans.
     bool feed(std::string_view document) {
         const std::size_t part =
-            document.size() <= kWhole ? document.size() : document.size() / kParts;
+            document.size() <= kLargestUndivided ? document.size() : document.size() / kParts;
         while (document.size() > part) {
             if (!feed(document.substr(0, part), XML_FALSE)) {
                 return false;
@@ -107,7 +106,8 @@ class Session {
 
     static Session& self(void* context) { return *static_cast<Session*>(context); }
 
-    /// Expat may deliver one more event after it was told to stop; that one is dropped.
+    /// Passes an event to the delegate, unless the parse has stopped. expat may deliver one more
+    /// event after that.
     template <class Event>
     void deliver(Event event) noexcept {
         if (stopped_) {
@@ -183,7 +183,7 @@ class Session {
                                                        Arena::release};
 
     XMLEventDelegate& delegate_;
-    Arena arena_; // before what is in it
+    Arena arena_; // outlives the parser, which is in it
     Handle<XML_ParserStruct, XML_ParserFree> handle_;
     std::exception_ptr failure_;
     int depth_ = 0;

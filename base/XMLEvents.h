@@ -5,59 +5,62 @@
 
 namespace base {
 
-/// The attributes of one start element: a view that is valid during the event only.
+/// A view of one start element's attributes, valid only during the event.
 class XMLAttributes {
   public:
-    /// @param pairs names and values in turn, ended by a null pointer.
+    /// @param pairs alternate names and values, with a null pointer at the end.
     explicit XMLAttributes(const char* const* pairs) : pairs_(pairs) {}
 
-    /// The value of the attribute `name`, in UTF-8; none when the element does not have it.
+    /// Returns the value of the attribute `name` in UTF-8, or std::nullopt if it is missing.
     [[nodiscard]] std::optional<std::string_view> value(std::string_view name) const;
 
   private:
     const char* const* pairs_;
 };
 
-/// Receives the events of one parse, on the thread that parses. All texts are UTF-8 and valid
-/// during the call only. A handler may throw: the parse then stops and the exception leaves
-/// parseXML().
+/// A receiver of the events of one parse, on the thread that parses. All texts are UTF-8 and valid
+/// only during the call. If a handler throws, the parse stops and the exception leaves parseXML().
 class XMLEventDelegate {
   public:
     XMLEventDelegate() = default;
     XMLEventDelegate(const XMLEventDelegate&) = delete;
     XMLEventDelegate& operator=(const XMLEventDelegate&) = delete;
 
-    /// An element starts. The name is as written, a prefix included.
+    /// Handles the start of an element. The name is unchanged and includes a prefix.
     virtual void didStartElement(std::string_view elementName, const XMLAttributes& attributes) = 0;
-    /// An element ends.
+    /// Handles the end of an element.
     virtual void didEndElement(std::string_view elementName) = 0;
-    /// One piece of character data; the text of an element may come in several. The content of
-    /// CDATA sections is not delivered.
+    /// Handles one piece of character data. An element's text may have several pieces. The content
+    /// of CDATA sections is omitted.
     virtual void foundCharacters(std::string_view characters) = 0;
-    /// The document is not well-formed, or goes beyond a limit. The last event of the parse.
+    /// Handles a parse error: the document is malformed or exceeds a limit. Always the last event.
     virtual void parseErrorOccurred() = 0;
 
   protected:
     ~XMLEventDelegate() = default;
 };
 
-/// The deepest nesting of elements that is not a parse error.
+/// The deepest nesting of elements. A deeper one is a parse error.
 inline constexpr int kDeepestNesting = 256;
 
-/// Reads one XML document as a series of events, without namespaces and without opening anything
-/// that the document names. In time it is linear in the size of the document. In memory it holds,
-/// beside the document, a copy of what it was given at once (all, or a thirty-second of a document
-/// beyond 16 MiB) and the names and declarations that occur. Entities that the document declares
-/// are expanded under expat's amplification protection: it is a parse error when what was read and
-/// what was expanded come to more than 256 KiB and to more than four times what was read. So are
-/// more than 64 declared attributes.
-/// Encodings: UTF-8 (also as "utf8"), UTF-16, ISO-8859-1 to -16 (but for -12), US-ASCII,
-/// windows-1250 to -1258, KOI8-R and KOI8-U, in any letter case; any other one is a parse error at
-/// its declaration.
+/// Reads one XML document as a series of events. Ignores namespaces, and never opens files or URLs
+/// that the document names.
+///
+/// The time is linear in the size of the document. The memory contains, in addition to the
+/// document, its names and declarations and a copy of the part that expat gets at once: the whole
+/// document, or one of 32 parts if the document exceeds 16 MiB.
+///
+/// Declared entities are expanded under expat's amplification protection. A parse error occurs if
+/// the input and its expansion together exceed both 256 KiB and four times the input, or if the
+/// document declares more than 64 attributes.
+///
+/// Encodings: UTF-8 (also as "utf8"), UTF-16, ISO-8859-1 to -16 (without -12), US-ASCII,
+/// windows-1250 to -1258, KOI8-R and KOI8-U, in any letter case. The declaration of another
+/// encoding is a parse error.
 ///
 /// @param document the whole document.
-/// @param delegate gets every event before the function returns; what it throws is rethrown.
-/// @return whether the document was read to its end without an error.
+/// @param delegate gets every event before the function returns. Its exceptions are rethrown.
+/// @return true if the document was read to its end without an error.
 bool parseXML(std::string_view document, XMLEventDelegate& delegate);
 
 } // namespace base
