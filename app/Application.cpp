@@ -17,12 +17,12 @@
 
 namespace {
 
-/// A check, whose last result is that of the display.
+/// The state of a check. The last result is the display's.
 struct Check {
     bool asJSON = false;
     std::vector<app::CheckResult> results;
 };
-Check* runningCheck = nullptr; // for a message handler, which Qt gives no argument of ours
+Check* runningCheck = nullptr; // for the message handler, which cannot get arguments
 
 int finish(Check& check, const std::string& missingDisplay) {
     check.results.push_back(app::displayResult(missingDisplay));
@@ -33,7 +33,7 @@ int finish(Check& check, const std::string& missingDisplay) {
 /// and aborts. They become one log line, or the last result of a check, and status 1.
 void reportMissingDisplay(QtMsgType type, const QMessageLogContext& /*context*/,
                           const QString& message) {
-    thread_local std::string reasons; // Qt has other threads, which have other troubles
+    thread_local std::string reasons; // separates the messages of Qt's other threads
     reasons += (reasons.empty() ? "" : " ") + message.simplified().toStdString();
     if (type != QtFatalMsg) {
         return;
@@ -46,7 +46,7 @@ void reportMissingDisplay(QtMsgType type, const QMessageLogContext& /*context*/,
     std::_Exit(EXIT_FAILURE);
 }
 
-/// A bundle that brings Qt along brings its plugins too, and those of another Qt would not fit.
+/// Uses only the bundle's plugins if it contains Qt, because those of another Qt are incompatible.
 void useOwnPlugins() {
     const auto bundle = platform::Bundle::mainBundle();
     std::error_code ignored;
@@ -61,8 +61,8 @@ void logMessage(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const
     platform::log("%@", {message.toStdString()});
 }
 
-/// Runs at exit(), which Qt calls if the display goes away. A running worker would still use what
-/// the rest of the exit destroys.
+/// Runs at exit(), which Qt calls if the display disappears. Skips the rest of the exit during a
+/// removal, because the worker still uses the objects that the exit destroys.
 void leaveRunningRemoval() {
     if (app::logInterruptedRemoval()) {
         std::_Exit(EXIT_FAILURE);
@@ -75,7 +75,7 @@ int runUntilExit() {
     QApplication::setQuitOnLastWindowClosed(false);
 
     app::SubscriptionHelperAppDelegate delegate;
-    // Within the event loop, since ending the application has no effect before it runs.
+    // Call it from the event loop, because an exit before the event loop has no effect.
     QMetaObject::invokeMethod(
         &delegate,
         [&delegate] {
@@ -85,7 +85,7 @@ int runUntilExit() {
         Qt::QueuedConnection);
     const int status = QApplication::exec();
     if (app::logInterruptedRemoval() || delegate.isRemoving()) {
-        // The worker still uses what would be destroyed now, and nobody waits for it.
+        // Exit without destructors or waiting, because the worker still uses the objects.
         std::_Exit(status);
     }
     return status;
@@ -95,7 +95,7 @@ int runUntilExit() {
 
 int subscriptionHelperApplicationMain(const app::Options& options, int argumentCount,
                                       char** arguments) {
-    // Once more: the process entry has a C++ library of its own.
+    // Repeat this here, because the process entry has its own C++ library.
     platform::logUncaughtFailures();
     const bool isCheck = options.task == app::Options::Task::check;
     const std::string missing = app::loadModules(isCheck);
@@ -110,7 +110,7 @@ int subscriptionHelperApplicationMain(const app::Options& options, int argumentC
     }
     useOwnPlugins();
     qInstallMessageHandler(reportMissingDisplay);
-    // By these names Wayland and X11 desktops find the entry and the icon of the window.
+    // Wayland and X11 desktops find the window's desktop entry and icon by these names.
     QApplication::setDesktopFileName(QStringLiteral(HELPER_IDENTIFIER));
     QApplication::setApplicationName(QStringLiteral(HELPER_IDENTIFIER));
     const QApplication application(argumentCount, arguments);

@@ -11,7 +11,7 @@
 namespace app {
 
 QPixmap applicationIcon() {
-    // The file has the pixels as they are, because Qt loads all its image plugins to read a format.
+    // The file contains raw pixels, because Qt would load all image plugins to read any format.
     constexpr int kSide = 64;
     const bool isDense = qApp->devicePixelRatio() > 1;
     const int side = isDense ? 2 * kSide : kSide;

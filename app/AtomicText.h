@@ -7,7 +7,7 @@
 
 namespace app {
 
-/// A text, or none, that one thread may set while others read it: it is copied in and out.
+/// An optional text that one thread may set while others read it. Calls copy the text.
 class AtomicText {
   public:
     using Value = std::optional<std::string>;

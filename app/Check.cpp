@@ -54,8 +54,8 @@ std::string quoted(const std::string& path) {
     return word + "'";
 }
 
-/// Returns the step that removes the cause of an error at `place`.
-std::string nextStepAfter(const std::error_code& error, const std::string& place) {
+/// Returns the step that removes the cause of an error of the file at `path`.
+std::string nextStepAfter(const std::error_code& error, const std::string& path) {
     constexpr std::pair<std::errc, const char*> kSteps[] = {
         {std::errc::no_such_file_or_directory, "set HOME, or make the directories of %@"},
         {std::errc::permission_denied, "give the user all rights on %@ and on its directory"},
@@ -68,10 +68,10 @@ std::string nextStepAfter(const std::error_code& error, const std::string& place
     };
     for (const auto& [code, step] : kSteps) {
         if (error == code) {
-            return formatted(step, {quoted(place)});
+            return formatted(step, {quoted(path)});
         }
     }
-    return formatted("look at %@ with ls -ld", {quoted(place)});
+    return formatted("look at %@ with ls -ld", {quoted(path)});
 }
 
 CheckResult bundleOf(const Bundle& bundle) {
@@ -90,13 +90,13 @@ CheckResult libraries(const std::string& missing) {
                         "install the library that is named, or unpack the package again");
 }
 
-/// The file with the last-run time: the lock, reading, and a write without effect.
+/// Checks the settings file: takes the lock, reads it, and writes it without changes.
 CheckResult settings() {
     const platform::UserDefaults defaults(HELPER_IDENTIFIER);
     const auto lock = defaults.lock();
     const auto error = lock.error() ? lock.error() : defaults.checkStoring();
     if (error) {
-        const fs::path file = defaults.place();
+        const fs::path file = defaults.location();
         const auto culprit = lock.error() ? fs::path(file).replace_extension(".lock") : file;
         return failed("last run", culprit.native() + ": " + error.message(),
                       nextStepAfter(error, culprit));
@@ -104,11 +104,11 @@ CheckResult settings() {
     const auto lastRun = lastRunIn(defaults);
     return passed("last run", formatted("%@; %@; kept in %@",
                                         {lastRun ? base::timestampText(*lastRun) : "none stored",
-                                         isRecentRun(lastRun, presentMoment)
+                                         isRecentRun(lastRun, currentTime)
                                              ? "the next start runs at " +
                                                    base::timestampText(*lastRun + kRunInterval)
                                              : "a start runs now",
-                                         defaults.place()}));
+                                         defaults.location()}));
 }
 
 base::Fetched sendNothing(const base::URL& /*url*/, const base::FetchLimits& /*limits*/) {
@@ -131,7 +131,7 @@ CheckResult reference(const std::optional<std::string>& text, const std::error_c
                                    "correct the reference in " + quoted(file));
 }
 
-/// The lookup's answer, as far as the checks tell of it.
+/// The result of the lookup, and its record for further checks.
 struct Lookup {
     CheckResult result;
     std::shared_ptr<store::FastSpringSubscription> record;
@@ -164,7 +164,7 @@ Lookup lookUp(const std::string& reference) {
             nullptr};
 }
 
-/// The program that opens the account page, and the page's address if a lookup has found it.
+/// Checks for a program that opens the account page. Names the page if a lookup has found it.
 CheckResult accountPage(const std::shared_ptr<store::FastSpringSubscription>& record) {
     constexpr const char* kName = "account page";
     const std::string opener = platform::desktop::opener();

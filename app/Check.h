@@ -7,13 +7,13 @@
 
 namespace app {
 
-/// Checks everything that a start and a removal need but the display, by the functions that they
-/// use. Shows, starts, moves and stores nothing. Makes the lock file and the directory for the
-/// uninstaller's copy if they are missing. Blocks while it sends the lookup. Call it once, after
+/// Checks everything that a start and a removal need except the display, with the functions that
+/// they use. Creates the lock file and the directory for the uninstaller's copy if they are
+/// missing, and changes or shows nothing else. Blocks during the lookup. Call it once, after
 /// loadModules().
-/// @param missing why the application cannot run, or empty; see loadModules().
-/// @param sendsLookup whether the store service is asked for the subscription.
-/// @return one result per check. The detail of a failed one ends with the next step.
+/// @param missing the result of loadModules(): why the application cannot run, or empty.
+/// @param sendsLookup true to look the subscription up at the store service.
+/// @return one result per check. The detail of a failed check ends with the next step.
 [[nodiscard]] std::vector<CheckResult> runChecks(const std::string& missing, bool sendsLookup);
 
 /// Returns the result of connecting to the display.

@@ -20,7 +20,7 @@ std::string jsonOf(const std::vector<CheckResult>& results) {
                          {"passed", passed ? ordered_json(*passed) : ordered_json()},
                          {"detail", detail}});
     }
-    // A path need not be UTF-8.
+    // Replace invalid UTF-8, which paths can contain.
     return array.dump(4, ' ', false, ordered_json::error_handler_t::replace) + "\n";
 }
 

@@ -8,9 +8,9 @@ namespace app {
 
 /// The result of one check of an installation.
 struct CheckResult {
-    std::string name;           ///< the checked thing
-    std::optional<bool> passed; ///< absent if it was not tested
-    std::string detail;         ///< its state, or the reason of a failure and the next step
+    std::string name;           ///< The checked thing.
+    std::optional<bool> passed; ///< Absent if it was not tested.
+    std::string detail;         ///< Its state, or the reason of a failure and the next step.
 };
 
 /// Prints results to standard output, one line each, or as a JSON array of objects with the

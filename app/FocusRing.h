@@ -4,8 +4,8 @@
 
 namespace app {
 
-/// A ring around a control, in the palette's highlight color. Many styles show no focus on a
-/// default button, or none before the first Tab. setWidget() names the control.
+/// A ring around the focused control, in the palette's highlight color. Many styles hide the focus
+/// on a default button, or until the first Tab. setWidget() sets the control.
 class FocusRing final : public QFocusFrame {
     Q_OBJECT
 

@@ -20,7 +20,7 @@
 
 namespace app {
 
-/// Margins, spaces and sizes, by the room that the screen has.
+/// Margins, spaces and sizes for a screen's size.
 struct Density {
     bool hasIcon;
     double headingScale;
@@ -42,25 +42,25 @@ constexpr Density kRoomy{.hasIcon = true,
                          .sheetMargins = {24, 18, 24, 18},
                          .buttonRoom = {20, 6},
                          .buttons = QBoxLayout::LeftToRight};
-constexpr Density kTight{.hasIcon = false,
-                         .headingScale = 1,
-                         .contentMargins = {6, 6, 6, 6},
-                         .contentSpacing = 6,
-                         .itemSpacing = 6,
-                         .sheetMargins = {8, 4, 8, 4},
-                         .buttonRoom = {0, 0},
-                         .buttons = QBoxLayout::LeftToRight};
-/// For buttons that do not fit beside each other.
+constexpr Density kCompact{.hasIcon = false,
+                           .headingScale = 1,
+                           .contentMargins = {6, 6, 6, 6},
+                           .contentSpacing = 6,
+                           .itemSpacing = 6,
+                           .sheetMargins = {8, 4, 8, 4},
+                           .buttonRoom = {0, 0},
+                           .buttons = QBoxLayout::LeftToRight};
+/// The density for windows too narrow for buttons side by side.
 constexpr Density kStacked = [] {
-    Density density = kTight;
+    Density density = kCompact;
     density.buttons = QBoxLayout::TopToBottom;
     return density;
 }();
 
 constexpr std::chrono::seconds kGuard{1};
-constexpr int kWidth = 540; // of the window, in which a line has some sixty letters
+constexpr int kWidth = 540; // of the window, with about 60 characters per line
 
-/// The texts of the window description are the keys of the localized texts.
+/// Localizes all texts of a kind of widget. The window description contains the keys.
 template <class Widget>
 void localizeTexts(const QWidget& window) {
     for (auto* widget : window.findChildren<Widget*>()) {
@@ -70,7 +70,7 @@ void localizeTexts(const QWidget& window) {
     }
 }
 
-/// The same for what assistive technology says.
+/// Localizes the texts for assistive technology.
 void localizeAccessibleTexts(const QWidget& window) {
     for (auto* widget : window.findChildren<QWidget*>()) {
         if (!widget->accessibleName().isEmpty()) {
@@ -83,8 +83,8 @@ void localizeAccessibleTexts(const QWidget& window) {
     }
 }
 
-bool fits(const QSize& size, const QSize& room) {
-    return size.boundedTo(room) == size;
+bool fits(const QSize& size, const QSize& largest) {
+    return size.boundedTo(largest) == size;
 }
 
 } // namespace
@@ -137,7 +137,8 @@ void MainWindow::present(const std::string& reference) {
     setWindowTitle(QString::fromStdString(productName()));
     showReference(reference);
     fit();
-    move(screen()->availableGeometry().center() - QRect({}, size() + frame()).center());
+    move(screen()->availableGeometry().center() -
+         QRect({}, size() + estimatedFrameSize()).center());
     ui_->removeButton->setEnabled(false);
     show();
     windowHandle()->installEventFilter(this);
@@ -161,10 +162,10 @@ void MainWindow::offerRemoval() {
 void MainWindow::setRemovalOffered(bool isOffered) {
     guard_.stop();
     for (auto* button : {ui_->removeButton, ui_->cancelButton}) {
-        button->setEnabled(isOffered); // assistive technology can press what cannot be seen
+        button->setEnabled(isOffered); // assistive technology can press hidden buttons
         button->setVisible(isOffered);
     }
-    // The message would announce what has already begun. Its area keeps the room.
+    // Hide the message, because the announced removal has begun. Its area keeps its size.
     ui_->message->setVisible(isOffered);
     setAccessibleDescription(isOffered ? ui_->headingLabel->text() : QString());
     ui_->mainButton->setText(localized(isOffered ? "&Keep Subscription" : "&Close"));
@@ -172,14 +173,16 @@ void MainWindow::setRemovalOffered(bool isOffered) {
         isOffered ? "Closes this helper. Your subscription continues." : "Closes this helper."));
 }
 
-/// What a window manager puts round the window, before it has told.
-QSize MainWindow::frame() const {
+/// Estimates the size of the window manager's title bar and borders, which is unknown until the
+/// window is shown.
+QSize MainWindow::estimatedFrameSize() const {
     constexpr int kBorders = 8;
     return {kBorders, kBorders + style()->pixelMetric(QStyle::PM_TitleBarHeight)};
 }
 
-QSize MainWindow::room() const {
-    return screen()->availableGeometry().size() - frame();
+/// Returns the size of the largest window that fits the screen.
+QSize MainWindow::largestSize() const {
+    return screen()->availableGeometry().size() - estimatedFrameSize();
 }
 
 void MainWindow::setDensity(const Density& density) {
@@ -199,33 +202,35 @@ void MainWindow::setDensity(const Density& density) {
     }
 }
 
-/// The size in which no text is cut, within the screen's width if possible.
+/// Returns the size that shows all texts in full, within the screen's width if possible.
 QSize MainWindow::neededSize() const {
     QLayout& layout = *ui_->contentLayout;
-    // A layout learns only later of a change in another widget's layout.
+    // Update the layouts from the inside out, because Qt passes a change on only later.
     for (QLayout* each : {static_cast<QLayout*>(ui_->messageLayout),
                           static_cast<QLayout*>(ui_->messageAreaLayout), &layout}) {
         each->invalidate();
     }
-    const int width = std::max(layout.minimumSize().width(), std::min(kWidth, room().width()));
+    const int width =
+        std::max(layout.minimumSize().width(), std::min(kWidth, largestSize().width()));
     return {width, layout.totalHeightForWidth(width)};
 }
 
-/// Takes the size that its texts need, within the screen. What is beyond it can be scrolled to. The
-/// user cannot change the size: more would show nothing else, and less would cut lines.
+/// Sets the size that the texts need, within the screen. The rest can be scrolled to. The user
+/// cannot change the size, because a smaller window would cut lines and a larger one adds only
+/// space.
 void MainWindow::fit() {
-    const QSize room = this->room();
+    const QSize largest = largestSize();
     setDensity(kRoomy);
     QSize size = neededSize();
-    if (!fits(size, room)) {
-        setDensity(kTight);
+    if (!fits(size, largest)) {
+        setDensity(kCompact);
         size = neededSize();
     }
-    if (size.width() > room.width()) {
+    if (size.width() > largest.width()) {
         setDensity(kStacked);
         size = neededSize();
     }
-    setFixedSize(size.boundedTo(room));
+    setFixedSize(size.boundedTo(largest));
 }
 
 void MainWindow::beginProgress() {
@@ -242,13 +247,13 @@ void MainWindow::showProgress(const QString& text) {
 void MainWindow::growForProgress() {
     const int missing = ui_->progressSheet->missingHeight();
     if (missing > 0) {
-        setFixedHeight(std::min(height() + missing, room().height()));
+        setFixedHeight(std::min(height() + missing, largestSize().height()));
         stayOnScreen();
     }
 }
 
-/// Moves the window if it has grown beyond the screen. Not every window manager does, and none at
-/// once.
+/// Moves the window if it has grown beyond the screen, because some window managers leave it there
+/// and the others move it only later.
 void MainWindow::stayOnScreen() {
     const QRect available = screen()->availableGeometry();
     const QPoint beyond = frameGeometry().bottomRight() - available.bottomRight();
@@ -266,7 +271,7 @@ void MainWindow::endProgress(int returnCode) {
 void MainWindow::changeEvent(QEvent* event) {
     QDialog::changeEvent(event);
     if (event->type() == QEvent::WindowStateChange && (isMaximized() || isFullScreen())) {
-        showNormal(); // some desktops offer it for a window of a fixed size
+        showNormal(); // some desktops maximize even windows of a fixed size
     }
     if (isVisible() &&
         (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)) {
@@ -291,7 +296,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::Expose && windowHandle()->isExposed()) {
-        watched->removeEventFilter(this); // on the screen for the first time
+        watched->removeEventFilter(this); // only the first time on the screen counts
         guard_.start(kGuard);
     }
     return QDialog::eventFilter(watched, event);
@@ -306,8 +311,8 @@ void MainWindow::keyPressEvent(QKeyEvent* event) {
         }
         return;
     }
-    // Return presses the button that has the focus, as people expect who cannot see which is the
-    // default one.
+    // Let Return press the focused button instead of the default one, which a screen reader does
+    // not announce.
     auto* button = qobject_cast<QPushButton*>(focusWidget());
     if (button != nullptr && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)) {
         button->click();

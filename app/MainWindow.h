@@ -14,43 +14,43 @@ namespace app {
 
 struct Density;
 
-/// The helper's one window: its texts in the user's language, its controls, and the progress sheet
-/// that hangs in it. It decides nothing: what a control is for is the business of whoever is
-/// connected to its signal. For the main thread.
+/// The helper's only window: its texts in the user's language, its controls, and the progress
+/// sheet. The window reports presses by its signals and leaves the actions to their receivers. For
+/// the main thread.
 class MainWindow final : public QDialog {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(MainWindow)
 
   public:
-    /// Builds the window from its description, with all texts localized. It is not shown yet.
+    /// Builds the hidden window from its description, with all texts localized.
     MainWindow();
     ~MainWindow() override;
 
-    /// Shows the window in the middle of its screen, in front of whatever the user works in. The
-    /// removal's control is disabled until the window has been on the screen for a second, because
-    /// a click or key in flight is meant for another window.
+    /// Shows the window in the middle of its screen, in front of the user's other windows. The
+    /// remove button is disabled until the window has been on the screen for a second, because a
+    /// click or key in flight is meant for another window.
     /// @param reference the user's subscription reference, which the window shows.
     void present(const std::string& reference);
-    /// Offers the removal (again), at once: its control and the second button are there, and the
-    /// main button keeps the subscription. A press of the first takes both away, with the message,
-    /// and the main button is left, to close the window.
+    /// Offers the removal (again) immediately: shows the remove button, the second button and the
+    /// message, and the main button keeps the subscription. A press of the remove button hides all
+    /// three, and the main button then closes the window.
     void offerRemoval();
-    /// Starts the spinner and shows the sheet, modal for the window, which cannot be closed then.
-    /// Its text has the focus.
+    /// Starts the spinner and shows the progress sheet, focused and modal for the window. The
+    /// window cannot be closed during the modal session.
     void beginProgress();
-    /// Shows `text` on the sheet. Assistive technology is told.
+    /// Shows `text` on the progress sheet and announces it to assistive technology.
     void showProgress(const QString& text);
-    /// Ends the sheet's modal session. The sheet stays on the screen and its spinner turns on; the
-    /// main button has the focus.
+    /// Ends the sheet's modal session. The sheet stays visible with its turning spinner, and the
+    /// main button gets the focus.
     void endProgress(int returnCode);
 
   signals:
     void mainButtonPressed();
-    /// The second button, or Escape.
+    /// Emitted by the second button and by Escape.
     void cancelButtonPressed();
-    /// The control that starts the removal: once, until it is offered again.
+    /// Emitted by the remove button, once until the removal is offered again.
     void removalRequested();
-    /// The window was closed, or the desktop's key for leaving a program was pressed.
+    /// Emitted when the user closes the window or presses the desktop's key for quitting.
     void quitRequested();
 
   protected:
@@ -64,8 +64,8 @@ class MainWindow final : public QDialog {
     void connectControls();
     void showReference(const std::string& reference);
     void setRemovalOffered(bool isOffered);
-    [[nodiscard]] QSize frame() const;
-    [[nodiscard]] QSize room() const;
+    [[nodiscard]] QSize estimatedFrameSize() const;
+    [[nodiscard]] QSize largestSize() const;
     void setDensity(const Density& density);
     [[nodiscard]] QSize neededSize() const;
     void fit();
@@ -73,7 +73,7 @@ class MainWindow final : public QDialog {
     void stayOnScreen();
 
     std::unique_ptr<Ui::MainWindow> ui_;
-    QTimer guard_; // until the removal's control is enabled
+    QTimer guard_; // enables the remove button
 };
 
 } // namespace app

@@ -4,14 +4,14 @@
 
 namespace app {
 
-/// What of the application lies in libraries of its own beside it in the bundle, since not every
-/// run needs it, or since the loader is faster so: on Linux the fetch with libcurl, and the Trash
-/// and the desktop's settings with GIO. Nothing else calls for them: base/Fetch.h,
-/// platform/Desktop.h and platform/Motion.h declare the functions as ever.
+/// Loads the modules: libraries of the bundle that only some runs need, or that the dynamic linker
+/// loads faster separately. On Linux, the fetch module contains libcurl, and the desktop module
+/// contains GIO for the Trash and the desktop's settings. base/Fetch.h, platform/Desktop.h and
+/// platform/Motion.h declare their functions. Call loadModules() once, before any of these.
 ///
-/// Loads what each run needs, and looks whether what a removal needs will be found, or loads `all`.
-/// To be called once, before any of these functions.
-/// @return why the application cannot run; empty when it can.
+/// @param all true to load every module. False to load only the modules of each run, and to check
+/// that the module of a removal can be found.
+/// @return the reason why the application cannot run, or an empty text.
 [[nodiscard]] std::string loadModules(bool all);
 
 } // namespace app

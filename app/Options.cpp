@@ -31,7 +31,7 @@ const Row* rowFor(const Row (&table)[size], std::string_view argument) {
     return row != std::end(table) ? row : nullptr;
 }
 
-/// Options of two dashes that Qt takes as well as with one.
+/// Options that Qt accepts with one dash and with two.
 constexpr std::string_view kToolkitOptions[] = {
     "display",
     "fontengine",
@@ -80,7 +80,7 @@ Options optionsOf(std::span<char* const> arguments) {
         }
     }
     const bool isCheck = options.task == Task::check;
-    const auto unknown = isCheck ? other : checkFlag; // JSON must not become lines
+    const auto unknown = isCheck ? other : checkFlag; // --version has no JSON form
     return unknown.empty() ? options : Options{Task::refuse, false, false, unknown};
 }
 

@@ -5,24 +5,24 @@
 
 namespace app {
 
-/// What a start is asked for by its arguments.
+/// The options of a start.
 struct Options {
-    /// What is to be done.
+    /// The task of the process.
     enum class Task {
-        run,         ///< the main job
-        check,       ///< to tell what a start would find
-        showVersion, ///< to tell the program's version
-        showHelp,    ///< to tell how it is used
-        refuse       ///< nothing: there is an option that there is not
+        run,         ///< Run the application, unless the start is throttled.
+        check,       ///< Check the installation.
+        showVersion, ///< Print the version.
+        showHelp,    ///< Print the usage.
+        refuse       ///< Report an unknown option.
     };
     Task task = Task::run;
-    bool asJSON = false;      ///< of a check: print JSON
-    bool sendsLookup = false; ///< of a check: ask the store service
-    std::string_view unknown; ///< the option that there is not
+    bool asJSON = false;      ///< Of a check: print JSON.
+    bool sendsLookup = false; ///< Of a check: look the subscription up at the store service.
+    std::string_view unknown; ///< The unknown option.
 };
 
-/// Reads the arguments, without the program's name. Options of two dashes are the program's own, or
-/// those that Qt knows; everything else is left to Qt, which passes over what it does not know.
+/// Reads the arguments, without the program's name. Options of two dashes must be the program's own
+/// or Qt's. All other arguments are left to Qt, which ignores unknown ones.
 [[nodiscard]] Options optionsOf(std::span<char* const> arguments);
 
 } // namespace app

@@ -11,7 +11,7 @@
 namespace app {
 namespace {
 
-constexpr int kBackdropOpacity = 90; // of 255: the window stays recognizable, the sheet stands out
+constexpr int kBackdropOpacity = 90; // of 255: dims the window, which stays recognizable
 constexpr qreal kRadius = 8;
 
 QWidget* makeBackdrop(QWidget* window) {
@@ -31,8 +31,8 @@ ProgressSheet::ProgressSheet(QWidget* parent) : QFrame(parent) {
 }
 
 void ProgressSheet::beginSheet(QWidget& content, QWidget& covered) {
-    // Disabled as well as covered: keyboard and assistive technology do not come through the
-    // backdrop.
+    // Disable the content, because the backdrop stops only the mouse, not the keyboard or assistive
+    // technology.
     content_ = &content;
     content.setEnabled(false);
     if (!isSessionRunning()) {
@@ -41,7 +41,7 @@ void ProgressSheet::beginSheet(QWidget& content, QWidget& covered) {
         covered.installEventFilter(this);
         parentWidget()->installEventFilter(this);
     }
-    place();
+    updateGeometries();
     backdrop_->show();
     backdrop_->raise();
     show();
@@ -58,7 +58,7 @@ void ProgressSheet::endSheet(int returnCode) {
 
 bool ProgressSheet::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::Resize || event->type() == QEvent::Move) {
-        place();
+        updateGeometries();
     }
     return QFrame::eventFilter(watched, event);
 }
@@ -68,7 +68,7 @@ void ProgressSheet::paintEvent(QPaintEvent* /*event*/) {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(visibleColor(palette().color(QPalette::Mid), palette()));
     painter.setBrush(palette().window());
-    constexpr qreal kHalf = 0.5; // a line one pixel wide lies on whole pixels
+    constexpr qreal kHalf = 0.5; // aligns a line of one pixel with the pixels
     painter.drawRoundedRect(QRectF(rect()).adjusted(kHalf, kHalf, -kHalf, -kHalf), kRadius,
                             kRadius);
 }
@@ -78,7 +78,7 @@ int ProgressSheet::missingHeight() const {
     return text.widget()->heightForWidth(text.width()) - text.height();
 }
 
-void ProgressSheet::place() {
+void ProgressSheet::updateGeometries() {
     const QPoint corner = covered_->mapTo(parentWidget(), QPoint());
     const QLayout& layout = *covered_->parentWidget()->layout();
     const int margin = layout.contentsMargins().left() / 2;

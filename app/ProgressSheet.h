@@ -5,29 +5,28 @@
 
 namespace app {
 
-/// A card in the upper part of its parent window, with a text in a scroll area. While its session
-/// runs it is modal for the window: a backdrop lies over the rest of the window and takes all
-/// input.
+/// A card in the upper part of its parent window, with a text in a scroll area. In its session the
+/// sheet is modal for the window: a backdrop covers the rest of the window and takes all input.
 class ProgressSheet final : public QFrame {
     Q_OBJECT
 
   public:
-    /// @param parent the window that contains it and that the backdrop covers; not null.
+    /// @param parent the window that contains the sheet and that the backdrop covers. Never null.
     explicit ProgressSheet(QWidget* parent);
 
     /// Shows the sheet and begins its modal session.
-    /// @param content the window's content, which takes no input until endSheet().
-    /// @param covered the part of it that the sheet covers, in a layout.
+    /// @param content the window's content, which is disabled until endSheet().
+    /// @param covered the part of the content that the sheet covers, in a layout.
     void beginSheet(QWidget& content, QWidget& covered);
     /// Ends the modal session. The sheet stays on the screen.
     void endSheet(int returnCode);
 
-    /// Returns by how many pixels its text is higher than its place, or a negative number if the
-    /// text is lower.
+    /// Returns the pixels by which the text is higher than its scroll area. Negative if the text is
+    /// lower.
     [[nodiscard]] int missingHeight() const;
-    /// Whether the modal session runs.
+    /// Returns true during the modal session.
     [[nodiscard]] bool isSessionRunning() const { return !backdrop_.isNull(); }
-    /// What the last session was ended with; 0 before that.
+    /// Returns the code that ended the last session, or 0 before.
     [[nodiscard]] int returnCode() const { return returnCode_; }
 
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -36,7 +35,7 @@ class ProgressSheet final : public QFrame {
     void paintEvent(QPaintEvent* event) override;
 
   private:
-    void place();
+    void updateGeometries();
 
     QPointer<QWidget> content_;
     QPointer<QWidget> covered_;

@@ -11,7 +11,7 @@ constexpr std::string_view kLastRun = "lastRunUserDefaultKey";
 
 } // namespace
 
-base::Timestamp presentMoment() {
+base::Timestamp currentTime() {
     return std::chrono::floor<base::Timestamp::duration>(std::chrono::system_clock::now());
 }
 
@@ -25,7 +25,7 @@ std::optional<base::Timestamp> lastRunIn(const platform::UserDefaults& defaults)
 }
 
 bool passRunThrottle(const platform::UserDefaults& defaults, const Clock& clock) {
-    // From reading the moment to storing it, so that no second start can read it in between.
+    // Hold the lock until the time is stored, because another start must not read the old one.
     const platform::FileLock lock = defaults.lock();
     if (lock.error() == std::errc::operation_would_block ||
         isRecentRun(lastRunIn(defaults), clock)) {

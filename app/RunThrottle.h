@@ -8,28 +8,28 @@
 
 namespace app {
 
-/// A source of the present moment.
+/// A function that returns the current time.
 using Clock = std::function<base::Timestamp()>;
 
-/// The system's clock.
-[[nodiscard]] base::Timestamp presentMoment();
+/// Returns the system clock's time.
+[[nodiscard]] base::Timestamp currentTime();
 
-/// The helper works at most once in this time.
+/// The helper runs at most once in this time.
 inline constexpr std::chrono::hours kRunInterval{4};
 
-/// Whether `lastRun` is so recent that the helper does not work again: less than kRunInterval ago,
-/// and not in the future (as after a clock was set back). Exactly kRunInterval ago is not recent;
-/// the present moment is. Reads the clock anew for each of the two bounds.
+/// Returns true if `lastRun` throttles this start: it is less than kRunInterval ago, and not in the
+/// future, which happens after the clock was set back. The current time is recent, and exactly
+/// kRunInterval ago is not. Reads the clock for each of the two bounds.
 [[nodiscard]] bool isRecentRun(const std::optional<base::Timestamp>& lastRun, const Clock& clock);
 
-/// The moment of the last run that was stored; none when there is none.
+/// Returns the stored last-run time, or std::nullopt if it is missing.
 [[nodiscard]] std::optional<base::Timestamp> lastRunIn(const platform::UserDefaults& defaults);
 
-/// Decides whether this start goes on, and if so stores the present moment as that of the last run
-/// under "lastRunUserDefaultKey", on the disk, before it returns. Of any number of simultaneous
-/// starts exactly one goes on; none ever waits for another. A moment that cannot be stored is
-/// logged, and the run goes on.
+/// Decides if this start becomes a run. Stores the current time on the disk as the last-run time,
+/// under "lastRunUserDefaultKey", before it returns true. Exactly one of several simultaneous
+/// starts gets true, and the others return without waiting. If the time cannot be stored, logs one
+/// line and returns true.
 [[nodiscard]] bool passRunThrottle(const platform::UserDefaults& defaults,
-                                   const Clock& clock = presentMoment);
+                                   const Clock& clock = currentTime);
 
 } // namespace app

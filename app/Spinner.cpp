@@ -13,7 +13,7 @@ namespace {
 constexpr int kSpokes = 12;
 constexpr std::chrono::milliseconds kStep{83}; // one turn a second
 
-/// Tells assistive technology that a spinner is an animation; by default it would be a mere panel.
+/// Presents a spinner to assistive technology as an animation instead of as a panel.
 QAccessibleInterface* accessibleSpinner(const QString& /*className*/, QObject* object) {
     auto* spinner = qobject_cast<Spinner*>(object);
     return spinner != nullptr ? new QAccessibleWidget(spinner, QAccessible::Animation) : nullptr;
@@ -22,9 +22,9 @@ QAccessibleInterface* accessibleSpinner(const QString& /*className*/, QObject* o
 } // namespace
 
 Spinner::Spinner(QWidget* parent) : QWidget(parent) {
-    QAccessible::installFactory(accessibleSpinner); // more than once makes no difference
+    QAccessible::installFactory(accessibleSpinner); // Qt ignores a repeated installation
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    setAutoFillBackground(true); // so that nothing behind it is painted at each step
+    setAutoFillBackground(true); // spares painting the parent at each step
     connect(&timer_, &QTimer::timeout, this, &Spinner::advance);
 }
 
@@ -35,13 +35,13 @@ void Spinner::startAnimation() {
 }
 
 QSize Spinner::sizeHint() const {
-    // As large as two lines of text, so that it grows with the user's font.
+    // Use the height of two lines of text, to grow with the user's font.
     const int side = fontMetrics().height() * 2;
     return {side, side};
 }
 
 void Spinner::advance() {
-    // Asked for when it would move, so that what it stands on is shown before.
+    // Ask only at the first step, because the sheet must appear before GIO is loaded.
     if (steps_ == 0 && platform::wantsReducedMotion()) {
         timer_.stop();
         return;

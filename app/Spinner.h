@@ -5,18 +5,18 @@
 
 namespace app {
 
-/// A turning wheel of spokes that says that something is under way. It stands still, and is
-/// invisible, until it is started.
+/// A spinner of turning spokes, which shows that the removal is running. Invisible until
+/// startAnimation().
 class Spinner final : public QWidget {
     Q_OBJECT
 
   public:
     explicit Spinner(QWidget* parent = nullptr);
 
-    /// Becomes visible and starts to turn, or stands still where the user wants no motion. Nothing
-    /// stops it again.
+    /// Shows the spinner for good. The spinner turns, or stands still if the user wants less
+    /// motion.
     void startAnimation();
-    /// How often it has moved on by one spoke.
+    /// Returns how often the spinner has turned by one spoke.
     [[nodiscard]] int steps() const { return steps_; }
 
     [[nodiscard]] QSize sizeHint() const override;

@@ -41,8 +41,8 @@ constexpr Step kTrash{
 /// delegates, because the end of the process reads it.
 std::atomic<const char*> runningStep = nullptr;
 
-/// Opens the page where the customer can cancel the subscription: `url`, or the company's own page
-/// if the store service gave no address.
+/// Opens the page for canceling the subscription: `url`, or the company's own page if the store
+/// service sent an empty address or omitted it.
 /// @return the outcome for the log.
 std::string openAccountPage(const AtomicText::Value& url) {
     const std::string page =
@@ -105,7 +105,7 @@ void SubscriptionHelperAppDelegate::cancelButton() {
 }
 
 void SubscriptionHelperAppDelegate::exitApp() {
-    // Not quit(), which asks the windows first: one with a modal sheet would refuse.
+    // Avoid quit(), because it asks the windows first, and one with a modal sheet would refuse.
     QApplication::exit(0);
 }
 
@@ -123,12 +123,12 @@ void SubscriptionHelperAppDelegate::startCancellation() noexcept {
         window_->offerRemoval();
         return;
     }
-    // The worker runs by now: the sheet tells of what has begun, and never of what could not.
+    // Show the sheet only now, because the worker's thread is certain to run.
     window_->beginProgress();
 }
 
-// Like the thread that runs it, it ends the process by an uncaught failure: a date of the store
-// service's answer that cannot be read.
+// Like its thread, this function aborts the process on an uncaught failure: an unreadable date in
+// the store service's answer.
 void SubscriptionHelperAppDelegate::cancelSubscriptionAndLaunchUninstaller() noexcept {
     const platform::HeldSignals untilTheEnd;
     const auto begin = [this](const Step& step) {
@@ -154,7 +154,7 @@ void SubscriptionHelperAppDelegate::cancelSubscriptionAndLaunchUninstaller() noe
                    : isLaunched  ? "started"
                                  : "not started",
                    isTrashed ? "moved to the Trash" : "not moved to the Trash"});
-    // Waits, so that isRemoving() is true until the window can be used again.
+    // Wait, because isRemoving() must be true until the window is usable again.
     QMetaObject::invokeMethod(this, &SubscriptionHelperAppDelegate::cancelProgress,
                               Qt::BlockingQueuedConnection);
 }

@@ -14,67 +14,65 @@ namespace app {
 
 class MainWindow;
 
-/// Logs one line that names the running step if a removal runs. For an exit that cuts it off. Any
-/// thread.
-/// @return whether a removal runs.
+/// Logs one line that names the running step if an exit interrupts a removal. Any thread.
+/// @return true if a removal is running.
 bool logInterruptedRemoval();
 
-/// The application's delegate: looks the user's subscription up, shows the one window, and carries
-/// out the removal. Made on the main thread; all operations belong to that thread except where they
-/// say otherwise. The window lives as long as the delegate.
+/// The application's delegate: looks the user's subscription up, shows the window, and runs the
+/// removal. Create it on the main thread, and call its operations there unless their description
+/// allows other threads. The window lives as long as the delegate.
 class SubscriptionHelperAppDelegate final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(SubscriptionHelperAppDelegate)
 
   public:
-    /// Builds the window. It is not shown yet.
+    /// Builds the hidden window.
     SubscriptionHelperAppDelegate();
     ~SubscriptionHelperAppDelegate() override;
 
-    /// The start-up: obtains the user's subscription reference (userSubscriptionReference()), asks
-    /// the store service for the subscription, blocking until it has answered, keeps the reference
-    /// and the customer URL, and presents the window. Without a reference or a
-    /// subscription it ends the application, silently. A date of the answer that cannot be read is
-    /// an uncaught failure and ends the process.
+    /// Starts up: reads the user's subscription reference (userSubscriptionReference()), looks the
+    /// subscription up, blocking until the store service has answered, stores the reference and the
+    /// customer URL, and presents the window. Exits silently if the reference or the subscription
+    /// is absent. A date that cannot be read is an uncaught failure, which aborts the process.
     void awakeFromNib() noexcept;
-    /// Does nothing: all is done once the window description is loaded.
+    /// Does nothing, because awakeFromNib() has done everything.
     void applicationDidFinishLaunching() {}
 
-    /// Ends the application: the action of the window's main button.
+    /// Exits. The action of the window's main button.
     void mainButton();
-    /// Ends the application: the action of the window's second button.
+    /// Exits. The action of the window's second button.
     void cancelButton();
-    /// Ends the application with status 0, at once, whatever is under way.
+    /// Exits immediately with status 0, even during a removal.
     void exitApp();
 
-    /// Starts the removal worker on a thread of its own, then shows the progress sheet, modal for
-    /// the window. Each call starts one worker. When no thread can be started it says so in the
-    /// log, and the removal can be started again.
+    /// Starts the removal worker on its own thread, then shows the progress sheet, modal for the
+    /// window. Each call starts one worker. If the thread cannot be started, logs one line and
+    /// offers the removal again.
     void startCancellation() noexcept;
-    /// The removal worker: cancels the subscription at the store service, or opens the customer's
-    /// account page when that fails; starts the uninstaller; moves the helper's bundle to the
-    /// Trash. Each step is announced on the sheet and runs whatever became of the one before. Holds
-    /// back the signals of a session's end (platform::HeldSignals). At the end logs one line with
-    /// the outcome of each step, and waits until the sheet's modal session is ended. Not for the
-    /// main thread.
+    /// Runs a removal, on any thread but the main thread. Cancels the subscription at the store
+    /// service, or opens the customer's account page if that fails. Then starts the uninstaller,
+    /// and moves the helper's bundle to the Trash. Announces each step on the sheet, and runs each
+    /// whatever the outcome of the one before. Holds back the signals of a session's end
+    /// (platform::HeldSignals). Finally logs one line with the outcome of each step, and waits
+    /// until the sheet's modal session has ended.
     void cancelSubscriptionAndLaunchUninstaller() noexcept;
     /// Shows a progress text on the sheet.
     void updateProgress(const QString& text);
-    /// Ends the sheet's modal session with return code 1. The sheet stays on the screen and its
-    /// spinner turns on.
+    /// Ends the sheet's modal session with return code 1. The sheet stays visible with its turning
+    /// spinner.
     void cancelProgress();
     /// Moves the helper's own bundle to the Trash. Any thread.
-    /// @return false, with one log line, when it could not be moved.
+    /// @return false, with one log line, if the bundle cannot be moved.
     [[nodiscard]] static bool trashMe();
 
-    /// Whether a removal worker runs. Any thread.
+    /// Returns true while a removal worker runs. Any thread.
     [[nodiscard]] bool isRemoving() const { return workers_ > 0; }
 
-    /// The address of the customer's account page as the store service sent it, or none. Any
-    /// thread.
+    /// Returns the address of the customer's account page as the store service sent it, or
+    /// std::nullopt. Any thread.
     [[nodiscard]] AtomicText::Value customerURL() const { return customerURL_.get(); }
     void setCustomerURL(AtomicText::Value url) { customerURL_.set(std::move(url)); }
-    /// The user's subscription reference, or none. Any thread.
+    /// Returns the user's subscription reference, or std::nullopt. Any thread.
     [[nodiscard]] AtomicText::Value subscriptionReference() const { return reference_.get(); }
     void setSubscriptionReference(AtomicText::Value reference) {
         reference_.set(std::move(reference));

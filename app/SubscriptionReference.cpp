@@ -8,7 +8,7 @@ namespace app {
 namespace {
 
 constexpr const char* kKey = "subscriptionReference";
-constexpr std::size_t kLargestFile = std::size_t{1} << 20U; // the product may keep much in it
+constexpr std::size_t kLargestFile = std::size_t{1} << 20U; // other settings of the product
 
 platform::UserDefaults productDefaults() {
     return platform::UserDefaults(HELPER_PRODUCT_DOMAIN);
@@ -27,7 +27,7 @@ std::optional<std::string> userSubscriptionReference(std::error_code& error) {
 }
 
 std::string subscriptionReferenceFile() {
-    return productDefaults().place();
+    return productDefaults().location();
 }
 
 } // namespace app

@@ -32,19 +32,19 @@ void setSignalActions() {
 using Task = app::Options::Task;
 using Application = decltype(&subscriptionHelperApplicationMain);
 
-/// Loads the application library of the bundle, with all that it needs; null, with the reason in
-/// dlerror(), when that cannot be done.
+/// Loads the bundle's application library and its dependencies. Returns its function, or null with
+/// the reason in dlerror().
 Application loadApplication(const platform::Bundle& bundle) {
     const std::filesystem::path library = bundle.frameworksPath() / HELPER_APPLICATION_LIBRARY;
-    // All symbols at once, so that what is missing is missed here. What the removal alone needs is
-    // looked for by the application.
+    // Resolve all symbols now, so a missing one fails here. The application itself looks for the
+    // removal's libraries.
     void* const handle = dlopen(library.c_str(), RTLD_NOW | RTLD_LOCAL);
     return handle != nullptr
                ? reinterpret_cast<Application>(dlsym(handle, "subscriptionHelperApplicationMain"))
                : nullptr;
 }
 
-/// Runs the application, or says why that cannot be done.
+/// Runs the application, or logs why it cannot be loaded.
 int runApplication(const platform::Bundle& bundle, const app::Options& options, int argumentCount,
                    char** arguments) {
     if (const Application application = loadApplication(bundle)) {

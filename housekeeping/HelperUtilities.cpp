@@ -72,7 +72,10 @@ bool HelperUtilities::launchUninstaller() {
     const auto copy =
         platform::replaceableTemporaryFile(HELPER_IDENTIFIER, name, platform::diskSize(*source));
     if (!copy) {
-        platform::log("There is no place from which a copy of the uninstaller can be started");
+        platform::log(
+            "Cannot copy the uninstaller %@: no directory allows execution and has enough "
+            "space. Set TMPDIR to one that does",
+            {source->native()});
         return false;
     }
     return !platform::copyTree(*source, *copy) && !platform::workspace::openFile(*copy);

@@ -47,9 +47,9 @@ class UserDefaults {
     /// removes it again. The stored values stay unchanged. Hold the lock() meanwhile.
     [[nodiscard]] std::error_code checkStoring() const;
 
-    /// Where the values are, for people.
-    [[nodiscard]] std::string place() const {
-        return file_.empty() ? "no place, as the user has no home" : file_.native();
+    /// Returns the path of the stored values, for people.
+    [[nodiscard]] std::string location() const {
+        return file_.empty() ? "no file, because the user has no home" : file_.native();
     }
 
     /// Tries to lock this domain against changes by other processes. See FileLock.

@@ -6,19 +6,19 @@
 
 namespace app {
 
-/// What the fetch module exports.
+/// The functions of the fetch module.
 struct FetchModule {
     decltype(&base::fetch) fetch;
 };
 
-/// What the desktop module exports.
+/// The functions of the desktop module.
 struct DesktopModule {
     decltype(&platform::desktop::moveToTrash) moveToTrash;
     decltype(&platform::desktop::checkTrash) checkTrash;
     decltype(&platform::wantsReducedMotion) wantsReducedMotion;
 };
 
-/// The name under which each exports its table.
+/// The symbol name of each module's exported table.
 inline constexpr const char* kModuleTable = "subscriptionHelperModule";
 
 } // namespace app

@@ -27,14 +27,14 @@ bool isThere(const std::filesystem::path& path) {
     return std::filesystem::exists(path, error);
 }
 
-/// A library of the bundle, loaded when it is made. It stays.
+/// A library of the bundle, which the constructor loads for the rest of the process.
 template <class Table>
 class Module {
   public:
     explicit Module(const char* fileName) {
         const auto path = pathOf(fileName);
-        // In a scope of its own: no name of Qt is looked for in what it brings along, nor the
-        // other way round.
+        // Use a separate scope, because the linker would search the module's libraries for Qt's
+        // symbols, and Qt's for the module's.
         void* const library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
         const void* const table = library != nullptr ? dlsym(library, kModuleTable) : nullptr;
         table_ = static_cast<const Table*>(table);
@@ -43,9 +43,9 @@ class Module {
         }
     }
 
-    /// Null when it could not be loaded.
+    /// Returns the module's functions, or null if the library cannot be loaded.
     [[nodiscard]] const Table* table() const { return table_; }
-    /// Why it could not; empty when it could.
+    /// Returns the reason why the library cannot be loaded, or an empty text.
     [[nodiscard]] const std::string& failure() const { return failure_; }
 
   private:
@@ -63,8 +63,8 @@ const Module<DesktopModule>& desktopModule() {
     return module;
 }
 
-/// Whether the desktop module, and GIO that it needs, can be seen to be there: GIO lies beside
-/// GLib, which Qt has loaded; they come together.
+/// Returns true if the files of the desktop module and of GIO exist. GIO is in the directory of
+/// GLib, which Qt has loaded, because both belong to one package.
 bool isDesktopThere() {
     void* const glib = dlopen("libglib-2.0.so.0", RTLD_LAZY | RTLD_NOLOAD);
     const link_map* map = nullptr;
@@ -79,13 +79,13 @@ std::string loadModules(bool all) {
     if (const auto& failure = fetchModule().failure(); !failure.empty()) {
         return failure;
     }
-    // Loaded now only where it takes that to know.
+    // Load the desktop module now only if its files are not found, for the reason.
     return !all && isDesktopThere() ? std::string() : desktopModule().failure();
 }
 
 } // namespace app
 
-// In place of those that the modules hold.
+// These definitions pass calls on to the modules.
 
 base::Fetched base::fetch(const URL& url, const FetchLimits& limits) {
     const auto& module = app::fetchModule();

@@ -2,7 +2,7 @@
 
 namespace app {
 
-// A library's names are looked up in that library alone there, so all are linked directly.
+// macOS links all modules directly, because its linker looks a symbol up only in its own library.
 std::string loadModules(bool /*all*/) {
     return {};
 }

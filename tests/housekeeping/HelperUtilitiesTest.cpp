@@ -87,7 +87,9 @@ TEST_F(HelperUtilitiesTest, TellHowALaunchEnded) {
         {"..", false, notFound + "(null)\n"},
         {"../Info.plist", false, notFound + "(null)\n"},
         {"dangling", false, notFound + bundle_.executable("dangling").native() + "\n"},
-        {"large", false, "There is no place from which a copy of the uninstaller can be started\n"},
+        {"large", false,
+         "Cannot copy the uninstaller " + bundle_.executable("large").native() +
+             ": no directory allows execution and has enough space. Set TMPDIR to one that does\n"},
         {"pipe.app", false, ""}, // cannot be copied
         {"noise.xyzzy", false, ""},
         {"no interpreter", false, ""},
