@@ -51,7 +51,8 @@ def use_by_itself(stage, store, folder, refuse):
             process = stage.start(environment, log=log)
         try:
             if window.wait():
-                photograph_removal(window, stage, store, folder, refuse)
+                window.remove(stage, f"{folder}/",
+                              lambda: refuse and photograph_browser(window, store, folder))
                 window.keys("Return")
             else:
                 print("The helper's window did not appear. See its log below.")
@@ -62,20 +63,11 @@ def use_by_itself(stage, store, folder, refuse):
             end(process)
 
 
-def photograph_removal(window, stage, store, folder, refuse):
-    screenshot(window.environment, folder / "window.png")
-    window.press_remove()
-    time.sleep(CANCELLATION / 2000)
-    screenshot(window.environment, folder / "sheet.png")
-    wait_for(stage.trashed_bundle)
-    stage.wait_for_uninstaller()
-    if refuse:
-        wait_for(lambda: any("/account/" in line for line in store.requests), 60)
-        time.sleep(3)  # until the page is drawn
-        screenshot(window.environment, folder / "browser.png")
-        window.activate()
-    time.sleep(0.5)
-    screenshot(window.environment, folder / "end.png")
+def photograph_browser(window, store, folder):
+    wait_for(lambda: any("/account/" in line for line in store.requests), 60)
+    time.sleep(3)  # until the page is drawn
+    screenshot(window.environment, folder / "browser.png")
+    window.activate()
 
 
 def report(stage, store, status, refuse):

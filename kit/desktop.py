@@ -9,7 +9,7 @@ import subprocess
 import sys
 import time
 
-SCREEN = os.environ.get("DEMO_SCREEN", "1280x800") + "x24"
+SCREEN = os.environ.get("DEMO_SCREEN", "1280x800")
 
 
 def end(process, grace=10):
@@ -33,12 +33,12 @@ def wait_for(condition, seconds=15, interval=0.05):
     return value
 
 
-def _start_display():
+def _start_display(screen):
     """Starts a virtual display on a free number, which the server chooses. Returns the process and the number."""
     reader, writer = os.pipe()
     # Without -noreset, the server resets when its last client disconnects, and drops a client that is just connecting.
     server = subprocess.Popen(
-        ["Xvfb", "-displayfd", str(writer), "-screen", "0", SCREEN, "-nolisten", "tcp", "-noreset"],
+        ["Xvfb", "-displayfd", str(writer), "-screen", "0", screen + "x24", "-nolisten", "tcp", "-noreset"],
         pass_fds=[writer], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     os.close(writer)
     with os.fdopen(reader) as pipe:
@@ -72,13 +72,22 @@ def _start_manager(environment):
 
 
 @contextlib.contextmanager
-def desktop(environment=None):
-    """Yields the environment for programs on a new desktop."""
+def display(environment=None, screen=SCREEN):
+    """Yields the environment for programs on a new display without a window manager."""
     environment = dict(environment if environment is not None else os.environ)
     environment.pop("WAYLAND_DISPLAY", None)
+    server, environment["DISPLAY"] = _start_display(screen)
+    try:
+        yield environment
+    finally:
+        end(server)
+
+
+@contextlib.contextmanager
+def desktop(environment=None):
+    """Yields the environment for programs on a new desktop."""
     with contextlib.ExitStack() as stack:
-        server, environment["DISPLAY"] = _start_display()
-        stack.callback(end, server)
+        environment = stack.enter_context(display(environment))
         bus, environment["DBUS_SESSION_BUS_ADDRESS"] = start_bus(environment)
         stack.callback(bus.stdout.close)
         stack.callback(end, bus)

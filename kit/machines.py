@@ -15,6 +15,7 @@ from kit.desktop import desktop, end, screenshot, wait_for, wayland_desktop
 from kit.stage import Stage, Store, Window
 
 CUSTOMER = 1000
+BUS = ("dbus-run-session", "--")
 
 
 def run(*arguments):
@@ -49,14 +50,21 @@ class Machine:
         version = run("chroot", self.root, "dpkg-query", "--show", "--showformat", "${Version}", "libc6")
         return f"{name.split('=')[1].strip(chr(34))}, glibc {version.split('-')[0]}"
 
-    def start(self, **environment):
-        home = "/home/customer"
-        variables = [f"{name}={value}" for name, value in environment.items()]
-        program = str(self.stage.program()).removeprefix(str(self.root))
-        return subprocess.Popen(
-            ["chroot", f"--userspec={CUSTOMER}:{CUSTOMER}", str(self.root), "env", "-i", "--chdir", home,
-             f"HOME={home}", f"TMPDIR={home}/tmp", "LC_ALL=C.UTF-8", "PATH=/usr/bin:/bin", *variables,
-             "dbus-run-session", "--", program], text=True, stderr=subprocess.PIPE)
+    def inside(self, path):
+        """Returns the path as the customer sees it."""
+        return str(path).removeprefix(str(self.root))
+
+    def command(self, *words, **environment):
+        """Returns the arguments that run a command as the customer, with additional variables."""
+        home = self.inside(self.stage.home)
+        variables = {"HOME": home, "TMPDIR": f"{home}/tmp", "LC_ALL": "C.UTF-8", "PATH": "/usr/bin:/bin"} | environment
+        return ["chroot", f"--userspec={CUSTOMER}:{CUSTOMER}", str(self.root), "env", "-i", "--chdir", home,
+                *(f"{name}={value}" for name, value in variables.items()), *words]
+
+    def start(self, *runner, **environment):
+        """Starts the helper through the command `runner`, or directly."""
+        program = self.inside(self.stage.program())
+        return subprocess.Popen(self.command(*runner, program, **environment), text=True, stderr=subprocess.PIPE)
 
     def libraries(self):
         """Returns the names of the libraries that the running helper has loaded from outside its bundle."""
@@ -69,10 +77,10 @@ class Machine:
         return set()
 
 
-def shown_on_x11(machine, environment, picture):
+def shown_on_x11(machine, environment, picture, *runner, **variables):
     """Starts the helper and waits for its window. Returns the process, the window, and whether it appeared."""
     window = Window(environment, machine.stage.brand["productName"])
-    process = machine.start(DISPLAY=environment["DISPLAY"])
+    process = machine.start(*runner, DISPLAY=environment["DISPLAY"], **variables)
     is_shown = window.wait()
     screenshot(environment, picture)
     return process, window, is_shown
@@ -91,16 +99,18 @@ def shown_on_wayland(machine, environment, picture, socket):
     window.wait()
     before = picture.with_suffix(".before.png")
     screenshot(environment, before)
-    process = machine.start(WAYLAND_DISPLAY=socket, XDG_RUNTIME_DIR="/home/customer/run", QT_QPA_PLATFORM="wayland")
+    process = machine.start(*BUS, WAYLAND_DISPLAY=socket, XDG_RUNTIME_DIR="/home/customer/run",
+                            QT_QPA_PLATFORM="wayland")
     is_shown = wait_for(differing, 30, 0.5)
     return process, window, bool(is_shown)
 
 
-def use(machine, requests, process, window):
-    """Runs a removal by keyboard, and prints the helper's log. Returns whether every step succeeded."""
-    window.press_remove()
-    wait_for(machine.stage.trashed_bundle)
-    machine.stage.wait_for_uninstaller()
+def use(machine, requests, process, window, pictures=None):
+    """Runs a removal by keyboard, and prints the helper's log. Returns whether every step succeeded.
+
+    @param pictures see Window.remove().
+    """
+    window.remove(machine.stage, pictures)
     window.keys("Return")
     try:
         _, log = process.communicate(timeout=20)
@@ -124,7 +134,7 @@ def check(build, root, pictures):
             store = stack.enter_context(Store(build))
             environment = stack.enter_context(desktop())
             if session == "X11":
-                process, window, is_shown = shown_on_x11(machine, environment, picture)
+                process, window, is_shown = shown_on_x11(machine, environment, picture, *BUS)
             else:
                 runtime = machine.stage.home / "run"
                 stack.enter_context(wayland_desktop(runtime, environment, backend="x11"))

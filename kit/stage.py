@@ -10,7 +10,7 @@ import threading
 import time
 import urllib.parse
 
-from kit.desktop import end, wait_for
+from kit.desktop import end, screenshot, wait_for
 
 PROJECT = pathlib.Path(__file__).resolve().parents[1]
 BUNDLE = "Subscription Helper.app"
@@ -172,6 +172,27 @@ class Window:
         for seconds in (1.2, 0.3):
             time.sleep(seconds)
             self.keys("alt+u")
+
+    def remove(self, stage, pictures=None, before_end=lambda: None):
+        """Performs a removal up to the last press.
+
+        @param pictures the beginning of the paths of three screenshots (window, sheet, end), or None.
+        @param before_end runs after the removal, before the last screenshot.
+        """
+        def photograph(name):
+            if pictures is not None:
+                screenshot(self.environment, f"{pictures}{name}.png")
+
+        time.sleep(1.2)  # the remove button is disabled for a second
+        photograph("window")
+        self.press_remove()
+        time.sleep(0.7)
+        photograph("sheet")
+        wait_for(stage.trashed_bundle)
+        stage.wait_for_uninstaller()
+        before_end()
+        time.sleep(0.5)
+        photograph("end")
 
     def _id(self):
         return self._xdotool("search", "--onlyvisible", "--name", self._pattern)[0]
