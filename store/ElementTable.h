@@ -5,40 +5,67 @@
 #include "store/FieldTypes.h"
 
 #include <algorithm>
-#include <span>
+#include <array>
+#include <cstddef>
+#include <stdexcept>
 #include <string_view>
 #include <type_traits>
 #include <variant>
 
 namespace store {
 
-/// A member of a record that an element can fill. Its type says how the element's text is
-/// converted.
-template <class Record>
-using Property = std::variant<Text Record::*, Date Record::*, Number Record::*, bool Record::*>;
+/// The fields that elements fill in one context, sorted for a quick search. Made by the compiler.
+template <class Field, std::size_t capacity>
+class ElementTable {
+  public:
+    /// Takes the fields of `all`, which must outlive the table, with an element in `context`.
+    /// @param context such as "purchaser/". Empty for the elements without a context.
+    /// @throws std::logic_error if two fields have the same element, so that the build fails.
+    constexpr explicit ElementTable(const std::array<Field, capacity>& all,
+                                    std::string_view context = "") {
+        for (const Field& field : all) {
+            if (!field.element.empty() &&
+                field.element.substr(0, field.element.find('/') + 1) == context) {
+                rows_[size_++] = {field.element.substr(context.size()), &field};
+            }
+        }
+        std::sort(begin(), end(), isBefore);
+        if (std::adjacent_find(begin(), end(), [](const Row& one, const Row& next) {
+                return one.element == next.element;
+            }) != end()) {
+            throw std::logic_error("two fields have the same element");
+        }
+    }
 
-/// One row of an element table: a lowercased element name and the property it fills.
-template <class Record>
-struct Element {
-    std::string_view name;
-    Property<Record> property;
+    /// Returns the field that a lowercased element fills, or a null pointer.
+    [[nodiscard]] constexpr const Field* find(std::string_view element) const {
+        const auto* const row = std::lower_bound(begin(), end(), Row{element}, isBefore);
+        return row != end() && row->element == element ? row->field : nullptr;
+    }
+
+  private:
+    struct Row {
+        std::string_view element;
+        const Field* field = nullptr;
+    };
+
+    /// Compares lengths first, which separates most names without a look at their letters.
+    static constexpr bool isBefore(const Row& one, const Row& other) {
+        return one.element.size() != other.element.size()
+                   ? one.element.size() < other.element.size()
+                   : one.element < other.element;
+    }
+
+    constexpr Row* begin() { return rows_.data(); }
+    constexpr Row* end() { return rows_.data() + size_; }
+    [[nodiscard]] constexpr const Row* begin() const { return rows_.data(); }
+    [[nodiscard]] constexpr const Row* end() const { return rows_.data() + size_; }
+
+    std::array<Row, capacity> rows_{};
+    std::size_t size_ = 0;
 };
 
-/// The order of element tables: by length first, which tells most names apart without looking at
-/// their letters, then by the letters.
-constexpr bool isBefore(std::string_view one, std::string_view other) {
-    return one.size() != other.size() ? one.size() < other.size() : one < other;
-}
-
-/// Whether a table is sorted by isBefore() and holds no name twice, as storeElement() needs it.
-template <class Record>
-constexpr bool isElementTable(std::span<const Element<Record>> table) {
-    return std::adjacent_find(table.begin(), table.end(), [](const auto& one, const auto& next) {
-               return !isBefore(one.name, next.name);
-           }) == table.end();
-}
-
-/// Converts the text of an element to a value of a property's type. The parser reads dates.
+/// Converts the text of an element to the type of a field. The parser reads dates.
 /// @throws std::out_of_range for a date, by FastSpringRootParser::fromServerDate().
 template <class Value>
 Value converted(ElementText& text, const FastSpringRootParser& parser) {
@@ -48,36 +75,32 @@ Value converted(ElementText& text, const FastSpringRootParser& parser) {
         return text.date([&](std::string_view date) { return parser.fromServerDate(date); });
     } else if constexpr (std::is_same_v<Value, Number>) {
         return text.number();
-    } else {
+    } else if constexpr (std::is_same_v<Value, bool>) {
         return text.flag();
+    } else {
+        return {}; // containers fill lists, and lists have no element
     }
 }
 
-/// Looks `name` up in a table and stores the converted text in the row's property of `record`; with
-/// no record the value is discarded. The text is converted before the record is looked at, so a
-/// date that cannot be read fails without a record too.
-///
-/// @return whether the table has the name.
-/// @throws what converted() throws; the record is then unchanged.
-template <class Record>
-bool storeElement(const FastSpringRootParser& parser,
-                  std::span<const Element<std::type_identity_t<Record>>> table,
-                  std::string_view name, ElementText& text, Record* record) {
-    const auto row = std::lower_bound(table.begin(), table.end(), name,
-                                      [](const auto& element, std::string_view wanted) {
-                                          return isBefore(element.name, wanted);
-                                      });
-    if (row == table.end() || row->name != name) {
+/// Stores the converted text of an element in the field that it fills. Without a record the value
+/// is discarded after its conversion, so that an unreadable date fails even then.
+/// @return true if the table has the element.
+/// @throws what converted() throws. The record is then unchanged.
+template <class Table, class Record>
+bool storeElement(const FastSpringRootParser& parser, const Table& table, std::string_view element,
+                  ElementText& text, Record* record) {
+    const auto* const field = table.find(element);
+    if (field == nullptr) {
         return false;
     }
     std::visit(
-        [&]<class Value>(Value Record::*property) {
+        [&]<class Value>(Value Record::*member) {
             Value value = converted<Value>(text, parser);
             if (record != nullptr) {
-                record->*property = std::move(value);
+                record->*member = std::move(value);
             }
         },
-        row->property);
+        field->member);
     return true;
 }
 

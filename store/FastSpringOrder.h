@@ -1,7 +1,10 @@
 #pragma once
 
 #include "store/FastSpringItem.h"
+#include "store/Field.h"
 #include "store/FieldTypes.h"
+
+#include <array>
 
 namespace store {
 
@@ -61,5 +64,62 @@ struct FastSpringOrder : FastSpringItem {
     List<FastSpringOrderItem> orderItems; ///< the line items; absent without their container
     List<FastSpringPaymentItem> payments; ///< the payments; absent without their container
 };
+
+template <>
+inline constexpr auto kFields<FastSpringOrderItem> = std::to_array<Field<FastSpringOrderItem>>({
+    {"productdisplay", "productDisplay", &FastSpringOrderItem::productDisplay},
+    {"productname", "productName", &FastSpringOrderItem::productName},
+    {"quantity", "quantity", &FastSpringOrderItem::quantity},
+    {"subscriptionreference", "subscriptionReference", &FastSpringOrderItem::subscriptionReference},
+});
+
+template <>
+inline constexpr auto kFields<FastSpringPaymentItem> = std::to_array<Field<FastSpringPaymentItem>>({
+    {"status", "status", &FastSpringPaymentItem::status},
+    {"statuschanged", "statusChangedDate", &FastSpringPaymentItem::statusChangedDate},
+    {"methodtype", "methodType", &FastSpringPaymentItem::methodType},
+    {"declinedreason", "declinedReason", &FastSpringPaymentItem::declinedReason},
+    {"currency", "currency", &FastSpringPaymentItem::currency},
+    {"total", "total", &FastSpringPaymentItem::total},
+});
+
+using OrderField = Field<FastSpringOrder, List<FastSpringOrderItem> FastSpringOrder::*,
+                         List<FastSpringPaymentItem> FastSpringOrder::*>;
+template <>
+inline constexpr auto kFields<FastSpringOrder> = std::to_array<OrderField>({
+    {"reference", "reference", &FastSpringOrder::reference},
+    {"status", "status", &FastSpringOrder::status},
+    {"statuschanged", "statusChangedDate", &FastSpringOrder::statusChangedDate},
+    {"test", "isTest", &FastSpringOrder::isTest},
+    {"", "dueDate", &FastSpringOrder::dueDate},
+    {"currency", "currency", &FastSpringOrder::currency},
+    {"", "referrer", &FastSpringOrder::referrer},
+    {"originip", "originIP", &FastSpringOrder::originIP},
+    {"total", "total", &FastSpringOrder::total},
+    {"tax", "tax", &FastSpringOrder::tax},
+    {"shipping", "shipping", &FastSpringOrder::shipping},
+    {"", "sourceName", &FastSpringOrder::sourceName},
+    {"", "sourceKey", &FastSpringOrder::sourceKey},
+    {"", "sourceCampaign", &FastSpringOrder::sourceCampaign},
+    {"customer/firstname", "customerFirstName", &FastSpringOrder::customerFirstName},
+    {"customer/lastname", "customerLastName", &FastSpringOrder::customerLastName},
+    {"customer/company", "customerCompany", &FastSpringOrder::customerCompany},
+    {"customer/email", "customerEmail", &FastSpringOrder::customerEmail},
+    {"customer/phonenumber", "customerPhoneNumber", &FastSpringOrder::customerPhoneNumber},
+    {"purchaser/firstname", "purchaserFirstName", &FastSpringOrder::purchaserFirstName},
+    {"purchaser/lastname", "purchaserLastName", &FastSpringOrder::purchaserLastName},
+    {"purchaser/company", "purchaserCompany", &FastSpringOrder::purchaserCompany},
+    {"purchaser/email", "purchaserEmail", &FastSpringOrder::purchaserEmail},
+    {"purchaser/phonenumber", "purchaserPhoneNumber", &FastSpringOrder::purchaserPhoneNumber},
+    {"addressline1", "addressLine1", &FastSpringOrder::addressLine1},
+    {"addressline2", "addressLine2", &FastSpringOrder::addressLine2},
+    {"city", "city", &FastSpringOrder::city},
+    {"region", "region", &FastSpringOrder::region},
+    {"", "regionCustom", &FastSpringOrder::regionCustom},
+    {"postalcode", "postalCode", &FastSpringOrder::postalCode},
+    {"country", "country", &FastSpringOrder::country},
+    {"", "orderItems", &FastSpringOrder::orderItems},
+    {"", "payments", &FastSpringOrder::payments},
+});
 
 } // namespace store

@@ -3,7 +3,6 @@
 #include "store/ElementTable.h"
 
 #include <algorithm>
-#include <array>
 #include <iterator>
 #include <stdexcept>
 
@@ -14,67 +13,11 @@ using Order = FastSpringOrder;
 using Item = FastSpringOrderItem;
 using Payment = FastSpringPaymentItem;
 
-constexpr Element<Order> kOrderElements[] = {
-    {"tax", &Order::tax},
-    {"city", &Order::city},
-    {"test", &Order::isTest},
-    {"total", &Order::total},
-    {"region", &Order::region},
-    {"status", &Order::status},
-    {"country", &Order::country},
-    {"currency", &Order::currency},
-    {"originip", &Order::originIP},
-    {"shipping", &Order::shipping},
-    {"reference", &Order::reference},
-    {"postalcode", &Order::postalCode},
-    {"addressline1", &Order::addressLine1},
-    {"addressline2", &Order::addressLine2},
-    {"statuschanged", &Order::statusChangedDate},
-};
-static_assert(isElementTable<Order>(kOrderElements));
-
-/// An element that describes a person, and the members for the two persons who can be meant.
-struct Contact {
-    std::string_view name;
-    Text Order::*customer;
-    Text Order::*purchaser;
-};
-constexpr std::array kContacts = {
-    Contact{"email", &Order::customerEmail, &Order::purchaserEmail},
-    Contact{"company", &Order::customerCompany, &Order::purchaserCompany},
-    Contact{"lastname", &Order::customerLastName, &Order::purchaserLastName},
-    Contact{"firstname", &Order::customerFirstName, &Order::purchaserFirstName},
-    Contact{"phonenumber", &Order::customerPhoneNumber, &Order::purchaserPhoneNumber},
-};
-
-constexpr auto contactElements(Text Order::*Contact::*person) {
-    std::array<Element<Order>, kContacts.size()> elements;
-    std::transform(kContacts.begin(), kContacts.end(), elements.begin(), [=](const auto& contact) {
-        return Element<Order>{contact.name, contact.*person};
-    });
-    return elements;
-}
-constexpr auto kCustomerElements = contactElements(&Contact::customer);
-constexpr auto kPurchaserElements = contactElements(&Contact::purchaser);
-static_assert(isElementTable<Order>(kCustomerElements));
-
-constexpr Element<Item> kItemElements[] = {
-    {"quantity", &Item::quantity},
-    {"productname", &Item::productName},
-    {"productdisplay", &Item::productDisplay},
-    {"subscriptionreference", &Item::subscriptionReference},
-};
-static_assert(isElementTable<Item>(kItemElements));
-
-constexpr Element<Payment> kPaymentElements[] = {
-    {"total", &Payment::total},
-    {"status", &Payment::status},
-    {"currency", &Payment::currency},
-    {"methodtype", &Payment::methodType},
-    {"statuschanged", &Payment::statusChangedDate},
-    {"declinedreason", &Payment::declinedReason},
-};
-static_assert(isElementTable<Payment>(kPaymentElements));
+constexpr ElementTable kOrderElements{kFields<Order>};
+constexpr ElementTable kCustomerElements{kFields<Order>, "customer/"};
+constexpr ElementTable kPurchaserElements{kFields<Order>, "purchaser/"};
+constexpr ElementTable kItemElements{kFields<Item>};
+constexpr ElementTable kPaymentElements{kFields<Payment>};
 
 /// Appends the current record to a list that exists.
 template <class Record>

@@ -1,7 +1,10 @@
 #pragma once
 
 #include "store/FastSpringItem.h"
+#include "store/Field.h"
 #include "store/FieldTypes.h"
+
+#include <array>
 
 namespace store {
 
@@ -28,5 +31,29 @@ struct FastSpringSubscription : FastSpringItem {
     Number quantity;           ///< number of units; a negative one sent comes out as 2^64 plus it
     Date endDate;              ///< when the subscription ends
 };
+
+template <>
+inline constexpr auto
+    kFields<FastSpringSubscription> = std::to_array<Field<FastSpringSubscription>>({
+        {"reference", "reference", &FastSpringSubscription::reference},
+        {"status", "status", &FastSpringSubscription::status},
+        {"statuschanged", "statusChangedDate", &FastSpringSubscription::statusChangedDate},
+        {"statusreason", "statusReason", &FastSpringSubscription::statusReason},
+        {"cancelable", "isCancelable", &FastSpringSubscription::isCancelable},
+        {"test", "isTest", &FastSpringSubscription::isTest},
+        {"referrer", "referrer", &FastSpringSubscription::referrer},
+        {"sourcename", "sourceName", &FastSpringSubscription::sourceName},
+        {"sourcekey", "sourceKey", &FastSpringSubscription::sourceKey},
+        {"sourcecampaign", "sourceCampaign", &FastSpringSubscription::sourceCampaign},
+        {"firstname", "customerFirstName", &FastSpringSubscription::customerFirstName},
+        {"lastname", "customerLastName", &FastSpringSubscription::customerLastName},
+        {"company", "customerCompany", &FastSpringSubscription::customerCompany},
+        {"email", "customerEmail", &FastSpringSubscription::customerEmail},
+        {"phonenumber", "customerPhoneNumber", &FastSpringSubscription::customerPhoneNumber},
+        {"customerurl", "customerURL", &FastSpringSubscription::customerURL},
+        {"productname", "productName", &FastSpringSubscription::productName},
+        {"quantity", "quantity", &FastSpringSubscription::quantity},
+        {"end", "endDate", &FastSpringSubscription::endDate},
+    });
 
 } // namespace store

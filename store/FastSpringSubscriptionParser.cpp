@@ -5,30 +5,7 @@
 namespace store {
 namespace {
 
-using Record = FastSpringSubscription;
-
-constexpr Element<Record> kElements[] = {
-    {"end", &Record::endDate},
-    {"test", &Record::isTest},
-    {"email", &Record::customerEmail},
-    {"status", &Record::status},
-    {"company", &Record::customerCompany},
-    {"lastname", &Record::customerLastName},
-    {"quantity", &Record::quantity},
-    {"referrer", &Record::referrer},
-    {"firstname", &Record::customerFirstName},
-    {"reference", &Record::reference},
-    {"sourcekey", &Record::sourceKey},
-    {"cancelable", &Record::isCancelable},
-    {"sourcename", &Record::sourceName},
-    {"customerurl", &Record::customerURL},
-    {"phonenumber", &Record::customerPhoneNumber},
-    {"productname", &Record::productName},
-    {"statusreason", &Record::statusReason},
-    {"statuschanged", &Record::statusChangedDate},
-    {"sourcecampaign", &Record::sourceCampaign},
-};
-static_assert(isElementTable<Record>(kElements));
+constexpr ElementTable kElements{kFields<FastSpringSubscription>};
 
 } // namespace
 

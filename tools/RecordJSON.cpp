@@ -2,67 +2,60 @@
 
 #include "base/Timestamp.h"
 
-#include <memory>
-#include <optional>
-
-// How the values of records become JSON.
-namespace nlohmann {
-
-template <class Value>
-struct adl_serializer<std::optional<Value>> {
-    static void to_json(ordered_json& json, const std::optional<Value>& value) {
-        json = value ? ordered_json(*value) : ordered_json();
-    }
-};
-
-template <class Record>
-struct adl_serializer<std::shared_ptr<Record>> {
-    static void to_json(ordered_json& json, const std::shared_ptr<Record>& record) {
-        json = *record;
-    }
-};
-
-template <>
-struct adl_serializer<std::chrono::sys_seconds> {
-    static void to_json(ordered_json& json, const std::chrono::sys_seconds& moment) {
-        json = base::timestampText(moment);
-    }
-};
-
-} // namespace nlohmann
-
-namespace store {
-
-// Like NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE, which lacks support for ordered objects.
-#define RECORD_TO_JSON(Record, ...)                                                                \
-    static void to_json(nlohmann::ordered_json& nlohmann_json_j, const Record& nlohmann_json_t) {  \
-        NLOHMANN_JSON_EXPAND(NLOHMANN_JSON_PASTE(NLOHMANN_JSON_TO, __VA_ARGS__))                   \
-    }
-
-RECORD_TO_JSON(FastSpringSubscription, reference, status, statusChangedDate, statusReason,
-               isCancelable, isTest, referrer, sourceName, sourceKey, sourceCampaign,
-               customerFirstName, customerLastName, customerCompany, customerEmail,
-               customerPhoneNumber, customerURL, productName, quantity, endDate)
-RECORD_TO_JSON(FastSpringOrderItem, productDisplay, productName, quantity, subscriptionReference)
-RECORD_TO_JSON(FastSpringPaymentItem, status, statusChangedDate, methodType, declinedReason,
-               currency, total)
-RECORD_TO_JSON(FastSpringOrder, reference, status, statusChangedDate, isTest, dueDate, currency,
-               referrer, originIP, total, tax, shipping, sourceName, sourceKey, sourceCampaign,
-               customerFirstName, customerLastName, customerCompany, customerEmail,
-               customerPhoneNumber, purchaserFirstName, purchaserLastName, purchaserCompany,
-               purchaserEmail, purchaserPhoneNumber, addressLine1, addressLine2, city, region,
-               regionCustom, postalCode, country, orderItems, payments)
-
-} // namespace store
-
 namespace tools {
+namespace {
 
-nlohmann::ordered_json recordJSON(const store::FastSpringSubscription& record) {
-    return record;
+using nlohmann::ordered_json;
+
+ordered_json valueJSON(bool flag) {
+    return flag;
 }
 
-nlohmann::ordered_json recordJSON(const store::FastSpringOrder& record) {
-    return record;
+ordered_json valueJSON(const store::Text& text) {
+    return text ? ordered_json(*text) : ordered_json();
+}
+
+ordered_json valueJSON(const store::Number& number) {
+    return number ? ordered_json(*number) : ordered_json();
+}
+
+ordered_json valueJSON(const store::Date& moment) {
+    return moment ? ordered_json(base::timestampText(*moment)) : ordered_json();
+}
+
+template <class Record>
+ordered_json objectJSON(const Record& record);
+
+template <class Record>
+ordered_json valueJSON(const store::List<Record>& list) {
+    if (!list) {
+        return {};
+    }
+    ordered_json array = ordered_json::array();
+    for (const auto& record : *list) {
+        array.push_back(objectJSON(*record));
+    }
+    return array;
+}
+
+template <class Record>
+ordered_json objectJSON(const Record& record) {
+    ordered_json object;
+    for (const auto& field : store::kFields<Record>) {
+        object[field.name] =
+            std::visit([&](auto member) { return valueJSON(record.*member); }, field.member);
+    }
+    return object;
+}
+
+} // namespace
+
+ordered_json recordJSON(const store::FastSpringSubscription& record) {
+    return objectJSON(record);
+}
+
+ordered_json recordJSON(const store::FastSpringOrder& record) {
+    return objectJSON(record);
 }
 
 } // namespace tools
