@@ -39,10 +39,11 @@ ordered_json valueOf(const ordered_json& report, const std::string& name) {
     if (report.contains(name)) {
         return report[name];
     }
-    const auto record = report.find("record");
-    const ordered_json::json_pointer pointer("/" + name);
-    return record != report.end() && record->contains(pointer) ? record->at(pointer)
-                                                               : ordered_json();
+    try {
+        return report.at("record").at(ordered_json::json_pointer("/" + name));
+    } catch (const ordered_json::exception&) { // absent, or too large an index
+        return {};
+    }
 }
 
 } // namespace

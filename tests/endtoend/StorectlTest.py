@@ -242,10 +242,10 @@ class StorectlTest(TestCase):
         with Store(BUILD, "--answer", f"<order><total>7</total><city>{name}</city><orderItems><orderItem><quantity>1"
                    "</quantity></orderItem></orderItems></order>"):
             self.assertEqual(run("order", "A1", "\u65e5\u672c\u8a9e", "--fields", "reference,city,total,result,"
-                                 "orderItems/0/quantity")[1].splitlines(), [
-                "reference  city    total  result   orderItems/0/quantity",
-                f"A1         {name}  7      record   1",
-                "\u65e5\u672c\u8a9e     -       -      invalid  -"])
+                                 "orderItems/0/quantity,orderItems/99999999999999999999")[1].splitlines(), [
+                "reference  city    total  result   orderItems/0/quantity  orderItems/99999999999999999999",
+                f"A1         {name}  7      record   1                      -",
+                "\u65e5\u672c\u8a9e     -       -      invalid  -                      -"])
             self.assertEqual(run("order", "A", "--format", "table")[1].splitlines(), [
                 "isTest                 false", "total                  7", f"city                   {name}",
                 "orderItems/0/quantity  1"])
