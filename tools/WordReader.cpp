@@ -55,6 +55,9 @@ void WordReader::readOption(const std::string& word) {
     for (const auto* app : candidates(*program_, *command_)) {
         if (const auto* option = app->get_option_no_throw(name)) {
             const bool takesValue = option->get_expected_min() > 0;
+            if (!takesValue && word.ends_with('=')) { // CLI11 takes it for true
+                throw UsageError(name + " has no value after =");
+            }
             openOption_ = takesValue && word == name ? option : nullptr;
             return;
         }
@@ -92,7 +95,7 @@ DividedWords divided(const CLI::App& program, const std::string& name,
             result.references.push_back(word);
         } else if (kind == WordReader::Kind::Command) {
             result.others.insert(result.others.begin(), word);
-        } else if (kind == WordReader::Kind::Option && word.ends_with('=')) {
+        } else if (kind == WordReader::Kind::Option && word.find('=') == word.size() - 1) {
             // CLI11 would take the next word as the value.
             result.others.insert(result.others.end(), {word.substr(0, word.size() - 1), ""});
         } else if (kind != WordReader::Kind::Separator || !takesReferences) {
