@@ -52,11 +52,12 @@ std::string line(const std::string& word, const std::string& description) {
 }
 
 /// Returns the choices of an option or an argument that has some, such as "json|table".
-std::string choicesOf(const CLI::Option& option) {
+/// @param prefix stands before each of them.
+std::string choicesOf(const CLI::Option& option, const std::string& prefix = "") {
     std::string lines;
     if (option.get_type_name().find('|') != std::string::npos) {
         for (const auto& choice : CLI::detail::split(option.get_type_name(), '|')) {
-            lines += line(choice, option.get_description());
+            lines += line(prefix + choice, option.get_description());
         }
     }
     return lines;
@@ -106,8 +107,11 @@ std::string completions(const CLI::App& program, std::span<const std::string> wo
     if (reader.openOption() != nullptr) {
         return choicesOf(*reader.openOption());
     }
-    if (words.back().starts_with('-') && !reader.isSeparated()) {
-        return optionsOf(reader.command());
+    const std::string& last = words.back();
+    if (last.starts_with('-') && !reader.isSeparated()) {
+        const std::string name = last.substr(0, last.find('='));
+        const auto* option = name == last ? nullptr : reader.command().get_option_no_throw(name);
+        return option != nullptr ? choicesOf(*option, name + "=") : optionsOf(reader.command());
     }
     return &reader.command() == &program ? commandsOf(program) : argumentsOf(reader);
 }

@@ -328,6 +328,7 @@ class StorectlTest(TestCase):
             terminal.wait("ready")
             for typed, expected in (("su", "subscription: REF is required"), ("cancel --dr", "cancel: REF is required"),
                                     ("order --format t", "order: REF is required"),
+                                    ("order --format=t", "order: REF is required"),
                                     ("parse sub\tans", '"result": "none"')):
                 terminal.shown = ""
                 terminal.type(f"storectl {typed}\t\n")
