@@ -5,6 +5,7 @@
 #include "app/SubscriptionHelperAppDelegate.h"
 #include "platform/Bundle.h"
 #include "platform/Log.h"
+#include "platform/Preferences.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -14,6 +15,8 @@
 
 #include <QApplication>
 #include <QMessageLogContext>
+#include <QPalette>
+#include <QStyle>
 
 namespace {
 
@@ -54,6 +57,23 @@ void useOwnPlugins() {
         QCoreApplication::setLibraryPaths({QString::fromStdString(bundle->plugInsPath())});
         qunsetenv("QT_QPA_PLATFORM_PLUGIN_PATH");
     }
+}
+
+/// Makes Qt's own style dark where GNOME prefers it. Qt 6.4 looks only at the name of the GTK
+/// theme, which GNOME's dark style leaves as it is.
+void followDarkStyle() {
+    constexpr int kHalf = 128;
+    const bool isLight = QApplication::palette().color(QPalette::Window).lightness() > kHalf;
+    if (!isLight || QApplication::style()->name() != QLatin1String("fusion") ||
+        !platform::prefersDark()) {
+        return;
+    }
+    QPalette palette(QColor(50, 50, 50)); // from which it derives the others
+    palette.setColor(QPalette::Highlight, QColor(48, 140, 198));
+    for (const auto role : {QPalette::WindowText, QPalette::ButtonText}) {
+        palette.setColor(QPalette::Disabled, role, QColor(130, 130, 130));
+    }
+    QApplication::setPalette(palette);
 }
 
 /// Logs Qt's messages, because Qt itself would wait for a full pipe at standard error.
@@ -118,5 +138,6 @@ int subscriptionHelperApplicationMain(const app::Options& options, int argumentC
         return finish(check, {});
     }
     qInstallMessageHandler(logMessage);
+    followDarkStyle();
     return runUntilExit();
 }

@@ -7,7 +7,7 @@ namespace app {
 /// Loads the modules: libraries of the bundle that only some runs need, or that the dynamic linker
 /// loads faster separately. On Linux, the fetch module contains libcurl, and the desktop module
 /// contains GIO for the Trash and the desktop's settings. base/Fetch.h, platform/Desktop.h and
-/// platform/Motion.h declare their functions. Call loadModules() once, before any of these.
+/// platform/Preferences.h declare their functions. Call loadModules() once, before any of these.
 ///
 /// @param all true to load every module. False to load only the modules of each run, and to check
 /// that the module of a removal can be found.

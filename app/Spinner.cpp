@@ -1,6 +1,6 @@
 #include "app/Spinner.h"
 
-#include "platform/Motion.h"
+#include "platform/Preferences.h"
 
 #include <chrono>
 

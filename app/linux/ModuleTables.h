@@ -2,7 +2,7 @@
 
 #include "base/Fetch.h"
 #include "platform/Desktop.h"
-#include "platform/Motion.h"
+#include "platform/Preferences.h"
 
 namespace app {
 
@@ -16,6 +16,7 @@ struct DesktopModule {
     decltype(&platform::desktop::moveToTrash) moveToTrash;
     decltype(&platform::desktop::checkTrash) checkTrash;
     decltype(&platform::wantsReducedMotion) wantsReducedMotion;
+    decltype(&platform::prefersDark) prefersDark;
 };
 
 /// The symbol name of each module's exported table.

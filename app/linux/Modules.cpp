@@ -63,6 +63,10 @@ const Module<DesktopModule>& desktopModule() {
     return module;
 }
 
+bool isLoaded(const char* library) {
+    return dlopen(library, RTLD_LAZY | RTLD_NOLOAD) != nullptr;
+}
+
 /// Returns true if the files of the desktop module and of GIO exist. GIO is in the directory of
 /// GLib, which Qt has loaded, because both belong to one package.
 bool isDesktopThere() {
@@ -115,4 +119,12 @@ std::error_code platform::desktop::checkTrash(const std::filesystem::path& item,
 bool platform::wantsReducedMotion() {
     const auto* const module = app::desktopModule().table();
     return module != nullptr && module->wantsReducedMotion();
+}
+
+/// False unless Qt's GTK theme has loaded GIO, which would delay the window. Qt follows the dark
+/// style of other desktops by itself.
+bool platform::prefersDark() {
+    const auto* const module =
+        app::isLoaded("libgio-2.0.so.0") ? app::desktopModule().table() : nullptr;
+    return module != nullptr && module->prefersDark();
 }

@@ -342,9 +342,10 @@ class DesktopTest(TestCase):
         settings.parent.mkdir(parents=True)
         pictures = {}
         for wanted in ("true", "false"):
-            settings.write_text(f"[org/gnome/desktop/interface]\nenable-animations={wanted}\n")
+            settings.write_text(f"[org/gnome/desktop/interface]\nenable-animations={wanted}\n"
+                                "color-scheme='prefer-dark'\n")
             with Store(BUILD, "--delay", "20000") as store:
-                process = self.begin(stage, GSETTINGS_BACKEND="keyfile")
+                process = self.begin(stage, GSETTINGS_BACKEND="keyfile", QT_QPA_PLATFORMTHEME="gtk3")
                 self.window.press_remove()
                 time.sleep(0.5)
                 pictures[wanted] = {self.window.picture() for _ in range(40)}
@@ -353,6 +354,7 @@ class DesktopTest(TestCase):
                 self.assertEqual(["getsub" in line for line in store.requests], [True])
             self.assertTrue(stage.bundle.exists())
         self.assertEqual(len(pictures["false"]), 1)
+        self.assertLess(max(pictures["false"])[-1], 64)  # the corner of a dark window
         self.assertLess(pictures["false"], pictures["true"])  # which are twelve
 
     def test_a_refused_cancellation_opens_the_account_page(self):

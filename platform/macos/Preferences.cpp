@@ -1,4 +1,4 @@
-#include "platform/Motion.h"
+#include "platform/Preferences.h"
 
 #include <QDir>
 #include <QSettings>
@@ -9,6 +9,10 @@ bool wantsReducedMotion() {
     const QString file =
         QDir::homePath() + QStringLiteral("/Library/Preferences/com.apple.universalaccess.plist");
     return QSettings(file, QSettings::NativeFormat).value(QStringLiteral("reduceMotion")).toBool();
+}
+
+bool prefersDark() {
+    return false;
 }
 
 } // namespace platform
