@@ -10,7 +10,7 @@ import subprocess
 import sys
 import unittest
 
-from tests.endtoend.support import BUILD, LONG, TestCase, content
+from tests.endtoend.support import BUILD, LONG, TestCase, as_ordinary_user, content
 from kit.desktop import wait_for
 from kit.stage import HELPER_DOMAIN
 
@@ -158,10 +158,7 @@ class RemovalFaultsTest(RemovalCase):
         locked = self.bundle / "Contents/Linux/Remove.app/Contents/Linux"
         locked.chmod(0o555)
         self.addCleanup(locked.chmod, 0o755)
-        command = [STEP, "launch", str(self.bundle)]
-        if os.geteuid() == 0:  # which needs no rights
-            command = ["setpriv", "--reuid=65534", "--regid=65534", "--clear-groups", *command]
-            subprocess.run(["chown", "-R", "65534:65534", self.folder], check=True)
+        command = [*as_ordinary_user(self.folder), STEP, "launch", str(self.bundle)]
         for _ in range(2):
             subprocess.run(command, env=self.environment, check=True)
             copy = next(self.folder.glob("home/tmp/*/Remove.app/Contents/Linux"))

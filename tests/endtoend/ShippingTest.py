@@ -11,7 +11,7 @@ import sys
 import tempfile
 import unittest
 
-from tests.endtoend.support import BUILD, SANITIZE, TestCase, content
+from tests.endtoend.support import BUILD, SANITIZE, TestCase, as_ordinary_user, content
 from kit.desktop import desktop, wait_for
 from kit.stage import BUNDLE, PROJECT, Store, Window
 
@@ -86,10 +86,12 @@ class InstallerTest(TestCase):
         helper = self.folder / name / BUNDLE
         program = helper / "Contents/Linux/Subscription Helper"
         entry = helper / "Contents/Resources/share/applications/helper.desktop"
-        for file, text in ((program, "#!/bin/sh\n"), (entry, "@BUNDLE@"), (helper / "version", version)):
+        for file, text in ((program, "#!/bin/sh\n"), (entry, "@BUNDLE@"), (helper / "version", version),
+                           (helper / "locked/file", "")):
             file.parent.mkdir(parents=True, exist_ok=True)
             file.write_text(text)
         program.chmod(0o755 if version else 0o644)
+        (helper / "locked").chmod(0o555)
         package = self.folder / f"{name}.tar.gz"
         subprocess.run(["tar", "-czf", package, "-C", helper.parent, BUNDLE], check=True)
         return package
@@ -99,6 +101,10 @@ class InstallerTest(TestCase):
         cut.write_bytes(cut.read_bytes()[:-30])
         good = [self.package("old", "1"), home / "Applications", "com.globex.draw", "REF"]
         (home / ".config/com.globex.broken.conf").mkdir(parents=True)
+        settings = home / ".config/com.globex.draw.conf"
+        settings.write_text("\ufeffsubscriptionReference = OLD\ncolour=1")
+        user = as_ordinary_user(self.folder)
+        self.addCleanup(subprocess.run, ["chmod", "-R", "u+w", self.folder], check=True)
         for change, said in (
                 ({}, None), ({0: cut}, "tar: "), ({0: self.package("empty", "")}, "no helper"), ({1: ""}, "realpath"),
                 ({1: home / "a\n"}, "DIRECTORY"), ({1: home / "a'"}, "DIRECTORY"), ({2: ""}, "PRODUCT_DOMAIN"),
@@ -109,13 +115,15 @@ class InstallerTest(TestCase):
             digest = hashlib.sha256(words[0].read_bytes()).hexdigest()
             words[0].with_name(words[0].name + ".sha256").write_text(f"{digest}  {words[0].name}\n")
             before = content(home)
-            result = subprocess.run([PROJECT / "examples/install-helper", *words], text=True, check=False,
+            result = subprocess.run([*user, PROJECT / "examples/install-helper", *words], text=True, check=False,
                                     capture_output=True, env={"HOME": str(home), "PATH": os.environ["PATH"]})
             with self.subTest(words=words):
                 self.assertEqual(result.returncode == 0, said is None, result.stderr)
                 self.assertIn(said or "", result.stderr)
                 self.assertEqual(content(home) == before, said is not None)
+        self.assertEqual([path.name for path in (home / "Applications").iterdir()], [BUNDLE])
         self.assertEqual((home / "Applications" / BUNDLE / "version").read_text(), "2")
+        self.assertEqual(settings.read_text(), "subscriptionReference=REF\ncolour=1")
         self.assertEqual((home / ".local/share/applications/helper.desktop").read_text(),
                          str(home / "Applications" / BUNDLE))
 

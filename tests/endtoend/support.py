@@ -3,6 +3,7 @@
 import os
 import pathlib
 import shutil
+import subprocess
 import tempfile
 import unittest
 
@@ -23,6 +24,14 @@ def content(folder):
             what = path.read_bytes()
         return str(path.relative_to(folder)), path.lstat().st_mode, what
     return sorted(map(entry, folder.rglob("*"))) if folder.is_dir() else None
+
+
+def as_ordinary_user(folder):
+    """The words before a command that run it as an ordinary user, who gets the folder: root needs no rights."""
+    if os.geteuid() != 0:
+        return []
+    subprocess.run(["chown", "-R", "65534:65534", folder], check=True)
+    return ["setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"]
 
 
 class TestCase(unittest.TestCase):
