@@ -79,6 +79,9 @@ void followDarkStyle() {
 /// Logs Qt's messages, because Qt itself would wait for a full pipe at standard error.
 void logMessage(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& message) {
     platform::log("%@", {message.toStdString()});
+    if (message.startsWith(QLatin1String("The Wayland connection "))) {
+        app::logInterruptedRemoval(); // Qt calls _exit() next, which skips leaveRunningRemoval()
+    }
 }
 
 /// Runs at exit(), which Qt calls if the display disappears. Skips the rest of the exit during a

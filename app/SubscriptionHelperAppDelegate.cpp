@@ -51,7 +51,8 @@ std::string openAccountPage(const AtomicText::Value& url) {
         return "account page unknown";
     }
     const auto error = platform::workspace::openURL(page);
-    return error ? "account page not opened (" + error.message() + ")" : "account page opened";
+    return error ? "account page not opened (" + error.message() + ")"
+                 : "account page passed to the opener";
 }
 
 } // namespace

@@ -322,18 +322,21 @@ class DesktopTest(TestCase):
                 self.assertIn(-process.wait(15), signals or (0,))
 
     def test_a_display_that_goes_away_interrupts_the_removal(self):
-        stage = self.make_stage()
-        with Store(BUILD, "--delay", "20000"), contextlib.ExitStack() as stack:
-            own = stack.enter_context(desktop())
-            process = stage.start(own)
-            self.addCleanup(process.kill)
-            self.assertTrue(Window(own).wait())
-            Window(own).press_remove()
-            time.sleep(0.5)
-            stack.close()
-            _, log = process.communicate(timeout=15)
-        self.assertEqual(process.returncode, 1)
-        self.assertRegex(log, "interrupted while canceling the subscription\n$")
+        for kind in ("x11", "wayland"):
+            stage = self.make_stage(kind)
+            with self.subTest(kind), Store(BUILD, "--delay", "20000"), contextlib.ExitStack() as stack:
+                own = outer = stack.enter_context(desktop())
+                if kind == "wayland":
+                    own = stack.enter_context(wayland_desktop(self.folder / "runtime", outer, "x11"))
+                process = stage.start(own)
+                self.addCleanup(process.kill)
+                libraries = pathlib.Path(f"/proc/{process.pid}/maps")
+                self.assertTrue(wait_for(lambda window=Window(outer), libraries=libraries:
+                                         window.press_remove() or "libgio" in libraries.read_text(), 60))
+                stack.close()
+                _, log = process.communicate(timeout=15)
+                self.assertEqual(process.returncode, 1)
+                self.assertRegex(log, "interrupted while canceling the subscription\n$")
 
     def test_the_sheet_while_the_store_is_asked(self):
         # Its spinner stands still, but is there, where no motion is wanted; quitting waits for no answer.
@@ -382,7 +385,7 @@ class DesktopTest(TestCase):
                 time.sleep(0.5)
                 self.window.keys("Return")
                 self.assertRegex(self.finish(process), "(?s)still running after 5 seconds and may not have opened "
-                                 "http://.*cancellation not confirmed, account page opened;")
+                                 "http://.*cancellation not confirmed, account page passed to the opener;")
                 stage.note.unlink()
                 shutil.rmtree(stage.home / ".local")
                 shutil.copytree(kept, stage.bundle, symlinks=True)
