@@ -6,6 +6,7 @@ import os
 import pty
 import re
 import select
+import signal
 import socketserver
 import subprocess
 import textwrap
@@ -150,7 +151,7 @@ class StorectlTest(TestCase):
                 isDry = "--dry-run" in words
                 self.assertEqual((code, bool(output)), (RECORD, True) if isDry else (USAGE, False))
                 self.assertIn("1 found; nothing was canceled" if isDry else "without a terminal", errors)
-            for reply, status in (("\n", USAGE), ("n\n", USAGE), ("yes\n", NONE)):
+            for reply, status in (("\n", USAGE), ("no\n", USAGE), ("yet\n", USAGE), ("yes\n", NONE)):
                 self.assertFalse([line for line in store.requests if "delete" in line])
                 terminal = Terminal(PROGRAM, "cancel", "-", given=listed)
                 terminal.wait("[y/N] ")
@@ -212,6 +213,7 @@ class StorectlTest(TestCase):
             self.assertEqual((code, [line["reference"] for line in lines]),
                              (RECORD, ["first", "second", "third", *map(str, range(200))]))
             self.assertEqual({line["result"] for line in lines}, {"record"})
+            self.assertGreater(len(store.targets), 203)  # repeated, so connections were kept
             store.targets.clear()
             self.assertEqual(run("cancel", "A", "B", "C", "--yes")[0], RECORD)
             self.assertEqual(len(store.targets), 3)
@@ -219,6 +221,17 @@ class StorectlTest(TestCase):
                 self.assertEqual(subprocess.run([PROGRAM, "order", "-", "--jobs=8"], input=b"A\n" * 2000, check=False,
                                                 stdout=full, stderr=subprocess.DEVNULL).returncode, FAILURE)
             self.assertLess(len(store.targets), 1000)
+
+    def test_a_signal_waits_for_the_outcome_of_a_cancellation(self):
+        def reply(*_):
+            process.send_signal(signal.SIGINT)
+            return "200 OK", ACTIVE
+        with AnyStore(reply) as store:
+            process = subprocess.Popen([PROGRAM, "cancel", "-", "-y", "--format", "table"], text=True,
+                                       stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+            output = process.communicate("A\nB\n")[0]
+            self.assertEqual((process.returncode, output.split()[2:], len(store.targets)),
+                             (-signal.SIGINT, ["A", "confirmed"], 1))
 
     def test_terminals_get_no_controls_and_the_progress(self):
         controls = "\u009b\u009d\u202e\u2028\x7f\x1b"
