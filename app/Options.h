@@ -2,6 +2,7 @@
 
 #include <span>
 #include <string_view>
+#include <type_traits>
 
 namespace app {
 
@@ -20,6 +21,8 @@ struct Options {
     bool sendsLookup = false; ///< Of a check: look the subscription up at the store service.
     std::string_view unknown; ///< The unknown option.
 };
+// The process entry and the application library contain different C++ runtimes.
+static_assert(std::is_trivially_copyable_v<Options>);
 
 /// Reads the arguments, without the program's name. Options of two dashes must be the program's own
 /// or Qt's. All other arguments are left to Qt, which ignores unknown ones.

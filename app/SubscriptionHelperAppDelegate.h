@@ -20,7 +20,8 @@ bool logInterruptedRemoval();
 
 /// The application's delegate: looks the user's subscription up, shows the window, and runs the
 /// removal. Create it on the main thread, and call its operations there unless their description
-/// allows other threads. The window lives as long as the delegate.
+/// allows other threads. The window lives as long as the delegate. Do not destroy the delegate
+/// while isRemoving(), because the worker uses it.
 class SubscriptionHelperAppDelegate final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(SubscriptionHelperAppDelegate)

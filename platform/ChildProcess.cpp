@@ -21,23 +21,23 @@ namespace {
 class SpawnSettings {
   public:
     SpawnSettings() {
-        posix_spawn_file_actions_init(&streams);
+        check(posix_spawn_file_actions_init(&streams));
         for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-            posix_spawn_file_actions_addopen(&streams, stream, "/dev/null", O_RDWR, 0);
+            check(posix_spawn_file_actions_addopen(&streams, stream, "/dev/null", O_RDWR, 0));
         }
-        posix_spawnattr_init(&attributes);
+        check(posix_spawnattr_init(&attributes));
         sigset_t signals;
         sigemptyset(&signals);
-        posix_spawnattr_setsigmask(&attributes, &signals);
+        check(posix_spawnattr_setsigmask(&attributes, &signals));
         sigfillset(&signals);
-        posix_spawnattr_setsigdefault(&attributes, &signals);
+        check(posix_spawnattr_setsigdefault(&attributes, &signals));
         int flags = POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
 #ifdef POSIX_SPAWN_CLOEXEC_DEFAULT
         flags |= POSIX_SPAWN_CLOEXEC_DEFAULT;
 #else
-        posix_spawn_file_actions_addclosefrom_np(&streams, STDERR_FILENO + 1);
+        check(posix_spawn_file_actions_addclosefrom_np(&streams, STDERR_FILENO + 1));
 #endif
-        posix_spawnattr_setflags(&attributes, static_cast<short>(flags));
+        check(posix_spawnattr_setflags(&attributes, static_cast<short>(flags)));
     }
     SpawnSettings(const SpawnSettings&) = delete;
     SpawnSettings& operator=(const SpawnSettings&) = delete;
@@ -48,6 +48,14 @@ class SpawnSettings {
 
     posix_spawn_file_actions_t streams{};
     posix_spawnattr_t attributes{};
+    int error = 0; // the first failure of a setting, such as ENOMEM
+
+  private:
+    void check(int result) {
+        if (error == 0) {
+            error = result;
+        }
+    }
 };
 
 std::vector<char*> environmentWithoutLinkerSettings() {
@@ -99,8 +107,11 @@ std::error_code startChildProcess(const std::vector<std::string>& arguments,
     words.push_back(nullptr);
     const SpawnSettings settings;
     pid_t child = 0;
-    const int error = posix_spawnp(&child, words.front(), &settings.streams, &settings.attributes,
-                                   words.data(), environmentWithoutLinkerSettings().data());
+    int error = settings.error;
+    if (error == 0) {
+        error = posix_spawnp(&child, words.front(), &settings.streams, &settings.attributes,
+                             words.data(), environmentWithoutLinkerSettings().data());
+    }
     if (error != 0) {
         return {error, std::generic_category()};
     }

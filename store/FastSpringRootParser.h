@@ -4,6 +4,7 @@
 #include "store/ElementText.h"
 #include "store/FieldTypes.h"
 
+#include <concepts>
 #include <map>
 #include <optional>
 #include <string>
@@ -21,6 +22,9 @@ class FastSpringRootParser : public base::XMLEventDelegate {
   public:
     /// @param data the complete answer; it must outlive the parser.
     explicit FastSpringRootParser(std::string_view data);
+    /// A temporary text would not outlive the parser.
+    template <std::same_as<std::string> Temporary>
+    explicit FastSpringRootParser(Temporary&& data) = delete;
     virtual ~FastSpringRootParser() = default;
 
     /// Reads a date text of the store service, as dateFromText(). Date elements go through it.

@@ -45,9 +45,9 @@ std::string tableOf(const nlohmann::ordered_json& example) {
 }
 
 TEST(ProtocolPage, ListsTheFieldsWithTheValuesOfItsExamples) {
-    const auto subscription =
-        FastSpringSubscriptionParser(example("subscription")).parseSubscription();
-    const auto order = FastSpringOrderParser(example("order")).parseOrder();
+    const std::string answers[] = {example("subscription"), example("order")};
+    const auto subscription = FastSpringSubscriptionParser(answers[0]).parseSubscription();
+    const auto order = FastSpringOrderParser(answers[1]).parseOrder();
     ASSERT_TRUE(subscription && order);
     const auto object = tools::recordJSON(*order);
     const std::string text = page();
