@@ -20,6 +20,7 @@ struct Transfer {
     const FetchLimits& limits;
     Data body;
     std::size_t headerBytes = 0;
+    bool isTooLarge = false; // the body or the headers
 };
 
 // The callbacks end a transfer by returning less than the given length, because exceptions must not
@@ -28,6 +29,7 @@ std::size_t takeBody(char* bytes, std::size_t size, std::size_t count, void* con
     auto& transfer = *static_cast<Transfer*>(context);
     const std::size_t length = size * count;
     if (length > transfer.limits.body - transfer.body.size()) {
+        transfer.isTooLarge = true;
         return 0;
     }
     try {
@@ -42,7 +44,8 @@ std::size_t countHeader(char* /*bytes*/, std::size_t size, std::size_t count,
                         void* context) noexcept {
     auto& transfer = *static_cast<Transfer*>(context);
     transfer.headerBytes += size * count;
-    return transfer.headerBytes <= transfer.limits.headers ? size * count : 0;
+    transfer.isTooLarge = transfer.headerBytes > transfer.limits.headers;
+    return transfer.isTooLarge ? 0 : size * count;
 }
 
 template <class Value>
@@ -119,7 +122,7 @@ Fetched Connection::fetch(const URL& url, const FetchLimits& limits) {
         return {std::nullopt, curl_easy_strerror(CURLE_FAILED_INIT)};
     }
     curl_easy_reset(handle); // removes the last fetch's options
-    Transfer transfer{limits, {}, 0};
+    Transfer transfer{limits, {}, 0, false};
     char reason[CURL_ERROR_SIZE] = "";
     if (!configure(handle, url, transfer) ||
         !set(handle, CURLOPT_FORBID_REUSE, handles_->forbidsReuse) ||
@@ -130,6 +133,9 @@ Fetched Connection::fetch(const URL& url, const FetchLimits& limits) {
     const CURLcode code = performWithin(limits.whole, transfers);
     curl_multi_remove_handle(transfers, handle);
     set(handle, CURLOPT_ERRORBUFFER, static_cast<char*>(nullptr)); // the buffer ends with this call
+    if (transfer.isTooLarge || code == CURLE_FILESIZE_EXCEEDED) {
+        return {std::nullopt, "The answer is too large"};
+    }
     if (code != CURLE_OK) {
         return {std::nullopt, *reason != '\0' ? reason : curl_easy_strerror(code)};
     }

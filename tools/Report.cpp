@@ -1,5 +1,6 @@
 #include "tools/Report.h"
 
+#include "store/Conversions.h"
 #include "store/FastSpringOrderParser.h"
 #include "store/FastSpringSubscriptionParser.h"
 #include "tools/RecordJSON.h"
@@ -14,7 +15,8 @@ namespace {
 
 using nlohmann::ordered_json;
 
-constexpr int kFirstErrorStatus = 400; // of HTTP
+constexpr int kFirstErrorStatus = 400;                    // of HTTP
+constexpr std::string_view kHTMLStart = "<!doctype html"; // in any letter case
 constexpr const char* kLookUp =
     "; it may have been canceled: look the subscription up before canceling again";
 
@@ -30,6 +32,13 @@ struct Parsed {
     bool isMalformed = false;
 };
 
+/// Returns true if an answer begins like an HTML page that is not XML.
+bool isHTMLDocument(std::string_view answer) {
+    std::string start(answer.substr(0, kHTMLStart.size()));
+    store::lowercase(start);
+    return start == kHTMLStart;
+}
+
 /// Parses an answer. The two failures of parsers are results here.
 template <class Parser, class Operation>
 Parsed parsedBy(Operation operation, std::string_view answer) {
@@ -44,8 +53,8 @@ Parsed parsedBy(Operation operation, std::string_view answer) {
     } catch (const std::invalid_argument& failure) {
         result.failure = {"invalid_argument", failure.what()};
     }
-    result.isHTML = parser.isHTMLServerError;
     result.isMalformed = parser.isParsingError;
+    result.isHTML = parser.isHTMLServerError || (result.isMalformed && isHTMLDocument(answer));
     return result;
 }
 

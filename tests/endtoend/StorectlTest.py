@@ -178,6 +178,7 @@ class StorectlTest(TestCase):
                 ("399 No", "<response/>", {"result": "none", "httpStatus": 399}),
                 ("500 No", ACTIVE, {"result": "record", "httpStatus": 500}),
                 ("200 OK", html, failed | {"reason": "html"}),
+                ("200 OK", "<!doctype HTML><p>Sign in", failed | {"reason": "html"}),
                 ("204 Empty", "", failed | {"reason": "malformed", "httpStatus": 204}),
                 ("200 OK", "Welcome!", failed | {"reason": "malformed"}),
                 ("200 OK", ACTIVE[:-5], {"result": "record", "httpStatus": 200, "isParsingError": True})):
