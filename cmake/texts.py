@@ -4,8 +4,8 @@ RESOURCES/<language>.lproj/Localizable.strings contains this project's texts in 
 of files <language>.strings that replace some of them, or empty. A file for a new language contains all keys.
 Exits with one message if a table has an error or an own text does not fit. platform/StringsTable.h has the syntax.
 
-With OUTPUT, writes the table of each language to OUTPUT/<language>.lproj. PRODUCT is its "Product Name" if OWN has
-none. Prints as JSON the lines that name the helper in a desktop entry and in a metainfo file.
+With OUTPUT, writes the table of each language to OUTPUT/<language>.lproj. PRODUCT is its "Product Name" if OWN lacks
+one. Prints as JSON the lines that name the helper in a desktop entry and in a metainfo file.
 """
 
 import html
@@ -30,7 +30,7 @@ def unescaped(text):
 
 
 def parse(text):
-    """The entries of a table's text, by key. Raises ValueError at the first error."""
+    """Returns the entries of a table's text by key. Raises ValueError at the first error."""
     entries, at = {}, 0
 
     def take(pattern, expected=None):
@@ -59,7 +59,7 @@ def parse(text):
 
 
 def table(file):
-    """The entries of a strings table, by key."""
+    """Returns the entries of a strings table by key. Exits with a message if the table has an error."""
     data = file.read_bytes()
     try:
         return parse(data.decode("utf-16" if data[:2] in (b"\xff\xfe", b"\xfe\xff") else "utf-8-sig"))
@@ -72,10 +72,10 @@ def mnemonic(text):
 
 
 def check(file, own, known, ours):
-    """Checks the own texts of a file. `ours` are this project's in the same language, or None."""
+    """Checks a file of a company's texts. `ours` are this project's in the same language, or None."""
     for key, value in own.items():
         if key not in known and key != "Product Name":
-            sys.exit(f"{file}: there is no text '{key}'; resources/en.lproj has them all")
+            sys.exit(f"{file}: unknown text '{key}'. resources/en.lproj contains all of them")
         for mark in ("%@", "&"):
             if key != "Product Name" and key.count(mark) != value.count(mark):
                 sys.exit(f"{file}: '{value}' must have {mark} as often as '{key}'")
@@ -85,18 +85,18 @@ def check(file, own, known, ours):
             sys.exit(f"{file}: the text for '{key}' is empty")
     missing = [key for key in known if key not in own]
     if ours is None and missing:
-        sys.exit(f"{file}: a new language needs all texts, but has none for '{missing[0]}'")
+        sys.exit(f"{file}: a new language needs all texts, but '{missing[0]}' is missing")
     one, other = (own.get(key) or ours[key] for key in TOGETHER)
     if mnemonic(one) == mnemonic(other):
         sys.exit(f"{file}: '{one}' and '{other}' have the same mnemonic after &")
 
 
 def add_own(folder, tables):
-    """Checks the own texts in a directory, and puts them in place of the project's."""
+    """Checks the company's texts in a directory, and replaces the project's by them."""
     known = tables["en"]
     files = sorted(folder.iterdir())
     if not files:
-        sys.exit(f"{folder}: there is no <language>.strings in it")
+        sys.exit(f"{folder}: the directory is empty. Add a file <language>.strings")
     for file in files:
         if not re.fullmatch(r"[a-z]{2,3}(_[A-Za-z]+)?\.strings", file.name):
             sys.exit(f"{file}: expected a file named by a language, such as de.strings or pt_BR.strings")

@@ -1,5 +1,5 @@
-// The delegate with its real window, on a real display: what the removal does, in which order, and
-// what the sheet shows meanwhile. Run under kit/desktop.py.
+// Tests the removal's steps, their order and the progress sheet. The delegate has its real window
+// and display. Run it under kit/desktop.py.
 
 #include "app/ProgressSheet.h"
 #include "app/Spinner.h"
@@ -31,8 +31,7 @@ std::vector<QString> announced;
 const std::string kRecord =
     "<subscription><customerUrl>http://127.0.0.1:9/<b>account</b></customerUrl></subscription>";
 
-/// The delegate with its real window, a store on loopback, and a real bundle and Trash. Runs under
-/// kit/desktop.py.
+/// The delegate with its real window, a store on loopback, and a real bundle and Trash.
 class Removal : public testing::Test {
   protected:
     Removal() {
@@ -48,7 +47,7 @@ class Removal : public testing::Test {
         test::setStorePort(server_.port());
     }
 
-    /// The window once the start-up has presented it and the removal is offered.
+    /// Starts up and returns the window when it offers the removal.
     QWidget* startUp() {
         delegate_.awakeFromNib();
         const auto isOffered = [] {
@@ -98,13 +97,12 @@ TEST_F(Removal, GoesThroughItsStepsAndLeavesTheSheetUp) {
 
     std::string duringCancellation;
     cancelReply_ = [&] {
-        // The helper's bundle and the uninstaller are untouched while the store is still asked.
+        // The helper's bundle and the uninstaller must stay unchanged during the cancellation.
         duringCancellation = fs::exists(bundle_.path()) && !fs::exists(note_) ? "first" : "late";
         QThread::msleep(300);
         return httpReply(kRecord);
     };
-    // Says on the session bus that there is a screen reader, and waits until this process has
-    // heard.
+    // Announce a screen reader on the session bus, and wait until this process knows it.
     ASSERT_EQ(std::system("gdbus call --session --dest org.a11y.Bus --object-path /org/a11y/bus "
                           "--method org.freedesktop.DBus.Properties.Set org.a11y.Status IsEnabled "
                           "'<true>' >/dev/null"),
@@ -118,17 +116,17 @@ TEST_F(Removal, GoesThroughItsStepsAndLeavesTheSheetUp) {
     });
     auto& remove = child<QPushButton>(*window, "removeButton");
     remove.setFocus();
-    QTest::keyClick(window, Qt::Key_Return); // presses what has the focus
+    QTest::keyClick(window, Qt::Key_Return); // presses the focused button
     EXPECT_TRUE(sheet.isVisible());
-    press(*window); // and one press is one removal
+    press(*window); // a second press must not start a second removal
     EXPECT_EQ(window->focusWidget(), &label);
     EXPECT_TRUE(sheet.isSessionRunning());
     EXPECT_EQ(child<QWidget>(*window, "backdrop").geometry(), window->rect());
-    QTest::mouseClick(&close, Qt::LeftButton); // the backdrop and the disabled content take it
+    QTest::mouseClick(&close, Qt::LeftButton); // the backdrop takes the click
     QTest::keyClick(window, Qt::Key_Return);
     QTest::keyClick(window, Qt::Key_Escape);
     EXPECT_FALSE(window->close());
-    QEvent endOfSession(QEvent::Quit); // what Qt makes of a session's end
+    QEvent endOfSession(QEvent::Quit); // Qt sends it at a session's end
     QApplication::sendEvent(qApp, &endOfSession);
     EXPECT_FALSE(endOfSession.isAccepted());
     ASSERT_TRUE(waitUntilRemoved());
@@ -149,7 +147,7 @@ TEST_F(Removal, GoesThroughItsStepsAndLeavesTheSheetUp) {
     EXPECT_FALSE(fs::exists(bundle_.path()));
     EXPECT_TRUE(fs::exists(TestHome::trashedFile("Subscription Helper.app")));
 
-    // Afterwards: on the screen, not modal, turning, and only a button ends the application.
+    // After the removal the sheet is visible, not modal, and turning, and only a button exits.
     EXPECT_TRUE(window->isVisible());
     EXPECT_TRUE(sheet.isVisible());
     EXPECT_FALSE(sheet.isSessionRunning());

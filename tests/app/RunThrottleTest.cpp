@@ -26,7 +26,7 @@ TEST(RunThrottle, CountsARunAsRecentWithinItsBounds) {
 }
 
 TEST(RunThrottle, ReadsTheClockForEachBound) {
-    // The second reading is later: a moment just in the future at the first is past at the second.
+    // A time just after the first reading of the clock is past at the second, later reading.
     Timestamp now = kNow;
     const auto clock = [&now] { return now += 2us; };
     EXPECT_TRUE(isRecentRun(kNow + 3us, clock));

@@ -1,5 +1,5 @@
-// The window as people meet it: in every language and style, in light and dark, on this screen at
-// this scale. CMake runs it on small screens and at twice the scale as well.
+// Tests the window in every language and style, in light and dark, on this screen at this scale.
+// CMake also runs it on small screens and at twice the scale.
 #include "app/Localization.h"
 #include "app/MainWindow.h"
 #include "app/ProgressSheet.h"
@@ -27,7 +27,7 @@ namespace {
 namespace fs = std::filesystem;
 using platform::StringsTable;
 
-/// The contrast ratio of two colours by the Web Content Accessibility Guidelines 2.1.
+/// Returns the contrast ratio of two colors by the Web Content Accessibility Guidelines 2.1.
 double contrast(const QColor& one, const QColor& other) {
     const auto luminance = [](const QColor& color) {
         const auto linear = [](double part) {
@@ -40,7 +40,7 @@ double contrast(const QColor& one, const QColor& other) {
     return light / dark;
 }
 
-/// The contrast of what is drawn in a widget, without its border, with its most frequent colour.
+/// Returns the highest contrast with a widget's most frequent color, without the widget's border.
 double contrastIn(QWidget& widget) {
     const QImage image = widget.grab(widget.rect().adjusted(7, 7, -7, -7)).toImage();
     std::map<QRgb, int> colors;
@@ -60,7 +60,7 @@ double contrastIn(QWidget& widget) {
     return most;
 }
 
-/// The most contrast between the four points at the left edge of an image, halfway down.
+/// Returns the highest contrast between the four points at the left edge of an image, halfway down.
 double edgeContrast(const QImage& image) {
     double most = 1;
     for (int x = 1; x < 4 * image.devicePixelRatio(); ++x) {
@@ -92,7 +92,7 @@ class Window : public testing::Test {
 void present(app::MainWindow& window) {
     window.present("Acme Studio"); // as the product, so that one comparison fits all texts
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-    window.offerRemoval(); // at once
+    window.offerRemoval(); // skips the second in which the button is disabled
 }
 
 template <class Widget>
@@ -100,7 +100,7 @@ Widget& child(const QWidget& window, const char* name) {
     return *window.findChild<Widget*>(QString::fromLatin1(name));
 }
 
-/// Nothing of the window is cut: not by the screen, the window, or what lies round it.
+/// Checks that the screen, the window and the containing widgets show all widgets in full.
 void expectWhole(QWidget& window, const std::string& language) {
     SCOPED_TRACE(language);
     EXPECT_TRUE(window.screen()->availableGeometry().contains(window.frameGeometry()));
@@ -129,7 +129,7 @@ QString breakable(QString text) {
     return text.replace(QChar::Nbsp, QLatin1Char(' '));
 }
 
-/// Whatever is shown, or told to assistive technology, is a text of the table.
+/// Checks that all texts for people and assistive technology are in the table.
 void expectTextsOf(const StringsTable& table, QWidget& window) {
     std::set<QString> texts{QString(), QStringLiteral("Acme Studio")};
     for (const auto& [key, text] : table) {
@@ -186,7 +186,7 @@ TEST_F(Window, ShowsItsTextsWholeInEveryLanguage) {
         EXPECT_NE(remove.shortcut(), main.shortcut());
         EXPECT_TRUE(remove.x() == main.x() || (remove.x() > main.x()) == (language == "ar"));
         remove.click();
-        window.offerRemoval(); // it could not be started
+        window.offerRemoval(); // again, as if the worker could not be started
         expectTextsOf(table, window);
         EXPECT_TRUE(child<QLabel>(window, "mainLabel").isVisible());
         remove.click();

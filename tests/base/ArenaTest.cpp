@@ -17,7 +17,7 @@ TEST(Arena, KeepsEachPieceWhileItGrowsAndAfterAnInnerArenaEnded) {
     auto* const other = static_cast<char*>(Arena::allocate(10'000));
     std::fill_n(other, 10'000, 'x');
     EXPECT_EQ(std::string_view(text, kContent.size()), kContent);
-    text = static_cast<char*>(Arena::reallocate(text, 20'000)); // too much for the buffer
+    text = static_cast<char*>(Arena::reallocate(text, 20'000)); // exceeds the buffer
     EXPECT_EQ(std::string_view(text, kContent.size()), kContent);
     Arena::release(text);
     Arena::release(other);

@@ -18,7 +18,7 @@ namespace {
 std::atomic<bool> resolverWasAsked = false;
 }
 
-/// Stands in for the system's resolver in this process: one name gets no answer for long.
+/// Replaces the system's resolver in this process, and delays the answer for one name.
 extern "C" [[gnu::visibility("default")]] int
 getaddrinfo(const char* node, const char* service, const addrinfo* hints, addrinfo** result) {
     if (node != nullptr && std::string_view(node) == "silent.invalid") {
@@ -40,7 +40,7 @@ using test::LoopbackServer;
 using test::Reply;
 
 constexpr FetchLimits kShort{400ms, 800ms, 1000, 2000, 5};
-constexpr auto kPatience = 8s; // shorter than what has no limit would take, also under load
+constexpr auto kPatience = 8s; // above the limits under load, and below a transfer without limits
 
 std::optional<Data> fetchFrom(const LoopbackServer& server, const FetchLimits& limits = kShort) {
     Fetched fetched = fetch(URL::make(server.url()).value(), limits);

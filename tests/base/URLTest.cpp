@@ -23,7 +23,7 @@ TEST(URL, IsMadeOfWebAddressesExactlyAsTheyStand) {
     }
 }
 
-// One a line otherwise.
+// clang-format would put each on its own line.
 // clang-format off
 constexpr const char* kHostileAddresses[] = {
     "", "h", "http:", "http://", "http:///path", "example.com", "//example.com", "/etc/passwd",

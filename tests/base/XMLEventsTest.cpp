@@ -5,7 +5,7 @@
 namespace base {
 namespace {
 
-/// Writes the events down: "<a" a start, "a>" an end, "!" the error, texts joined.
+/// Records the events as a text: "<a" for a start, "a>" for an end, "!" for the error, and texts.
 class Recorder final : public XMLEventDelegate {
   public:
     void didStartElement(std::string_view name, const XMLAttributes& attributes) override {

@@ -1,4 +1,4 @@
-"""What a screen reader finds, and where it is told that the focus is: the running helper on the accessibility bus."""
+"""Tests the running helper on the accessibility bus: its objects for a screen reader, and the announced focus."""
 
 import re
 import subprocess
@@ -15,14 +15,14 @@ REMOVE = "Cancels the subscription, starts the uninstaller and moves this helper
 
 
 def texts_of(language):
-    """The texts of a language by their keys, as they are shown."""
+    """Returns a language's displayed texts by their keys."""
     table = (PROJECT / f"resources/{language}.lproj/Localizable.strings").read_text()
     return {key: text.replace("&", "").replace("%@", "Acme Studio").replace("\\n", "\n")
             for key, text in re.findall(r'^"(.*)" = "(.*)";$', table, re.MULTILINE)}
 
 
 def window(texts):
-    """Role, name and description of everything in the window."""
+    """Tests the roles, names and descriptions of the window's objects."""
     title = texts["Cancel your %@ subscription?"]
     return {
         ("dialog", "Acme Studio", title), ("graphic", "Acme Studio", ""), ("label", title, ""),
@@ -48,7 +48,7 @@ class AccessibilityTest(TestCase):
         return re.search(r"<['\"](.*)['\"]>", answer).group(1).replace("\\n", "\n")
 
     def tree(self, place=("org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root")):
-        """Where each role, name and description is found, at a place and all below it."""
+        """Returns the paths of each role, name and description, from an object and all below it."""
         role = re.search("'(.*)'", self.ask(place, f"{ACCESSIBLE}.GetRoleName")).group(1)
         found = {(role, self.text(place, "Name"), self.text(place, "Description")): place}
         children = self.ask(place, f"{ACCESSIBLE}.GetChildren")
@@ -57,7 +57,7 @@ class AccessibilityTest(TestCase):
         return found
 
     def names(self, places, state):
-        """The names of those objects that have a state."""
+        """Returns the names of the objects that have a state."""
         return [self.text(place, "Name") for place in places
                 if int(re.search(r"uint32 (\d+)", self.ask(place, f"{ACCESSIBLE}.GetState")).group(1)) & state]
 

@@ -1,4 +1,4 @@
-"""The helper as its users meet it: the real bundle, store, window and Trash, from outside."""
+"""Tests the helper from outside, with the real bundle, store, window and Trash."""
 
 import contextlib
 import json
@@ -21,7 +21,7 @@ NO_DISPLAY = "No window can be shown: .*"
 
 
 class StartTest(TestCase):
-    """Starts that end before there is a window."""
+    """Tests starts that exit before the window appears."""
 
     def test_what_each_start_says_and_whether_it_counts(self):
         stage = self.make_stage()
@@ -118,7 +118,7 @@ class StartTest(TestCase):
         self.assertRegex(stage.run({"PATH": "/usr/bin"})[1], "^[^\n]*The application cannot be loaded: .*\n$")
 
     def test_of_simultaneous_starts_exactly_one_goes_on(self):
-        # The one that goes on notices that there is no display and ends with status 1.
+        # The one start that runs finds the display missing and exits with status 1.
         stage = self.make_stage()
         for _ in range(10):
             stage.forget_last_run()
@@ -132,22 +132,22 @@ class StartTest(TestCase):
         stage = self.make_stage()
         stage.run({"PATH": "/usr/bin"})
         with (stage.config / f"{HELPER_DOMAIN}.conf").open("a", encoding="utf-8") as file:
-            file.write("x" * 60000)  # one large piece of memory, which leaves some where it fails
+            file.write("x" * 60000)  # needs one large piece of memory, whose failure leaves some for the log line
         ends = set()
-        for kibibytes in range(192, 480, 8):  # with far less, the linker ends it
+        for kibibytes in range(192, 480, 8):  # with far less, the dynamic linker fails
             result = subprocess.run(["prlimit", f"--data={kibibytes * 1024}", stage.program()], text=True,
                                     env=stage.environment(), capture_output=True, check=False)
             ends.add((result.returncode, result.stderr.partition("] ")[2]))
         named = (-signal.SIGABRT, "Uncaught failure: std::bad_alloc\n")
         self.assertLessEqual(ends, {named, (0, ""), (-signal.SIGABRT, "")})
-        if sys.maxsize > 2**32:  # else the heap's first piece holds all, or there is nothing for a line
+        if sys.maxsize > 2**32:  # on 32 bits, the heap's first piece suffices, or memory for the log line is missing
             self.assertLessEqual({named, (0, "")}, ends)
 
     def test_a_throttled_start_loads_neither_qt_nor_curl(self):
         stage = self.make_stage()
         base = {"PATH": "/usr/bin", "LD_DEBUG": "files"}
         libraries = re.compile(r"calling init: .*/(libQt6|libcurl|libgio|SubscriptionHelperApp)")
-        self.assertRegex(stage.run(base)[1], libraries)  # a start that goes on does load them
+        self.assertRegex(stage.run(base)[1], libraries)  # a run loads them
         stored = stage.last_run()
         status, log, _ = stage.run(base)
         self.assertEqual((status, stage.last_run()), (0, stored))
@@ -156,7 +156,7 @@ class StartTest(TestCase):
 
 
 class DesktopTest(TestCase):
-    """Runs on a desktop."""
+    """Tests runs on a desktop."""
 
     @classmethod
     def setUpClass(cls):
@@ -206,7 +206,7 @@ class DesktopTest(TestCase):
             self.assertEqual(store.requests, [])
 
     def test_each_way_out_of_the_window_ends_it(self):
-        # Also where its standard streams are closed: nothing takes their places.
+        # With closed standard streams, other files must not get their descriptors.
         stage = self.make_stage()
         streams = ["sh", "-c", 'exec "$0" <&- >&- 2>&-', stage.program()]
         with Store(BUILD) as store:
@@ -265,7 +265,7 @@ class DesktopTest(TestCase):
             self.window.press_remove()
             self.assertTrue(wait_for(lambda: len(store.requests) == 1))
             time.sleep(0.3)
-            for part in (plist, "Contents/Frameworks"):  # it stays the bundle that it was
+            for part in (plist, "Contents/Frameworks"):  # the running helper still knows its bundle
                 (stage.bundle / part).rename(self.folder / pathlib.Path(part).name)
             self.window.keys("alt+F4", "Return", "Escape", "space", "alt+k", "alt+c")  # modal: all ignored
             self.assertTrue(wait_for(stage.trashed_bundle))
@@ -280,7 +280,7 @@ class DesktopTest(TestCase):
             self.assertEqual([line.split("?")[1] for line in store.requests],
                              ["f=getsubscription&subscriptionRef=DEMO-1001 200",
                               "f=deletesubscription&subscriptionRef=DEMO-1001 200"])
-            # A second start, from where the bundle lies now, leaves at once.
+            # A second start from the Trash exits immediately.
             for part in (plist, "Contents/Frameworks"):
                 (self.folder / pathlib.Path(part).name).rename(stage.trashed_bundle() / part)
             status, log, _ = stage.run(self.desktop, bundle=stage.trashed_bundle())
@@ -339,7 +339,7 @@ class DesktopTest(TestCase):
                 self.assertRegex(log, "interrupted while canceling the subscription\n$")
 
     def test_the_sheet_while_the_store_is_asked(self):
-        # Its spinner stands still, but is there, where no motion is wanted; quitting waits for no answer.
+        # With reduced motion the spinner is visible and stands still. Quitting does not wait for an answer.
         stage = self.make_stage()
         settings = stage.config / "glib-2.0/settings/keyfile"
         settings.parent.mkdir(parents=True)
@@ -361,7 +361,7 @@ class DesktopTest(TestCase):
         self.assertLess(pictures["false"], pictures["true"])  # which are twelve
 
     def test_a_refused_cancellation_opens_the_account_page(self):
-        # In a browser that stays open, and then over a session bus that stops answering.
+        # First with a browser that stays open, then with a session bus that stops answering.
         stage = self.make_stage(reference="DEMO-KEEP")
         kept, opened = self.folder / "kept", self.folder / "opened"
         shutil.copytree(stage.bundle, kept, symlinks=True)

@@ -1,4 +1,4 @@
-"""What is left when a system call of the removal fails, or the process is killed at one."""
+"""Tests the state that remains after a system call of the removal fails or the process is killed at it."""
 
 import contextlib
 import os
@@ -23,14 +23,14 @@ FAULTY = {name: ERRORS for name in (
 
 
 def traced(options, command, environment):
-    """A command run under strace, whose lines are in its standard error."""
+    """Runs a command under strace. The result's standard error contains strace's lines."""
     return subprocess.run(["strace", *options, "-o", "|cat >&2", *command], env=environment, text=True,
                           capture_output=True, check=False)
 
 
 def calls(command, environment, marker, end="exit_group"):
-    """The calls of a command from the first that names `marker` to the first that names `end`, each
-    as its name and its how manieth of that name it is."""
+    """Returns a command's system calls from the first with `marker` until the first with `end`. Each is a pair of its
+    name and its number among the calls of that name."""
     counts, result, isOwn = {}, [], False
     for line in traced([], command, environment).stderr.splitlines():
         name = line.split("(")[0]
@@ -44,9 +44,8 @@ def calls(command, environment, marker, end="exit_group"):
 
 
 def with_fault(command, environment, name, when, fault):
-    """The status of a command in which one call has a fault, or None when that killed it, whether the
-    fault happened, and what was logged. It does not happen if the call never comes: ext4 gives the same
-    small directory in more parts in one run of forty."""
+    """Runs a command with a fault at one call. Returns its status (None if the fault killed it), whether the fault
+    happened, and the log. A run may skip the call: in one of 40 runs, ext4 lists a small directory in more parts."""
     result = traced(["-qq", "-e", f"trace={name}", "-e", f"inject={name}:{fault}:when={when}"], command,
                     environment)
     if fault != KILL:
@@ -56,7 +55,7 @@ def with_fault(command, environment, name, when, fault):
 
 
 class RemovalCase(TestCase):
-    """A bundle with an uninstaller that is a bundle itself, in a home of their own."""
+    """Tests in their own home, with a bundle whose uninstaller is also a bundle."""
 
     def setUp(self):
         super().setUp()
@@ -87,12 +86,11 @@ class RemovalCase(TestCase):
         return self.note.read_text().count("ran") if self.note.exists() else 0
 
     def copies(self):
-        """What lies where a copy goes: in the first place, or where that cannot be had beside it or in
-        the next."""
+        """Returns the copies in all locations: the first one, its alternatives, and the next ones."""
         return [content(copy) for copy in self.folder.glob(f"home/*/{HELPER_DOMAIN}-*/Remove.app")]
 
     def prepare(self):
-        """The state before each round: no Trash yet, and a copy that an earlier launch left."""
+        """Restores the state before each round: the Trash is missing, and an earlier launch left a copy."""
         self.note.unlink(missing_ok=True)
         for folder in (self.bundle, self.folder / "home/.local",
                        *self.folder.glob(f"home/*/{HELPER_DOMAIN}-*")):
@@ -103,23 +101,22 @@ class RemovalCase(TestCase):
         (self.copy / "Contents/old").write_text("old")
 
     def assert_whole(self, status=None):
-        """The bundle is whole in one place, of which a `status` tells, and can be restored to the
-        first."""
+        """Checks that the bundle is complete, and either unmoved or in the Trash with its restore path. A `status`
+        must agree."""
         trash = next((folder for folder in [*self.folder.glob("home/.local/share/Trash"),
                                             *self.bundle.parent.glob(".Trash-*")]
                       if (folder / "files/Own.app").exists()), pathlib.Path("/none"))
-        places = [content(self.bundle), content(trash / "files/Own.app")]
-        self.assertIn(places, ([self.whole, None], [None, self.whole]))
+        unmoved, moved = content(self.bundle), content(trash / "files/Own.app")
+        self.assertIn((unmoved, moved), ((self.whole, None), (None, self.whole)))
         if status is not None:
-            self.assertEqual(places[0] is None, status == 0)
-        if places[0] is None:
+            self.assertEqual(unmoved is None, status == 0)
+        if unmoved is None:
             self.assertRegex((trash / "info/Own.app.trashinfo").read_text(), r"\nPath=\S*Own.app\n")
 
 
 class RemovalFaultsTest(RemovalCase):
     def with_each_fault(self, step, check):
-        """Runs a step with each fault at each of its calls; `check` takes the status, or None for a
-        step that was killed."""
+        """Runs a step with each fault at each of its calls. `check` gets the status, or None if the step was killed."""
         command = [STEP, step, str(self.bundle)]
         self.prepare()
         own = calls(command, self.environment, str(self.bundle))
@@ -144,7 +141,7 @@ class RemovalFaultsTest(RemovalCase):
             if status == 0:
                 self.assertEqual(whole, 1)
                 self.assertTrue(wait_for(self.ran))
-            elif status == 1:  # whole, or nothing of it
+            elif status == 1:  # the copy is complete or deleted
                 self.assertLessEqual({path for copy in self.copies() if copy != self.expected_copy
                                       for path, _, _ in copy}, {"Contents", "Contents/old"})
             elif whole:
@@ -171,7 +168,7 @@ class RemovalFaultsTest(RemovalCase):
 
 
 class MountsTest(RemovalCase):
-    """Runs itself again where it may mount."""
+    """Runs itself again in a namespace that allows mounts."""
 
     OWN_MOUNTS = ["unshare", "--mount", *(["--user", "--map-root-user"] if os.geteuid() else [])]
 
@@ -185,7 +182,7 @@ class MountsTest(RemovalCase):
                         capture_output=True)
 
     def mount_tmpfs(self, folder, size):
-        """Puts a file system of its own in place of a folder, with what was in it."""
+        """Replaces a directory by a file system with the same content."""
         shutil.move(folder, f"{folder}.old")
         folder.mkdir()
         self.mount("-t", "tmpfs", "-o", f"size={size}", "tmpfs", folder)
@@ -206,7 +203,7 @@ class MountsTest(RemovalCase):
         other = self.folder / "other"
         other.mkdir()
         self.mount("-t", "tmpfs", "tmpfs", other)
-        self.mount_tmpfs(self.bundle.parent, "8m")  # on which others can be laid
+        self.mount_tmpfs(self.bundle.parent, "8m")  # a possible lower layer of an overlay
         self.mount("-t", "overlay", "-o", f"lowerdir={self.bundle.parent}:{other},xino=on", "overlay",
                    self.bundle.parent)
         self.assertGreater(self.bundle.stat().st_ino, 2 ** 32)
@@ -280,7 +277,7 @@ class LastRunFaultsTest(TestCase):
         self.environment = self.stage.environment({"PATH": "/usr/bin"})
 
     def prepare(self, before, is_link):
-        """The state before a round: what the file holds, and what a killed writer left."""
+        """Restores the state before a round: the file's content, and the remains of a killed writer."""
         for path in self.stage.config.glob("*"):
             path.unlink()
         if before:
@@ -314,7 +311,7 @@ class LastRunFaultsTest(TestCase):
                         if not passes:
                             self.assertRegex(self.stored(), new)
                         status, log, _ = self.stage.run({"PATH": "/usr/bin"})
-                        self.assertEqual(status, 1 if passes else 0, log)  # 1: there is no display
+                        self.assertEqual(status, 1 if passes else 0, log)  # 1: the display is missing
                         self.assertRegex(self.stored(), new)
                         self.assertEqual(self.file.is_symlink(), is_link)
                         self.assertEqual({path.name for path in self.stage.config.glob("*")},

@@ -1,4 +1,4 @@
-"""What is shipped: hardened files, the store client for other programs, packages, and the demonstration."""
+"""Tests the shipped parts: hardened files, the installed store client, packages, and the demonstration."""
 
 import filecmp
 import hashlib
@@ -46,7 +46,7 @@ class HardeningTest(unittest.TestCase):
                 self.assertRegex(readelf("--dynamic", file), r"FLAGS.*NOW")
                 symbols = readelf("--dyn-syms", file)
                 self.assertIn("__stack_chk_fail", symbols)
-                if FRAMEWORKS.get(file.name) != "subscriptionHelperModule":  # which calls nothing that is checked
+                if FRAMEWORKS.get(file.name) != "subscriptionHelperModule":  # modules lack calls that could be checked
                     self.assertRegex(symbols, r"__\w+_chk@")
 
     def test_each_library_of_the_bundle_exports_one_name(self):
@@ -82,7 +82,7 @@ class InstallationTest(TestCase):
 
 class InstallerTest(TestCase):
     def package(self, name, version):
-        """A package of a version; without one, its program cannot be run."""
+        """Returns a package of a version. Without a version its program cannot run."""
         helper = self.folder / name / BUNDLE
         program = helper / "Contents/Linux/Subscription Helper"
         entry = helper / "Contents/Resources/share/applications/helper.desktop"
@@ -160,7 +160,7 @@ class PackagingTest(TestCase):
             '<svg xmlns="http://www.w3.org/2000/svg"><circle cx="9" cy="9" r="9"/></svg>')
 
     def brand(self, **changes):
-        """A brand file with some settings changed, or left out where None."""
+        """Writes a brand file with changed settings, without those set to None, and returns its path."""
         file = self.folder / "brand.cmake"
         file.write_text("".join(f'set(HELPER_{name} "{value}")\n'
                                 for name, value in (BRAND | changes).items() if value is not None))
@@ -188,7 +188,7 @@ class PackagingTest(TestCase):
                 ("TEXTS", "missing", "names a missing file"),
                 ("TEXTS", self.texts("German", "x"), "named by a language"),
                 ("TEXTS", self.texts("de", '"Leave" "x";'), "line 1: expected ';'"),
-                ("TEXTS", self.texts("de", '"Leave" = "x";'), "there is no text 'Leave'"),
+                ("TEXTS", self.texts("de", '"Leave" = "x";'), "unknown text 'Leave'"),
                 ("TEXTS", self.texts("de", '"Cancel your %@ subscription?" = "x?";'), "must have %@ as often"),
                 ("TEXTS", self.texts("de", '"&Keep Subscription" = "&Da";'), "the same mnemonic"),
                 ("ACCOUNT_PAGE", "ftp://globex.com/", "an http or https URL"),
@@ -206,13 +206,13 @@ class PackagingTest(TestCase):
                 self.assertIn(f"HELPER_{setting}", text)
 
     def texts(self, language, content):
-        """The name of a folder of texts beside the brand file."""
+        """Writes a directory of texts next to the brand file, and returns its name."""
         folder = pathlib.Path(tempfile.mkdtemp(dir=self.folder))
         (folder / f"{language}.strings").write_text(content)
         return folder.name
 
     def run_commands(self, *commands, environment=None):
-        """Runs commands, all of which must succeed; gives what the last one printed."""
+        """Runs commands, which must succeed, and returns the output of the last one."""
         for command in commands:
             result = subprocess.run(command, cwd=PROJECT, env=environment, check=False, text=True,
                                     capture_output=True)
@@ -220,7 +220,7 @@ class PackagingTest(TestCase):
         return result.stdout
 
     def package(self, name, host, *options):
-        """The package of a build of its own."""
+        """Builds a package in a new build directory, and returns its path."""
         build = self.folder / name
         brand = self.brand(STORE_HOST=host, LICENSE="license.txt", VERSION="3.1",
                            TEXTS=self.texts("en", '// "Product Name" = "";\n'
@@ -238,7 +238,7 @@ class PackagingTest(TestCase):
         self.assertTrue(LARGEST[what] * 0.8 < size < LARGEST[what], f"{what}: {size} MB")
 
     def check_licenses(self, contents):
-        """Each file that came from elsewhere is told with its licence, and its text is there."""
+        """Checks that each file from another project has a license in the list, and that its text exists."""
         folder = contents / "Resources/licenses"
         listed = json.loads((folder / "libraries.spdx.json").read_text())
         shipped = {f"./Contents/{file.relative_to(contents)}" for name in ("Frameworks", "PlugIns")
@@ -259,13 +259,13 @@ class PackagingTest(TestCase):
             self.assertEqual((result.returncode, message in result.stderr), (1, True), result.stderr)
 
     def check_libraries(self, process):
-        """What a desktop may lack is from the bundle, whatever the environment says."""
+        """Checks that libraries that a desktop may lack are loaded from the bundle, whatever the environment."""
         maps = pathlib.Path(f"/proc/{process.pid}/maps").read_text()
         self.assertRegex(maps, r"\.app/Contents/PlugIns/platforms/libqxcb\.so")
         self.assertNotRegex(maps, r"/usr/\S*/(qt6/|lib(Qt6|icu|curl|ssl|crypto|expat|uriparser|xcb-|OpenGL))")
 
     def check_fetch(self):
-        """The fetch works with the libcurl that is shipped, too."""
+        """Checks that a fetch works with the packaged libcurl."""
         build = self.folder / "one"
         self.run_commands(["cmake", "-D", "BUILD_TESTING=ON", build],
                           ["cmake", "--build", build, "--target", "base-test"])

@@ -23,7 +23,7 @@ ACTIVE = "<subscription><status>active</status></subscription>"
 
 
 def run(*words, given="", **options):
-    """Runs the program without a terminal, also where the tests have one."""
+    """Runs the program without a terminal, even if the tests have one."""
     result = subprocess.run([PROGRAM, *words], text=True, capture_output=True, input=given, check=False,
                             start_new_session=True, **options)
     return result.returncode, result.stdout, result.stderr
@@ -34,8 +34,8 @@ def references_of(store):
 
 
 class AnyStore(socketserver.ThreadingTCPServer):
-    """A store at the address of the build. `reply` gives the status and the body for a reference and the number of
-    the request on its connection, or None to close it."""
+    """A store at the address of the build. `reply` gets a reference and the number of the request on its connection.
+    It returns the status and the body, or None to close the connection."""
     allow_reuse_address = daemon_threads = True
 
     def __init__(self, reply):
@@ -67,7 +67,7 @@ class AnyStore(socketserver.ThreadingTCPServer):
 
 
 class Terminal:
-    """A program with a terminal of its own, and what it shows there."""
+    """A program with its own terminal, and the terminal's content."""
 
     def __init__(self, *words, given=None, **environment):
         self.shown = ""
@@ -84,7 +84,7 @@ class Terminal:
         os.write(self._screen, text.encode())
 
     def wait(self, text=None):
-        """Waits until the text is shown, or until the program ends."""
+        """Waits until the terminal shows the text or the program exits."""
         while text is None or text not in self.shown:
             if not select.select([self._screen], [], [], 60)[0]:
                 raise TimeoutError(f"{text} is not shown: {self.shown}")

@@ -1,4 +1,4 @@
-"""What the end-to-end tests share: the build under test, and stages that are cleared away."""
+"""Shared parts of the end-to-end tests: the build under test, and stages that are removed after each test."""
 
 import os
 import pathlib
@@ -15,14 +15,14 @@ LONG = os.environ.get("HELPER_LONG") == "ON"
 
 
 def content(folder):
-    """Everything below a folder, comparable; None when there is no such folder."""
+    """Returns the paths, modes and contents below a directory for comparison, or None if it is missing."""
     def entry(path):
-        what = None
+        data = None
         if path.is_symlink():
-            what = path.readlink()
+            data = path.readlink()
         elif path.is_file() and path.stat().st_mode & 0o400:  # a half copy may be unreadable
-            what = path.read_bytes()
-        return str(path.relative_to(folder)), path.lstat().st_mode, what
+            data = path.read_bytes()
+        return str(path.relative_to(folder)), path.lstat().st_mode, data
     return sorted(map(entry, folder.rglob("*"))) if folder.is_dir() else None
 
 
@@ -35,7 +35,7 @@ def as_ordinary_user(folder):
 
 
 class TestCase(unittest.TestCase):
-    """A test with a throw-away folder of its own."""
+    """A test with its own temporary directory."""
 
     def setUp(self):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="helper-endtoend-"))

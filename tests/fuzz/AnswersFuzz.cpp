@@ -1,4 +1,4 @@
-// Any answer gives a record without holes in its lists, none, or one of the two failures.
+// Checks that any answer gives null, one of the two failures, or a record with complete lists.
 #include "store/FastSpringOrderParser.h"
 #include "store/FastSpringSubscriptionParser.h"
 

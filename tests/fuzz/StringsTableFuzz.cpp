@@ -1,4 +1,4 @@
-// Whatever a table is read from, writing it down and reading it again gives the same table.
+// Checks that a table from any input stays the same after writing and reading it.
 #include "platform/StringsTable.h"
 
 #include <cstdlib>

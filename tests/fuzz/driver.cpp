@@ -1,5 +1,5 @@
-// Calls a fuzz target, which defines fuzz(): as libFuzzer wants it, or with each file of a folder
-// as a plain test. A fault is an abort, a sanitizer's report or an exception that leaves it.
+// Calls a fuzz target's fuzz() for libFuzzer, or as a plain test with each file of a directory. An
+// abort, a sanitizer's report and an uncaught exception are faults.
 #include "tests/support/TestHome.h"
 
 #include <cstddef>

@@ -25,7 +25,7 @@ class HelperUtilitiesTest : public testing::Test {
                                  uninstaller + "\";");
     }
 
-    /// Launches and gives the result with what was logged.
+    /// Launches the uninstaller and returns the result and the log.
     static std::pair<bool, std::string> launch() {
         testing::internal::CaptureStderr();
         const bool result = HelperUtilities::launchUninstaller();
@@ -81,7 +81,7 @@ TEST_F(HelperUtilitiesTest, TellHowALaunchEnded) {
     const test::TestBundle inner(bundle_.executable("pipe.app"));
     ASSERT_EQ(mkfifo((inner.path() / "Contents" / "pipe").c_str(), 0600), 0);
     const std::tuple<const char*, bool, std::string> rows[] = {
-        {"", true, ""}, // there is none to be started
+        {"", true, ""}, // the product lacks an uninstaller
         {"true", true, ""},
         {"missing", false, notFound + "(null)\n"},
         {"..", false, notFound + "(null)\n"},
@@ -104,7 +104,7 @@ TEST_F(HelperUtilitiesTest, TellHowALaunchEnded) {
             log.empty() ? "" : "] " + log);
         EXPECT_EQ(fs::exists(copies_ / name), *name == 't' || *name == 'n') << name;
     }
-    bundle_.withResource("Configuration.strings", "storeid = x;"); // the key stands for itself
+    bundle_.withResource("Configuration.strings", "storeid = x;"); // a missing key is its own value
     EXPECT_THAT(launch().second, HasSubstr(notFound + "(null)\n"));
 }
 
@@ -132,7 +132,7 @@ TEST_F(HelperUtilitiesTest, FollowNothingThatWasPutAtTheCopysPlace) {
 }
 
 TEST_F(HelperUtilitiesTest, ClearTheQuarantineMarkThroughTheShellUnescaped) {
-    // A quote ends the quoted path, and the shell interprets the rest: kept as it is.
+    // A quote in a path ends the quoted path, so the shell interprets the rest. This must stay.
     const auto words = (TestHome::path() / "words").native();
     HelperUtilities::clearQuarantineAttribute("/x'; tr '\\0' ' ' </proc/$$/cmdline >" + words +
                                               "; '");

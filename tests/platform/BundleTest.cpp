@@ -71,7 +71,7 @@ TEST_F(BundleTest, LooksTextsUpInTheOrderOfLanguages) {
     files.withResource("pt_BR.lproj/Localizable.strings", "\"Close\" = Fechar;");
     setenv("LC_ALL", "pt_PT@euro", 1);
     EXPECT_EQ(bundle->localizedString("Close"), "Fechar");
-    // A copy directly among the resources goes before every language, and is read anew.
+    // A table directly in Resources precedes every language, and each lookup reads it again.
     files.withResource("Localizable.strings", "\"Close\" = \"Any\";");
     EXPECT_EQ(bundle->localizedString("Close"), "Any");
 }

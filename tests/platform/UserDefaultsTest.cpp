@@ -115,7 +115,7 @@ TEST_F(UserDefaultsTest, DoWithoutAHome) {
 
 TEST(File, TellsWhyItCannotBeRead) {
     const std::tuple<const char*, std::size_t, std::errc> rows[] = {
-        {"/proc/self/mem", 100, std::errc::io_error}, // at its start there is nothing
+        {"/proc/self/mem", 100, std::errc::io_error}, // its first pages are unmapped
         {"/proc/self/cmdline", 1, std::errc::file_too_large},
         {"/dev/zero", 100, std::errc::not_supported},
         {"/no/such/file", 100, std::errc::no_such_file_or_directory},

@@ -38,7 +38,7 @@ TEST_F(WorkspaceTest, RecyclesEntriesWithARestorePath) {
         EXPECT_EQ(test::readFile(TestHome::trashedFile(name)), name);
         EXPECT_THAT(TestHome::trashInfo(name), HasSubstr("/folder/" + encoded + "\n"));
     }
-    // Too long for the name of its Trash entry: refused, whole.
+    // A name too long for its Trash entry fails and leaves the file unchanged.
     const std::string longest(255, 'n');
     test::writeFile(folder_ / longest, "x");
     EXPECT_EQ(workspace::moveToTrash(folder_ / longest), std::errc::filename_too_long);
@@ -56,7 +56,7 @@ TEST_F(WorkspaceTest, RecyclesALinkAsSuchAndNothingButAnEntryOfTheDirectory) {
     EXPECT_TRUE(fs::exists(folder_ / "inner" / "file"));
 }
 
-/// With an application of one's own for addresses.
+/// Tests with their own application for addresses.
 class OpenedAddress : public WorkspaceTest {
   protected:
     OpenedAddress() {
@@ -69,7 +69,7 @@ class OpenedAddress : public WorkspaceTest {
                         "[Desktop Entry]\nType=Application\nName=Opener\nExec=" + opener_.native() +
                             " %u\n");
         fs::remove(opened_);
-        setenv("DISPLAY", ":4711", 1); // xdg-open asks whether there is one
+        setenv("DISPLAY", ":4711", 1); // xdg-open needs one
     }
     void TearDown() override {
         fs::remove_all(applications_);
@@ -144,7 +144,7 @@ TEST_F(OpenedAddress, IsOpenedAgainOnlyIfTheFirstOpenerFoundNoApplication) {
         EXPECT_EQ(workspace::openURL("http://host/"), error) << commands;
         EXPECT_EQ(test::readFile(opened_), expected) << commands;
     }
-    // A child process that could not be waited for counts as started.
+    // A child process whose end cannot be observed counts as started.
     auto* const action = std::signal(SIGCHLD, SIG_IGN);
     testing::internal::CaptureStderr();
     EXPECT_EQ(workspace::openURL("http://host/"), kDone);
@@ -153,7 +153,7 @@ TEST_F(OpenedAddress, IsOpenedAgainOnlyIfTheFirstOpenerFoundNoApplication) {
 }
 
 TEST_F(OpenedAddress, StartsAProgramOnItsOwnLikeAFile) {
-    // Beyond 31 there are signals that the C library keeps for itself.
+    // The C library reserves signals above 31.
     haveOpenerRun("streams=$(readlink /proc/$$/fd/0 /proc/$$/fd/1 /proc/$$/fd/2)\n"
                   "signals() { echo $((0x$(grep $1 /proc/$$/status | cut -f2) & 0x7fffffff)); }\n"
                   "{ echo $streams $(signals SigBlk) $(signals SigIgn); env | grep ^LD_\n"

@@ -7,7 +7,7 @@
 namespace store {
 namespace {
 
-/// JSON without quotes and what is absent or false.
+/// Returns JSON without quotes and without absent or false values.
 std::string shortened(std::string text) {
     std::erase(text, '"');
     for (const std::string absent : {":null", ":false"}) {
@@ -24,7 +24,7 @@ std::string shortened(std::string text) {
     return text;
 }
 
-/// Everything that the answer sets; "(no record)", or the failure's name.
+/// Returns all values that the answer sets, "(no record)", or the failure's name.
 std::string outcomeOf(const std::string& answer) {
     try {
         const auto order = FastSpringOrderParser(answer).parseOrder();
@@ -61,7 +61,7 @@ TEST(OrderParser, AppendsTheCurrentRecordAtTheEndOfAContainerOrFails) {
          "{payments:[{total:2}]}"},
         {"<ORDERITEMS><OrderItem><Quantity>1</Quantity></OrderItem></ORDERITEMS>",
          "{orderItems:[{quantity:1}]}"},
-        // A line item that started before its container is the current one all the same.
+        // A line item that started before its container is still the current one.
         {"<orderItem><quantity>1</quantity></orderItem><orderItems/>",
          "{orderItems:[{quantity:1}]}"},
         {"<payment/><payments/>", "{payments:[{}]}"},
@@ -70,7 +70,7 @@ TEST(OrderParser, AppendsTheCurrentRecordAtTheEndOfAContainerOrFails) {
         {"<payments><payment>", "{payments:[]}"},
         {"<orderItems/>", "(invalid_argument)"},
         {kItems + "<orderItems/>", "(invalid_argument)"},
-        // The end of "payments" takes the line item away and leaves the payment.
+        // The end of "payments" resets the line item and keeps the payment.
         {"<orderItem/>" + kPayments + "<orderItems/>", "(invalid_argument)"},
         {kPayments + "<payments/>", "{payments:[{total:1}]}"},
         {kPayments + "<payments><total>7</total></payments>", "{payments:[{total:7}]}"},
@@ -102,7 +102,7 @@ TEST(OrderParser, TellsTheContextsApart) {
          "<dueDate>x</dueDate><referrer>r</referrer><sourceName>s</sourceName>"
          "<sourceKey>k</sourceKey><sourceCampaign>c</sourceCampaign><regionCustom>x</regionCustom>",
          "{}"},
-        // Within a line item a name of the order is the order's; one of the line item is its own.
+        // Within a line item, the order's element names still fill the order.
         {"<total>1</total><reference>A</reference><orderItems><orderItem><total>2</total>"
          "<reference>B</reference><productName>p</productName></orderItem></orderItems>",
          "{orderItems:[{productName:p}],reference:B,total:2}"},
@@ -124,7 +124,7 @@ TEST(OrderParser, ConvertsAndFailsLikeEveryParser) {
          "{shipping:18446744073709551611,tax:1,total:19}"},
         {"<total>abc</total><tax>99999999999999999999</tax>", "{tax:9223372036854775807,total:0}"},
         {"<test>TRUE</test><city> Berlin </city><region/>", "{city: Berlin ,isTest:true,region:}"},
-        // Containers leave the text that is being gathered alone.
+        // Containers do not reset the gathered text.
         {"<city>a<customer>b</customer></city>", "{city:ab}"},
         {"<city>a<order>b</order></city>", "{city:ab}"},
         {"<statusChanged>soonZ</statusChanged>", "{}"},

@@ -39,7 +39,7 @@ const std::pair<const char*, const char*> kDates[] = {
     {"2012-03-15Z", "2012-03-15T00:00:00Z"},
     {"Z2012-03-15", "2012-03-15T00:00:00Z"},
     {"2024-02-29T23:59:59Z", "2024-02-29T23:59:59Z"},
-    {"2026-03-29T02:30:00Z", "2026-03-29T02:30:00Z"}, // no such local time where clocks go ahead
+    {"2026-03-29T02:30:00Z", "2026-03-29T02:30:00Z"}, // skipped in European local time
     {"2023-02-29Z", kNone},
     {"Z", kNone},
     {"2012-03-15T08:30:00.5Z", kFails},
@@ -52,15 +52,15 @@ const std::pair<const char*, const char*> kDates[] = {
     {"2012-03-15T24:00:00Z", kNone},
     {"2012-03-15T08:30:60Z", kNone},
     {"2012-13-01Z", kNone},
-    {"2012-268-15T08:30:00Z", kNone}, // 268 and 271 would be 12 and 15 if they were cut to a byte
+    {"2012-268-15T08:30:00Z", kNone}, // 268 and 271 are 12 and 15 in their lowest byte
     {"2012-03-271T08:30:00Z", kNone},
     {"0000-01-01Z", kNone},
     {"2012-03-15T08:30:00ZZ", kNone},
-    // Of a longer fraction only the first three digits go; the rest lengthens the seconds.
+    // The digits of a fraction after the third extend the seconds.
     {"2012-03-15T08:30:00.00005Z", "2012-03-15T08:30:05Z"},
     {"2012-03-15T08:30:0.0005Z", "2012-03-15T08:30:05Z"},
     {"2012-03-15T08:30:00.99999999999999999999Z", kNone},
-    // Positions count UTF-16 code units: the point takes three of them with it.
+    // Three UTF-16 code units are removed together with the point.
     {"2012-03-15T08:30:00.\xc3\xa9"
      "12Z",
      "2012-03-15T08:30:00Z"},
@@ -113,7 +113,7 @@ TEST(DatesAndNumbers, AreReadTheSameInEveryTimeZoneAndLocale) {
         tzset();
         expectOutcomes(zone);
     }
-    // With a comma for a point; with two kinds of i; with digits of its own.
+    // Locales with a decimal comma, with two kinds of i, and with their own digits.
     setenv("LOCPATH", TEST_LOCALES, 1);
     for (const char* name : {"de_DE.UTF-8", "tr_TR.UTF-8", "fa_IR.UTF-8"}) {
         std::locale::global(std::locale(name));

@@ -16,8 +16,8 @@ TEST(SubscriptionParser, LeavesOutWhatIsNotThere) {
     EXPECT_FALSE(parsed("<subscription/>")->isCancelable);
 }
 
-/// An answer, and the status of the record it gives: "(none)" for an absent one, "(no record)"
-/// without a record, "(fails)" for a date that cannot be read.
+/// An answer and the status of its record. "(none)" stands for an absent status, "(no record)" for
+/// an absent record, "(fails)" for an unreadable date.
 struct Row {
     const char* answer;
     const char* status;
@@ -46,7 +46,7 @@ TEST(SubscriptionParser, TakesEachFieldByItsNameAlone) {
         {"<subscription><status>a<![CDATA[b]]>c</status></subscription>", "ac"},
         {"<subscription><status>a<i>inner</i>tail</status></subscription>", "inner"},
         {"<subscription><status>a<i/>tail</status></subscription>", ""},
-        // The record's own start leaves the text that is being gathered alone.
+        // The start of a record does not reset the gathered text.
         {"<status>a<subscription/>b</status>", "a"},
         {"<subscription><status>x</status><cut", "x"},
         {"<HtMl><subscription><status>x</status></subscription></HtMl>", "(none)"},

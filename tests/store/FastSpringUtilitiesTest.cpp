@@ -27,7 +27,7 @@ TEST_F(Requests, AreSentWithTheReferenceAsItStands) {
     EXPECT_TRUE(FastSpringUtilities::subscriptionForStore(std::nullopt, "A&f=x%20"));
     EXPECT_TRUE(FastSpringUtilities::subscriptionForStore("", ""));
     EXPECT_TRUE(FastSpringUtilities::cancelSubscriptionForStore("", "ABC123"));
-    EXPECT_FALSE(FastSpringUtilities::orderForStore("one", "O&1")); // a subscription, no order
+    EXPECT_FALSE(FastSpringUtilities::orderForStore("one", "O&1")); // answered by a subscription
     const std::string order = "/fastspring.php?f=getorder&orderRef=O&1";
     EXPECT_THAT(server.targets(),
                 ElementsAre(get + "ABC123", get + "A&f=x%20", get,
@@ -42,7 +42,7 @@ TEST_F(Requests, AreNotSentWithoutWhatTheyNeed) {
     EXPECT_FALSE(FastSpringUtilities::cancelSubscriptionForStore("acme", std::nullopt));
     EXPECT_FALSE(FastSpringUtilities::orderForStore(std::nullopt, "ORDER"));
     EXPECT_FALSE(FastSpringUtilities::orderForStore("acme", std::nullopt));
-    // No URL can be made of these.
+    // These references make invalid URLs.
     EXPECT_FALSE(FastSpringUtilities::subscriptionForStore("acme", "two words"));
     EXPECT_FALSE(FastSpringUtilities::cancelSubscriptionForStore("acme", "50%"));
     EXPECT_THAT(server.targets(), IsEmpty());

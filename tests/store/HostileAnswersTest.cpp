@@ -1,4 +1,4 @@
-// Answers that were made to do harm: each ends soon, in little memory, also on a small stack.
+// Tests malicious answers: each must be read in little time and memory, and on a small stack.
 #include "store/FastSpringOrderParser.h"
 
 #include "store/FastSpringSubscriptionParser.h"
@@ -15,10 +15,10 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::size_t kMiB = std::size_t{1} << 20U; // as much as is taken from the network
+constexpr std::size_t kMiB = std::size_t{1} << 20U; // the limit of a fetch
 constexpr std::size_t kStack = (test::kIsSanitized ? 4096 : 512) * std::size_t{1024};
 
-/// A name of its own, three letters long, for each number.
+/// Returns a distinct name of three letters for each number.
 std::string name(std::size_t number) {
     constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
     std::string text;
@@ -29,7 +29,7 @@ std::string name(std::size_t number) {
     return text;
 }
 
-/// `text` with the name of a number for "@" and that of the number before it for "~".
+/// Returns `text` with "@" replaced by the number's name, and "~" by the preceding number's name.
 std::string numbered(const std::string& text, std::size_t number) {
     std::string result;
     for (const char character : text) {
@@ -48,8 +48,8 @@ std::string repeated(const std::string& text, std::size_t count) {
     return result;
 }
 
-/// What a document consists of: `unit` over and over, as numbered() has it; in `head` "@" stands
-/// for the name before the first, in `tail` for the last.
+/// The parts of a document: `head`, then `unit` many times as numbered() returns it, then `tail`.
+/// "@" in `head` stands for the name before the first unit's, in `tail` for the last name.
 struct Unit {
     const char* what;
     std::string head;
@@ -66,7 +66,7 @@ struct Unit {
     }
 };
 
-/// The least time of some rounds in which a document is read.
+/// Returns the shortest time of several rounds of reading a document.
 template <class Read>
 std::chrono::nanoseconds leastTimeOf(Read read) {
     auto least = std::chrono::nanoseconds::max();
@@ -81,17 +81,17 @@ std::chrono::nanoseconds leastTimeOf(Read read) {
     return least;
 }
 
-/// That of the parser which takes longer.
+/// Returns the time of the slower parser.
 std::chrono::nanoseconds timeOf(const std::string& document) {
     return std::max(
         leastTimeOf([&] { return FastSpringSubscriptionParser(document).parseSubscription(); }),
         leastTimeOf([&] { return FastSpringOrderParser(document).parseOrder(); }));
 }
 
-/// @return the time for 1 MiB of it.
+/// @return the time for 1 MiB of the unit.
 std::chrono::nanoseconds expectLinear(const Unit& unit) {
     SCOPED_TRACE(unit.what);
-    // Of sizes at which the tables of names still fit the processor's caches.
+    // Compare sizes for which the tables of names fit the processor's caches.
     const auto small = timeOf(unit.document(kMiB / 32));
     const auto large = timeOf(unit.document(kMiB / 8));
     const auto largest = timeOf(unit.document(kMiB));

@@ -12,7 +12,7 @@
 namespace test {
 namespace {
 
-/// Sends until the client goes, or until the server shuts the connection down.
+/// Sends the bytes. Stops if the client closes or the server shuts the connection down.
 bool sendAll(int client, std::string_view bytes, int pause) {
     while (!bytes.empty()) {
         const auto sent = ::send(client, bytes.data(), pause > 0 ? 1 : bytes.size(), MSG_NOSIGNAL);
@@ -56,7 +56,7 @@ LoopbackServer::LoopbackServer(const Reply& reply)
     : LoopbackServer([reply](const std::string& /*target*/) { return reply; }) {}
 
 LoopbackServer::~LoopbackServer() {
-    ::shutdown(listener_, SHUT_RDWR); // ends accept(), and the next what is done for a client
+    ::shutdown(listener_, SHUT_RDWR); // ends accept(). The next call ends the client's connection.
     ::shutdown(client_, SHUT_RDWR);
     thread_.join();
     ::close(listener_);

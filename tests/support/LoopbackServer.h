@@ -9,23 +9,23 @@
 
 namespace test {
 
-/// What the server sends once it has read a request's head.
+/// The server's reply to a request.
 struct Reply {
     enum class End { Close, Reset, Silence, NextRequest };
 
-    std::string bytes;           ///< sent as they are, a status line included
-    End end = End::Close;        ///< what follows; silence lasts until the client goes, and
-                                 ///< the next request comes on the same connection
-    bool repeatsForever = false; ///< sends the bytes again and again until the client goes
-    int pause = 0;               ///< milliseconds between two bytes; 0 sends all at once
+    std::string bytes;           ///< Sent unchanged, with the status line.
+    End end = End::Close;        ///< The end after the bytes. Silence lasts until the client
+                                 ///< closes. NextRequest keeps the connection.
+    bool repeatsForever = false; ///< Repeat the bytes until the client closes.
+    int pause = 0;               ///< Milliseconds between two bytes, or 0 to send all at once.
 };
 
-/// A whole, well-behaved HTTP answer.
+/// Returns a complete and valid HTTP answer.
 [[nodiscard]] Reply httpReply(const std::string& body, const std::string& status = "200 OK",
                               const std::string& headers = "");
 
-/// A server on a free port of the loopback interface that sends what it is told to, byte for byte,
-/// to one client after the other, each with a new connection.
+/// A server on a free port of the loopback interface. Serves one client after the other, each with
+/// a new connection, and sends the given replies byte for byte.
 class LoopbackServer {
   public:
     using Handler = std::function<Reply(const std::string& target)>;
@@ -38,7 +38,7 @@ class LoopbackServer {
 
     [[nodiscard]] int port() const { return port_; }
     [[nodiscard]] std::string url(const std::string& target = "/") const;
-    /// The targets of the requests so far, and their whole heads.
+    /// Return the targets of the requests so far, and their whole heads.
     [[nodiscard]] std::vector<std::string> targets() const;
     [[nodiscard]] std::vector<std::string> heads() const;
 

@@ -8,21 +8,21 @@
 
 namespace test {
 
-/// Sanitizers take memory, stack and time of their own, so that no limit on these can be checked.
+/// True under sanitizers, which need so much memory, stack and time that tests skip their limits.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 inline constexpr bool kIsSanitized = true;
 #else
 inline constexpr bool kIsSanitized = false;
 #endif
 
-/// The most memory that this process has had so far, in bytes.
+/// Returns the peak resident memory of this process in bytes.
 [[nodiscard]] inline std::size_t peakMemory() {
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
     return static_cast<std::size_t>(usage.ru_maxrss) * 1024;
 }
 
-/// The processor time that this thread has taken so far.
+/// Returns the processor time of this thread.
 [[nodiscard]] inline std::chrono::nanoseconds threadTime() {
     timespec time{};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);

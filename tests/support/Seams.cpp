@@ -1,5 +1,4 @@
-// The test programs' own definitions of the two functions that say which bundle a process belongs
-// to and where the store service is.
+// The test programs' definitions of two functions: the main bundle and the store service's URL.
 #include "platform/Bundle.h"
 #include "store/ScriptURL.h"
 #include "tests/support/TestHome.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-/// What nearly every test uses.
+/// The includes and names that nearly every test needs.
 #include "tests/support/TestHome.h" // IWYU pragma: export
 
 #include <algorithm>

@@ -14,7 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Made once and removed when the process ends.
+/// A temporary directory, removed when the process exits.
 struct Directory {
     Directory() {
         std::string name = (fs::temp_directory_path() / "helper-test-XXXXXX").native();
@@ -43,7 +43,7 @@ TestHome::TestHome() {
     setenv("XDG_DATA_HOME", (home / "data").c_str(), 1);
     setenv("XDG_CACHE_HOME", (home / "cache").c_str(), 1);
     setenv("TMPDIR", (home / "tmp").c_str(), 1);
-    setenv("BROWSER", "false", 1); // no browser of this machine
+    setenv("BROWSER", "false", 1); // prevents starting this machine's browser
     for (const char* proxy : {"http_proxy", "HTTP_PROXY", "ALL_PROXY", "all_proxy"}) {
         unsetenv(proxy);
     }

@@ -7,9 +7,9 @@
 
 namespace test {
 
-/// A throw-away home of the test process with an own configuration, data (so an own Trash) and
-/// temporary directory. It is one for the whole process, as the system's libraries read their
-/// settings once; it is removed at exit.
+/// A temporary home of the test process, with its own configuration, data, Trash and temporary
+/// directory. The whole process has one home, because the system's libraries read their settings
+/// once. It is removed at exit.
 class TestHome {
   public:
     TestHome();
@@ -17,20 +17,20 @@ class TestHome {
     [[nodiscard]] static const std::filesystem::path& path();
     [[nodiscard]] static std::filesystem::path trashedFile(const std::string& name);
     [[nodiscard]] static std::string trashInfo(const std::string& name);
-    /// The directory that the uninstaller's copy goes to.
+    /// Returns the directory for the uninstaller's copy.
     [[nodiscard]] static std::filesystem::path temporaryDirectory();
 };
 
-/// A real application bundle, made anew below the test home, with an executable of its own name.
+/// A new application bundle below the test home, with an executable of the bundle's name.
 class TestBundle {
   public:
     /// @param path the bundle's directory, with its `.app`.
     explicit TestBundle(std::filesystem::path path);
 
-    /// Makes it, as it is now, the main bundle of this process. Before other threads run.
+    /// Makes the present state of the bundle the main bundle. Call it before other threads run.
     void asMainBundle() const;
     void withResource(const std::string& name, std::string_view content) const;
-    /// A script among the auxiliary executables.
+    /// Adds a script to the auxiliary executables.
     void withScript(const std::string& name, std::string_view commands) const;
 
     [[nodiscard]] const std::filesystem::path& path() const { return path_; }
@@ -40,19 +40,19 @@ class TestBundle {
     std::filesystem::path path_;
 };
 
-/// What the process's executable is taken to be: the bundle around it, if there is one, becomes the
-/// main bundle.
+/// Sets the path that the process takes for its executable. A bundle around it becomes the main
+/// bundle.
 void setExecutablePath(const std::filesystem::path& path);
-/// The store service that requests go to, by the port of a fixture server on loopback.
+/// Sends requests to the fixture server on this loopback port.
 void setStorePort(int port);
 
-/// Writes a file, with the directories around it.
+/// Writes a file, and creates the directories above it.
 void writeFile(const std::filesystem::path& path, std::string_view content,
                bool executable = false);
 [[nodiscard]] std::string readFile(const std::filesystem::path& path);
-/// Waits, for at most ten seconds, until the condition holds; whether it does.
+/// Waits up to ten seconds until the condition holds. Returns whether it does.
 [[nodiscard]] bool becomesTrue(const std::function<bool()>& condition);
-/// The same for a file that is to be there.
+/// Waits up to ten seconds until the file exists. Returns whether it does.
 [[nodiscard]] bool appears(const std::filesystem::path& path);
 
 } // namespace test

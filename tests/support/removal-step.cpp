@@ -1,6 +1,5 @@
-// Carries out one step of the removal, or checks whether the bundle can go to the Trash:
-// `removal-step launch|check|trash BUNDLE`, where BUNDLE takes the place of the program's own
-// bundle.
+// Runs one step of the removal with BUNDLE as the main bundle: `removal-step launch|check|trash
+// BUNDLE`. "check" checks that the bundle can be moved to the Trash.
 #include "housekeeping/HelperUtilities.h"
 #include "platform/Desktop.h"
 #include "tests/support/TestHome.h"
