@@ -73,10 +73,10 @@ class Bench:
         medians = self.times(300, [{"argv": [stage.program()]},
                                    {"argv": [self.program("bench/empty")]},
                                    {"argv": [linked]}], environment=environment)
-        self.compare(1, "a throttled start", "an empty C++ program", 1.25, medians)
-        self.compare(2, "a throttled start", "the same with everything linked", 0.15, medians, 2)
+        self.compare(1, "throttled start", "empty C++ program", 1.25, medians)
+        self.compare(2, "throttled start", "helper that links all libraries", 0.15, medians, 2)
         loop = 'i=0; while [ $i -lt 1000 ]; do "$0"; i=$((i + 1)); done'
-        self.compare(15, "a thousand throttled starts in a loop", "an empty program", 1.0, self.times(
+        self.compare(15, "1,000 throttled starts in a shell loop", "empty C++ program", 1.0, self.times(
             5, [{"argv": ["sh", "-c", loop, program]} for program in (stage.program(), self.program("bench/empty"))],
             environment=environment))
 
@@ -85,7 +85,7 @@ class Bench:
         minimal, title = self.program("bench/minimal-window"), "minimal-window"
         stages = {"": Stage(self.build, self.folder / "window")}
         if self.package:
-            stages[" of the package"] = Stage(self.package, self.folder / "package")
+            stages[", package"] = Stage(self.package, self.folder / "package")
         environment = next(iter(stages.values())).environment(environment)
 
         def helper(stage, first=""):
@@ -107,19 +107,19 @@ class Bench:
                                       {"argv": ["zenity", "--info", "--text", "Some text"]}], "mapped", environment)
             peer = memory_of(minimal, title)
             for (kind, stage), time_, bar, memory_bar in zip(stages.items(), medians, (1.4, 1.2), (1.37, 1.22)):
-                what = f"start until the window is mapped{kind}"
-                self.compare(3, what, "a minimal Qt window", bar, (time_, medians[-2]))
+                what = f"start until the window appears{kind}"
+                self.compare(3, what, "minimal Qt window", bar, (time_, medians[-2]))
                 stage.forget_last_run()
-                self.compare(13, f"resident memory with the window{kind}", "a minimal Qt window", memory_bar,
+                self.compare(13, f"resident memory with the window{kind}", "minimal Qt window", memory_bar,
                              (memory_of(stage.program(), stage.brand["productName"], stage), peer), unit="MiB")
-            self.compare(4, "start until the window is mapped", "zenity --info", 1.0, (medians[0], medians[-1]))
+            self.compare(4, "start until the window appears", "zenity --info", 1.0, (medians[0], medians[-1]))
             if os.geteuid() == 0 and not self.quick:  # no one else may
                 drop = "; sync; echo 3 >/proc/sys/vm/drop_caches"
                 first = self.times(7, [*(helper(stage, drop) for stage in stages.values()),
                                        {"argv": [minimal], "prepare": ["sh", "-c", "true" + drop]}],
                                    "mapped", environment)
                 for kind, time_ in zip(stages, first):
-                    self.compare(19, f"first start after the caches are dropped{kind}", "a minimal Qt window", None,
+                    self.compare(19, f"start after the caches are dropped{kind}", "minimal Qt window", None,
                                  (time_, first[-1]))
 
     def instructions(self, environment):
@@ -138,7 +138,7 @@ class Bench:
             wait_for(lambda: dump.exists() and "\ntotals: " in dump.read_text(), 60)
             end(process)
         count = int(dump.read_text().split("\ntotals: ")[1].split()[0]) / 1e6
-        self.add("3b", "millions of instructions until the window is mapped", "a number", 115, count)
+        self.add("3b", "million instructions until the window appears", "", 115, count)
         if count > MOST_INSTRUCTIONS:
             sys.exit(f"bench: {count:.1f} million instructions until the window, more than {MOST_INSTRUCTIONS}")
 
@@ -154,13 +154,13 @@ class Bench:
             time.sleep(1)
             before = of_threads(process.pid, wakeups)
             time.sleep(seconds)
-            self.add(16, "wakeups a second of the waiting window", "a number", 0,
+            self.add(16, "wakeups per second of the idle window", "", 0,
                      (of_threads(process.pid, wakeups) - before) / seconds)
             window.press_remove()
             time.sleep(1)
             before = of_threads(process.pid, processor_time)
             time.sleep(seconds)
-            self.add(16, "percent of a core with the spinner", "a number", 0.5,
+            self.add(16, "percent of a core while the spinner turns", "", 0.5,
                      (of_threads(process.pid, processor_time) - before) / seconds / 1e7)
             end(process)
 
@@ -170,7 +170,7 @@ class Bench:
         subprocess.run([self.program("tests/store-test"), "--gtest_filter=HostileAnswers.*",
                         f"--gtest_output=json:{file}"], stdout=subprocess.DEVNULL, check=False)
         worst = json.loads(file.read_text())["testsuites"][0]["testsuite"][0]["worst"]
-        self.add(17, "milliseconds for the worst answer of 1 MiB", "a number", 100, int(worst) / 1000)
+        self.add(17, "milliseconds for the slowest answer of 1 MiB", "", 100, int(worst) / 1000)
 
     def sizes(self):
         """Row 18."""
@@ -178,8 +178,8 @@ class Bench:
         bundle = self.package / "Subscription Helper.app"
         files = [file for file in bundle.rglob("*") if file.is_file()]
         for what, size in (("packed", package.stat().st_size), ("unpacked", sum(file.stat().st_size for file in files)),
-                           ("its process entry", (bundle / "Contents/Linux/Subscription Helper").stat().st_size)):
-            self.add(18, f"the package, {what}, in MB", "a number", None, size / 1e6)
+                           ("process entry", (bundle / "Contents/Linux/Subscription Helper").stat().st_size)):
+            self.add(18, f"size of the package in MB, {what}", "", None, size / 1e6)
 
     def reading(self):
         """Rows 5, 6, 7 and 8."""
@@ -197,18 +197,18 @@ class Bench:
                 if name.startswith("size/"):
                     per_byte.setdefault(name, []).append(1e9 / run["bytes_per_second"])
         medians = {name: statistics.median(times) for name, times in rounds.items()}
-        for size, what in (("usual", "an answer of 0.7 KB"), ("large", "an answer of 12 MB")):
+        for size, what in (("usual", "reading an answer of 0.7 KB"), ("large", "reading an answer of 12 MB")):
             for number, bars, peer, against in (
-                    (5, (1.0, 1.1), "expat", "bare expat"), (6, (0.45, 0.3), "qt", "QXmlStreamReader"),
-                    (6, (0.75, 0.35), "libxml2", "libxml2 tree"), (6, (1.05, 0.5), "tinyxml2", "tinyxml2 tree")):
+                    (5, (1.0, 1.1), "expat", "expat with empty handlers"), (6, (0.45, 0.3), "qt", "QXmlStreamReader"),
+                    (6, (0.75, 0.35), "libxml2", "libxml2, tree"), (6, (1.05, 0.5), "tinyxml2", "tinyxml2, tree")):
                 self.compare(number, what, against, bars[size == "large"],
                              (medians[f"{size}/ours"], medians[f"{size}/{peer}"]), unit="us")
         costs = [statistics.median(values) for values in per_byte.values()]
-        self.compare(7, "a byte of the size from 1 KB to 100 MB where it costs most", "where it costs least", 1.5,
+        self.compare(7, "time per byte, slowest size from 1 KB to 100 MB", "fastest size", 1.5,
                      (max(costs), min(costs)), unit="ns")
-        self.compare(8, "a look-up on loopback", "bare libcurl and expat", 1.05,
+        self.compare(8, "lookup on loopback", "libcurl and expat alone", 1.05,
                      (medians["lookup/ours"], medians["lookup/bare"]), unit="us")
-        self.compare(8, "its system calls", "bare libcurl and expat", 1.0,
+        self.compare(8, "system calls of a lookup", "libcurl and expat alone", 1.0,
                      (self.calls_of("ours"), self.calls_of("bare")), unit="calls")
 
     def calls_of(self, name):
@@ -228,7 +228,7 @@ class Bench:
         file.write_text("<list>\n" + SUBSCRIPTION * count + "</list>\n")
         large, peak = self.output_of("bench/peak-memory", file)
         file.unlink()
-        self.add(7, f"peak memory while reading {large / 1e6:.0f} MB", "the answer's size", 1.1,
+        self.add(7, f"peak memory while reading {large / 1e6:.0f} MB", "size of the answer", 1.1,
                  peak / large, f"{peak / 1e6:.0f} MB / {large / 1e6:.0f} MB")
 
     def storectl(self):
@@ -266,7 +266,7 @@ class Bench:
         environment = stage.environment()
         temporary = stage.home / "tmp" / f"{stage.brand['identifier']}-{os.geteuid()}"
         files = 50 if self.quick else 5000
-        for what, name in (("a file of 256 MiB", "large"), (f"{files} small files", "Small.app")):
+        for what, name in (("256 MiB", "large"), (f"{files} small files", "Small.app")):
             bundle = stage.home / name / "Own.app"
             contents = bundle / "Contents"
             source = contents / "Linux" / name
@@ -290,21 +290,21 @@ class Bench:
                 {"argv": [step, "launch", stage.home / "nothing"]},
                 {"argv": ["cp", "-a", source, copy], "prepare": ["rm", "-rf", str(copy)]},
                 {"argv": ["cp", "--version"]}], environment=environment)
-            self.compare(10, f"launchUninstaller's copy: {what}", "cp -a", 1.1,
+            self.compare(10, f"copying an uninstaller of {what}", "cp -a", 1.1,
                          (launch - start, peer - peer_start))
-        self.compare(11, "a move to the Trash", "g_file_trash", 1.1,
+        self.compare(11, "moving a bundle to the Trash", "g_file_trash", 1.1,
                      self.output_of("bench/trash", 2 if self.quick else 300), unit="us")
 
     def event_loop(self, environment):
         """Rows 12 and 14."""
         gaps, clicks = zip(*(self.output_of("bench/event-loop", environment=environment)
                              for _ in range(1 if self.quick else 9)))
-        for number, what, times in ((12, "longest gap of the event loop in a removal", gaps),
-                                    (14, "click until the sheet is painted", clicks)):
+        for number, what, times in ((12, "longest pause of the event loop in a removal", gaps),
+                                    (14, "click until the progress sheet is painted", clicks)):
             self.compare(number, what, "one frame", 1.0, (statistics.median(times) / 1000, 16.0))
 
     def table(self):
-        print("| # | what | against | to reach | measured | | medians |")
+        print("| # | measurement | compared with | target | result | | medians |")
         print("|---|---|---|---|---|---|---|")
         for number, what, against, bar, ratio, detail in sorted(
                 self.rows, key=lambda row: (int(str(row[0]).strip("b")), str(row[0]))):
