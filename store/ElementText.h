@@ -9,12 +9,12 @@
 
 namespace store {
 
-/// The text of an element as it is gathered, and the values that it is read as. A date and a number
-/// are worked out once for a text: the ends of 256 nested elements may ask for that of one text of
-/// 1 MiB. For one thread at a time.
+/// The gathered text of an element, and its values. A date and a number are converted once for each
+/// text, because the ends of 256 nested elements can request the value of one text of 1 MiB. For
+/// one thread at a time.
 class ElementText {
   public:
-    /// Begins a new, empty text in the memory of the one before.
+    /// Starts a new, empty text and keeps the memory of the last one.
     void clear() {
         text_.clear();
         forgetValues();
@@ -24,19 +24,20 @@ class ElementText {
         forgetValues();
     }
 
-    /// The text so far; valid until it is changed.
+    /// Returns the text so far, valid until the next change.
     [[nodiscard]] const std::string& text() const { return text_; }
-    /// Returns the text's date by `read`, with the exceptions that `read` throws.
-    /// @param read takes the text as a std::string_view and returns a Date, always in one way.
+    /// Returns the text's date by `read`, and passes on its exceptions.
+    /// @param read takes the text as a std::string_view and returns a Date. Equal texts must give
+    /// equal dates.
     template <class Reader>
     [[nodiscard]] const Date& date(const Reader& read) {
         return date_ ? *date_ : date_.emplace(read(text_));
     }
-    /// As numberFromText().
+    /// Returns the text's number by numberFromText().
     [[nodiscard]] std::uint64_t number() {
         return number_ ? *number_ : number_.emplace(numberFromText(text_));
     }
-    /// As flagFromText().
+    /// Returns the text's flag by flagFromText().
     [[nodiscard]] bool flag() const { return flagFromText(text_); }
 
   private:

@@ -2,8 +2,8 @@
 
 namespace store {
 
-/// The common base of all store records: plain value holders, filled by a parser and shared by it
-/// and the caller. They are not synchronised; the parser changes nothing once it has returned one.
+/// The common base of all store records. A record contains plain values, filled by a parser and
+/// shared with its caller. Access is not synchronized. The parser never changes a returned record.
 struct FastSpringItem {};
 
 } // namespace store

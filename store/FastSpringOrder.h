@@ -26,24 +26,24 @@ struct FastSpringPaymentItem : FastSpringItem {
     Number total;           ///< amount of the payment, in whole units
 };
 
-/// One order as the store service describes it. Every field is as sent: nothing is computed,
-/// validated or normalised. Amounts are in whole units; a negative one sent comes out as 2^64
-/// plus it. No entry of a list is ever null. It holds one postal address, not one per person.
+/// One order, with every field as the store service sent it, neither validated nor normalized.
+/// Amounts are in whole units. A negative amount is stored as 2^64 plus the amount. Entries of
+/// lists are never null. The order contains one postal address, not one per person.
 struct FastSpringOrder : FastSpringItem {
     Text reference;                       ///< the order's reference at the store service
-    Text status;                          ///< its status, without a meaning given to it here
+    Text status;                          ///< its status, which this client does not interpret
     Date statusChangedDate;               ///< when the status last changed
     bool isTest = false;                  ///< whether the store service marks it as a test
-    Date dueDate;                         ///< due date; for callers, no answer fills it
+    Date dueDate;                         ///< due date (for callers, always absent)
     Text currency;                        ///< currency of the amounts
-    Text referrer;                        ///< referrer recorded for the sale; for callers
+    Text referrer;                        ///< referrer recorded for the sale (for callers)
     Text originIP;                        ///< network address the order was placed from
     Number total;                         ///< order total
     Number tax;                           ///< tax amount
     Number shipping;                      ///< shipping amount
-    Text sourceName;                      ///< source name recorded for the sale; for callers
-    Text sourceKey;                       ///< source key recorded for the sale; for callers
-    Text sourceCampaign;                  ///< source campaign recorded for the sale; for callers
+    Text sourceName;                      ///< source name recorded for the sale (for callers)
+    Text sourceKey;                       ///< source key recorded for the sale (for callers)
+    Text sourceCampaign;                  ///< source campaign of the sale (for callers)
     Text customerFirstName;               ///< customer's first name
     Text customerLastName;                ///< customer's last name
     Text customerCompany;                 ///< customer's company
@@ -58,11 +58,11 @@ struct FastSpringOrder : FastSpringItem {
     Text addressLine2;                    ///< second address line
     Text city;                            ///< city
     Text region;                          ///< region or state
-    Text regionCustom;                    ///< free-form region; for callers, no answer fills it
+    Text regionCustom;                    ///< free-form region (for callers, always absent)
     Text postalCode;                      ///< postal code
     Text country;                         ///< country
-    List<FastSpringOrderItem> orderItems; ///< the line items; absent without their container
-    List<FastSpringPaymentItem> payments; ///< the payments; absent without their container
+    List<FastSpringOrderItem> orderItems; ///< the line items, absent without their container
+    List<FastSpringPaymentItem> payments; ///< the payments, absent without their container
 };
 
 template <>

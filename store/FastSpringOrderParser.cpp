@@ -19,7 +19,8 @@ constexpr ElementTable kPurchaserElements{kFields<Order>, "purchaser/"};
 constexpr ElementTable kItemElements{kFields<Item>};
 constexpr ElementTable kPaymentElements{kFields<Payment>};
 
-/// Appends the current record to a list that exists.
+/// Appends the current record to a list, if the list exists.
+/// @throws std::invalid_argument if the record is null.
 template <class Record>
 void append(List<Record>* list, const std::shared_ptr<Record>& record) {
     if (list == nullptr || !*list) {
@@ -66,7 +67,7 @@ constexpr Parser::Container Parser::kContainers[] = {
      },
      [](Parser& parser) {
          append(parser.order ? &parser.order->payments : nullptr, parser.payment);
-         // The line item and not the payment: a further container takes that payment up again.
+         // Reset the line item instead of the payment. A further container continues the payment.
          parser.orderItem.reset();
          parser.isPayments_ = false;
      }},
@@ -97,7 +98,7 @@ void FastSpringOrderParser::endElement(std::string_view elementName, ElementText
     }
 }
 
-/// Looks the element up in the tables of the present context, the narrowest first.
+/// Looks the element up in the tables of the current context, from the narrowest to the widest.
 void FastSpringOrderParser::storeField(std::string_view elementName, ElementText& text) {
     const auto& contacts = isPurchaser_ ? kPurchaserElements : kCustomerElements;
     static_cast<void>(

@@ -8,22 +8,20 @@
 
 namespace store {
 
-/// Turns one answer of the store service into an order with its line items and payments.
+/// A parser for an answer with an order, its line items and its payments.
 ///
-/// Only the end of a container ("orderitems", "payments") appends to its list, and only the record
-/// that is current then, so of several line items or payments in one container the last is kept.
+/// Only the end of a container ("orderitems", "payments") appends to its list, and it appends only
+/// the current record. Of several line items or payments in one container, the last is kept.
 /// Contact elements fill the purchaser from a "purchaser" start to the next "customer" start.
 class FastSpringOrderParser : public FastSpringRootParser {
   public:
     using FastSpringRootParser::FastSpringRootParser;
 
-    /// Parses the answer, once, and gives the order as far as it was filled, or none when no
-    /// "order" element started. An answer that is cut off or not well-formed gives what was read
-    /// before.
-    ///
-    /// @throws std::out_of_range for a date text without "Z" (see fromServerDate()).
-    /// @throws std::invalid_argument when a container of the order ends without a current record to
-    /// append: a list never takes an empty entry.
+    /// Parses the answer. Call it once.
+    /// @return the order, or null if the answer lacks an "order" start. The order of a malformed or
+    /// truncated answer contains only the part before the error.
+    /// @throws std::out_of_range for a date without "Z" (see fromServerDate()).
+    /// @throws std::invalid_argument if a container of the order ends without a current record.
     [[nodiscard]] std::shared_ptr<FastSpringOrder> parseOrder();
 
     std::shared_ptr<FastSpringOrder> order;         ///< shared with the caller of parseOrder()
@@ -35,7 +33,7 @@ class FastSpringOrderParser : public FastSpringRootParser {
     void endElement(std::string_view elementName, ElementText& text) override;
     void storeField(std::string_view elementName, ElementText& text);
 
-    /// What the start, and where it does something the end, of an element with children does.
+    /// An element with children, and the actions of its start and of its end, which can be null.
     struct Container {
         std::string_view name;
         void (*start)(FastSpringOrderParser& parser);

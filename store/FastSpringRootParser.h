@@ -13,35 +13,34 @@
 
 namespace store {
 
-/// What all parsers of store service answers share: the event parser over one answer, the text of
-/// the current leaf element, the two error flags, and the reading of server dates.
+/// The common base of the parsers for the store service's answers. It runs the event parser,
+/// gathers the text of the current leaf element, sets the two error flags, and reads server dates.
 ///
-/// A subclass says which elements are containers and where the text of every other element goes.
-/// A parser serves one answer, once, on one thread.
+/// A subclass defines the containers, and stores the texts of all other elements. A parser reads
+/// one answer, once, on one thread.
 class FastSpringRootParser : public base::XMLEventDelegate {
   public:
-    /// @param data the complete answer; it must outlive the parser.
+    /// @param data the complete answer, which must outlive the parser.
     explicit FastSpringRootParser(std::string_view data);
     /// A temporary text would not outlive the parser.
     template <std::same_as<std::string> Temporary>
     explicit FastSpringRootParser(Temporary&& data) = delete;
     virtual ~FastSpringRootParser() = default;
 
-    /// Reads a date text of the store service, as dateFromText(). Date elements go through it.
-    /// @throws std::out_of_range when no "Z" is left to take.
+    /// Reads a date of the store service, like dateFromText(). All date elements use it.
+    /// @throws std::out_of_range if the "Z" is missing.
     [[nodiscard]] virtual Date fromServerDate(std::string_view text) const;
 
-    /// Returns true if the (lowercased) element is the root of an HTML page, and remembers that in
+    /// Returns true if the (lowercased) element is the root of an HTML page, and then sets
     /// isHTMLServerError.
     virtual bool checkForErrors(std::string_view elementName,
                                 const base::XMLAttributes& attributes);
-    /// Returns true if an HTML page was found. Clears nothing: the rest of such an answer is
-    /// skipped.
+    /// Returns true if an HTML page was found, whose remaining end elements are then skipped.
     [[nodiscard]] virtual bool cleanUpAnyErrors(std::string_view elementName) const;
 
-    /// The events of the parse. Element names are matched in any letter case. The text of an
-    /// element is what was gathered from the last start of an element that is no container to the
-    /// first end after it, so an element with children has the text of its last child.
+    /// Handle the events of the parse. Element names match in any letter case. A text is gathered
+    /// from the last start of a leaf element to the first end after it, so an element with children
+    /// has the text of its last child.
     void didStartElement(std::string_view elementName,
                          const base::XMLAttributes& attributes) override;
     void didEndElement(std::string_view elementName) override;
@@ -49,20 +48,19 @@ class FastSpringRootParser : public base::XMLEventDelegate {
     void parseErrorOccurred() override;
 
     bool isHTMLServerError = false; ///< an element named "html" has started
-    bool isParsingError = false;    ///< the answer is not well-formed to its end
-    std::optional<std::map<std::string, std::string>> elementAttributes; ///< for callers; not set
-    std::optional<std::vector<std::string>> errors;                      ///< for callers; not set
-    std::optional<std::map<std::string, std::string>> errorAttributes;   ///< for callers; not set
+    bool isParsingError = false;    ///< the answer is malformed or truncated
+    std::optional<std::map<std::string, std::string>> elementAttributes; ///< for callers, never set
+    std::optional<std::vector<std::string>> errors;                      ///< for callers, never set
+    std::optional<std::map<std::string, std::string>> errorAttributes;   ///< for callers, never set
 
   protected:
-    /// Delivers all events of the answer. What it holds is in the subclass's record afterwards,
-    /// also when it broke off.
+    /// Delivers all events of the answer, which fill the subclass's record, even up to an error.
     void parse();
 
   private:
-    /// Acts on the start of a container and gives true; gives false for any other element.
+    /// Handles the start of a container and returns true. Returns false for any other element.
     virtual bool startContainer(std::string_view elementName) = 0;
-    /// Stores `text` where the element that ends belongs, or does nothing.
+    /// Handles the end of an element. Stores `text` if the element fills a property.
     virtual void endElement(std::string_view elementName, ElementText& text) = 0;
 
     std::string_view lowercaseName(std::string_view elementName);
@@ -70,7 +68,7 @@ class FastSpringRootParser : public base::XMLEventDelegate {
     std::string_view data_;
     bool accumulatingParsedCharacterData_ = false;
     ElementText currentParsedCharacterData_;
-    std::string elementName_; // lowercased; a member so that its memory is used again
+    std::string elementName_; // lowercased, and a member to reuse its memory
 };
 
 } // namespace store

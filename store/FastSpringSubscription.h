@@ -8,14 +8,14 @@
 
 namespace store {
 
-/// One subscription as the store service describes it. Every field is as sent: nothing is computed,
-/// validated or normalised. A field whose element never arrived is absent, a flag then false.
+/// One subscription, with every field as the store service sent it, neither validated nor
+/// normalized. A field without an element in the answer is absent, a flag without one is false.
 struct FastSpringSubscription : FastSpringItem {
     Text reference;            ///< the subscription's reference at the store service
-    Text status;               ///< its status, without a meaning given to it here
+    Text status;               ///< its status, which this client does not interpret
     Date statusChangedDate;    ///< when the status last changed
     Text statusReason;         ///< the reason sent with the status
-    bool isCancelable = false; ///< whether the store service lets it be cancelled
+    bool isCancelable = false; ///< whether the store service allows canceling it
     bool isTest = false;       ///< whether the store service marks it as a test
     Text referrer;             ///< referrer recorded for the sale
     Text sourceName;           ///< source name recorded for the sale
@@ -26,9 +26,9 @@ struct FastSpringSubscription : FastSpringItem {
     Text customerCompany;      ///< customer's company
     Text customerEmail;        ///< customer's e-mail address
     Text customerPhoneNumber;  ///< customer's phone number
-    Text customerURL;          ///< address of the customer's account page; untrusted
+    Text customerURL;          ///< untrusted address of the customer's account page
     Text productName;          ///< name of the subscribed product
-    Number quantity;           ///< number of units; a negative one sent comes out as 2^64 plus it
+    Number quantity;           ///< number of units (a negative number is stored as 2^64 plus it)
     Date endDate;              ///< when the subscription ends
 };
 

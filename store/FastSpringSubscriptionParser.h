@@ -8,23 +8,22 @@
 
 namespace store {
 
-/// Turns one answer of the store service into a subscription record.
+/// A parser for an answer with a subscription.
 ///
-/// A field element is known by its name alone, wherever it stands; of two the later counts, and one
-/// before the first "subscription" start is dropped. Every "subscription" start begins a new record
-/// in place of the one before.
+/// The name alone identifies a field's element, at any depth. The later of two elements counts, and
+/// elements before the first "subscription" start are ignored. Every "subscription" start replaces
+/// the record by a new one.
 class FastSpringSubscriptionParser : public FastSpringRootParser {
   public:
     using FastSpringRootParser::FastSpringRootParser;
 
-    /// Parses the answer, once, and gives the record as far as it was filled, or none when no
-    /// "subscription" element started. An answer that is cut off or not well-formed gives what was
-    /// read before.
-    ///
-    /// @throws std::out_of_range for a date text without "Z" (see fromServerDate()).
+    /// Parses the answer. Call it once.
+    /// @return the record, or null if the answer lacks a "subscription" start. The record of a
+    /// malformed or truncated answer contains only the part before the error.
+    /// @throws std::out_of_range for a date without "Z" (see fromServerDate()).
     [[nodiscard]] std::shared_ptr<FastSpringSubscription> parseSubscription();
 
-    /// The record being filled; shared with the caller of parseSubscription().
+    /// The current record, shared with the caller of parseSubscription().
     std::shared_ptr<FastSpringSubscription> subscription;
 
   private:
