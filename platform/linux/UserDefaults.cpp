@@ -104,7 +104,7 @@ std::error_code readForWriting(const fs::path& file, base::Data& content) {
     makeDirectory(file.parent_path());
     std::error_code error;
     content = readRegularFile(file, kOwnLimit, error);
-    // A link that leads nowhere is no missing file: what it should lead to holds other values.
+    // A broken link does not count as a missing file, because its target contains other values.
     std::error_code ignored;
     const bool isMissing = fs::symlink_status(file, ignored).type() == fs::file_type::not_found;
     return isMissing ? std::error_code() : error;

@@ -18,8 +18,8 @@ QString nameOf(std::string_view key) {
 
 } // namespace
 
-// Qt derives the native domain from "<organisation domain reversed>.<application>"; a domain with a
-// path of its own is addressed by the property list's file.
+// Use the property list's path, because Qt derives the native domain from
+// "<organization domain reversed>.<application>".
 UserDefaults::UserDefaults(const std::string& domain)
     : file_(QDir::homePath().toStdString() + "/Library/Preferences/" + domain + ".plist") {}
 
