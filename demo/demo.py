@@ -53,7 +53,7 @@ def use_by_itself(stage, store, folder, refuse):
             if window.wait():
                 window.remove(stage, f"{folder}/",
                               lambda: refuse and photograph_browser(window, store, folder))
-                window.keys("Return")
+                window.press_until_ended(process)
             else:
                 print("The helper's window did not appear. See its log below.")
             return process.wait(30)

@@ -111,7 +111,7 @@ def use(machine, requests, process, window, pictures=None):
     @param pictures see Window.remove().
     """
     window.remove(machine.stage, pictures)
-    window.keys("Return")
+    window.press_until_ended(process)
     try:
         _, log = process.communicate(timeout=20)
     except subprocess.TimeoutExpired:

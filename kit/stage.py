@@ -161,6 +161,10 @@ class Window:
     def keys(self, *keys):
         self._xdotool("key", "--delay", "60", *keys)
 
+    def press_until_ended(self, process, key="Return"):
+        """Presses a key until the process has ended, because the window ignores keys while its sheet is modal."""
+        wait_for(lambda: self.keys(key) or process.poll() is not None, 30, 0.2)
+
     def activate(self):
         """Raises the window and gives it the keyboard focus."""
         self._xdotool("search", "--onlyvisible", "--name", self._pattern, "windowactivate",

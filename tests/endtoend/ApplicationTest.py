@@ -272,9 +272,8 @@ class DesktopTest(TestCase):
             self.assertTrue(wait_for(stage.note.exists))
             self.assertFalse(stage.product.exists())
             self.assertEqual(stage.restore_path(), str(stage.bundle))
-            time.sleep(0.5)
             self.assertIsNone(process.poll())
-            self.window.keys("Escape")  # and now a button ends it
+            self.window.press_until_ended(process, "Escape")
             self.assertRegex(self.finish(process), "^[^\n]* Removal ended: cancellation confirmed; "
                              "uninstaller started; bundle moved to the Trash\n$")
             self.assertEqual([line.split("?")[1] for line in store.requests],
@@ -317,8 +316,7 @@ class DesktopTest(TestCase):
                 for each in signals:
                     process.send_signal(each)
                 self.assertTrue(wait_for(stage.trashed_bundle))
-                time.sleep(0.5)
-                self.window.keys("Return")
+                self.window.press_until_ended(process)
                 self.assertIn(-process.wait(15), signals or (0,))
 
     def test_a_display_that_goes_away_interrupts_the_removal(self):
@@ -382,8 +380,7 @@ class DesktopTest(TestCase):
                 self.assertTrue(wait_for(stage.trashed_bundle))
                 self.assertTrue(wait_for(stage.note.exists))
                 self.assertEqual(opened.exists(), answers)
-                time.sleep(0.5)
-                self.window.keys("Return")
+                self.window.press_until_ended(process)
                 self.assertRegex(self.finish(process), "(?s)still running after 5 seconds and may not have opened "
                                  "http://.*cancellation not confirmed, account page passed to the opener;")
                 stage.note.unlink()
