@@ -3,6 +3,7 @@
 #include "app/Check.h"
 #include "app/Modules.h"
 #include "app/SubscriptionHelperAppDelegate.h"
+#include "Brand.h"
 #include "platform/Bundle.h"
 #include "platform/Log.h"
 #include "platform/Preferences.h"

@@ -3,6 +3,7 @@
 #include "app/RunThrottle.h"
 #include "app/SubscriptionReference.h"
 #include "base/Format.h"
+#include "Brand.h"
 #include "housekeeping/HelperUtilities.h"
 #include "platform/Bundle.h"
 #include "platform/Desktop.h"

@@ -1,5 +1,6 @@
 #include "app/SubscriptionReference.h"
 
+#include "Brand.h"
 #include "platform/UserDefaults.h"
 
 #include <cstddef>

@@ -2,6 +2,7 @@
 // microseconds: the longest gap between two turns of the event loop, and the time from the click
 // until the progress sheet is painted. Needs a display.
 #include "app/SubscriptionHelperAppDelegate.h"
+#include "Brand.h"
 #include "tests/support/LoopbackServer.h"
 #include "tests/support/TestHome.h"
 

@@ -1,6 +1,7 @@
 #include "housekeeping/HelperUtilities.h"
 
 #include "base/Format.h"
+#include "Brand.h"
 #include "platform/Bundle.h"
 #include "platform/ChildProcess.h"
 #include "platform/FileTree.h"

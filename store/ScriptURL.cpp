@@ -1,5 +1,7 @@
 #include "store/ScriptURL.h"
 
+#include "Brand.h"
+
 namespace store {
 
 std::string_view scriptURL() {

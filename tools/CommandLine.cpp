@@ -1,5 +1,6 @@
 #include "tools/CommandLine.h"
 
+#include "Brand.h"
 #include "store/ScriptURL.h"
 #include "tools/Completion.h"
 #include "tools/Suggestion.h"
@@ -63,7 +64,7 @@ class Declaration {
     Declaration(CLI::App& app, CommandLine& line) : app_(app), line_(line) {
         app.require_subcommand(1);
         app.set_help_flag("-h,--help", "Print the usage, or with a command the usage of that");
-        app.set_version_flag("--version", "storectl " HELPER_VERSION, "Print the version");
+        app.set_version_flag("--version", "storectl " PROJECT_VERSION, "Print the version");
         app.footer(kFooter);
     }
 

@@ -1,5 +1,7 @@
 #include "tests/support/TestHome.h"
 
+#include "Brand.h"
+
 #include <chrono>
 #include <cstdlib>
 #include <fstream>
