@@ -43,7 +43,7 @@ CheckResult notTested(std::string name, std::string detail) {
 }
 
 CheckResult failed(std::string name, std::string_view reason, std::string_view nextStep) {
-    return {std::move(name), false, formatted("%@; next step: %@", {reason, nextStep})};
+    return {std::move(name), false, formatted("%@. Next step: %@", {reason, nextStep})};
 }
 
 /// Returns a path as one word of a shell command.
@@ -103,7 +103,7 @@ CheckResult settings() {
                       nextStepAfter(error, culprit));
     }
     const auto lastRun = lastRunIn(defaults);
-    return passed("last run", formatted("%@; %@; kept in %@",
+    return passed("last run", formatted("%@, %@, kept in %@",
                                         {lastRun ? base::timestampText(*lastRun) : "none stored",
                                          isRecentRun(lastRun, currentTime)
                                              ? "the next start runs at " +
@@ -173,7 +173,7 @@ CheckResult accountPage(const std::shared_ptr<store::FastSpringSubscription>& re
         return failed(kName, "found neither xdg-open nor gio in PATH", "install xdg-utils");
     }
     if (!record) {
-        return passed(kName, opener + " opens it; not tested: its address");
+        return passed(kName, opener + " opens it. Not tested: its address");
     }
     if (!record->customerURL) {
         return failed(kName, "the subscription's record has no address of it",
@@ -197,7 +197,7 @@ CheckResult uninstaller(const Bundle& bundle, const std::string& name) {
                       "unpack the package again");
     }
     return access(program.c_str(), R_OK | X_OK) == 0
-               ? passed("uninstaller", program.native() + "; not tested: that it runs")
+               ? passed("uninstaller", program.native() + ". Not tested: that it runs")
                : failed("uninstaller", "not executable: " + program.native(),
                         "chmod +rx " + quoted(program));
 }
@@ -252,7 +252,7 @@ std::vector<CheckResult> runChecks(const std::string& missing, bool sendsLookup)
         record = lookup.record;
     } else {
         results.push_back(notTested(
-            "store service", formatted("%@ with the store identifier %@; --ask sends the lookup",
+            "store service", formatted("%@ with the store identifier %@. --ask sends the lookup",
                                        {store::scriptURL(), HelperUtilities::storeID()})));
     }
     results.push_back(accountPage(record));

@@ -28,7 +28,7 @@ struct Density {
     int contentSpacing;
     int itemSpacing; // between paragraphs, and between buttons
     QMargins sheetMargins;
-    QSize buttonRoom; // around a button's text, beyond the style's
+    QSize buttonPadding; // around a button's text, beyond the style's
     QBoxLayout::Direction buttons;
 };
 
@@ -40,7 +40,7 @@ constexpr Density kRoomy{.hasIcon = true,
                          .contentSpacing = 20,
                          .itemSpacing = 10,
                          .sheetMargins = {24, 18, 24, 18},
-                         .buttonRoom = {20, 6},
+                         .buttonPadding = {20, 6},
                          .buttons = QBoxLayout::LeftToRight};
 constexpr Density kCompact{.hasIcon = false,
                            .headingScale = 1,
@@ -48,7 +48,7 @@ constexpr Density kCompact{.hasIcon = false,
                            .contentSpacing = 6,
                            .itemSpacing = 6,
                            .sheetMargins = {8, 4, 8, 4},
-                           .buttonRoom = {0, 0},
+                           .buttonPadding = {0, 0},
                            .buttons = QBoxLayout::LeftToRight};
 /// The density for windows too narrow for buttons side by side.
 constexpr Density kStacked = [] {
@@ -198,7 +198,7 @@ void MainWindow::setDensity(const Density& density) {
     ui_->buttonLayout->setDirection(density.buttons);
     ui_->sheetLayout->setContentsMargins(density.sheetMargins);
     for (auto* button : {ui_->removeButton, ui_->cancelButton, ui_->mainButton}) {
-        button->setMinimumSize(button->sizeHint() + density.buttonRoom);
+        button->setMinimumSize(button->sizeHint() + density.buttonPadding);
     }
 }
 

@@ -149,7 +149,7 @@ void SubscriptionHelperAppDelegate::cancelSubscriptionAndLaunchUninstaller() noe
     begin(kTrash);
     const bool isTrashed = trashMe();
     runningStep = nullptr;
-    platform::log("Removal ended: cancellation %@; uninstaller %@; bundle %@",
+    platform::log("Removal ended. Cancellation: %@. Uninstaller: %@. Bundle: %@",
                   {cancellation,
                    !isConfigured ? "not configured"
                    : isLaunched  ? "started"

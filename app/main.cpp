@@ -74,11 +74,11 @@ int showHelp() {
               "Helps a customer to leave " HELPER_PRODUCT_NAME
               ": shows one window and, on request,\n"
               "cancels the subscription at the store, starts the uninstaller and moves itself\n"
-              "to the Trash. Works at most once in four hours; a start in between, or one\n"
-              "without a subscription, ends at once with status 0.\n\n"
+              "to the Trash. Runs at most once in four hours. Other starts, and starts without\n"
+              "a subscription, exit with 0 immediately.\n\n"
               "--check  Check the installation without running. Exits with 1 if a check fails.\n"
               "--json   Print the results as JSON.\n"
-              "--ask    Ask the store service for the subscription, too.\n\n"
+              "--ask    Also look the subscription up at the store service.\n\n"
               "The time of the last run is kept in\n" HELPER_IDENTIFIER
               ".conf in the user's configuration directory.");
     return EXIT_SUCCESS;
@@ -90,9 +90,8 @@ int main(int argumentCount, char** arguments) {
     platform::openClosedStreams();
     setSignalActions();
     platform::logUncaughtFailures();
-    const std::span<char*> words(arguments, static_cast<std::size_t>(argumentCount));
-    const app::Options options =
-        app::optionsOf(words.subspan(std::min<std::size_t>(1, words.size())));
+    const std::span<char*> all(arguments, static_cast<std::size_t>(argumentCount));
+    const app::Options options = app::optionsOf(all.subspan(std::min<std::size_t>(1, all.size())));
     switch (options.task) {
     case Task::showVersion:
         std::puts("Subscription Helper " HELPER_VERSION);
@@ -100,7 +99,7 @@ int main(int argumentCount, char** arguments) {
     case Task::showHelp:
         return showHelp();
     case Task::refuse:
-        std::fprintf(stderr, "There is no option %.*s; --help tells what there is\n",
+        std::fprintf(stderr, "Unknown option %.*s. --help lists the options.\n",
                      static_cast<int>(options.unknown.size()), options.unknown.data());
         return kWrongUsage;
     case Task::run:

@@ -99,18 +99,18 @@ std::error_code startChildProcess(const std::vector<std::string>& arguments) {
 
 std::error_code startChildProcess(const std::vector<std::string>& arguments,
                                   std::future<int>& status) {
-    std::vector<char*> words;
-    words.reserve(arguments.size() + 1);
+    std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
     for (const auto& argument : arguments) {
-        words.push_back(const_cast<char*>(argument.c_str())); // never written to
+        pointers.push_back(const_cast<char*>(argument.c_str())); // never written to
     }
-    words.push_back(nullptr);
+    pointers.push_back(nullptr);
     const SpawnSettings settings;
     pid_t child = 0;
     int error = settings.error;
     if (error == 0) {
-        error = posix_spawnp(&child, words.front(), &settings.streams, &settings.attributes,
-                             words.data(), environmentWithoutLinkerSettings().data());
+        error = posix_spawnp(&child, pointers.front(), &settings.streams, &settings.attributes,
+                             pointers.data(), environmentWithoutLinkerSettings().data());
     }
     if (error != 0) {
         return {error, std::generic_category()};

@@ -124,19 +124,19 @@ std::optional<fs::path> temporaryFileIn(const std::string& owner, const std::str
 } // namespace
 
 std::optional<fs::path> replaceableTemporaryFile(const std::string& owner, const std::string& name,
-                                                 std::uintmax_t room) {
+                                                 std::uintmax_t bytes) {
     return temporaryFileIn(owner, name, [=](const fs::path& directory, const fs::path& path) {
         removeTree(path); // its bytes are free for the new one
-        return freeSpace(directory) >= room;
+        return freeSpace(directory) >= bytes;
     });
 }
 
 std::optional<fs::path> checkedTemporaryFile(const std::string& owner, const std::string& name,
-                                             std::uintmax_t room) {
+                                             std::uintmax_t bytes) {
     return temporaryFileIn(owner, name, [=](const fs::path& directory, const fs::path& path) {
         std::error_code error;
         const bool isThere = fs::exists(fs::symlink_status(path, error));
-        return freeSpace(directory) + (isThere ? diskSize(path) : 0) >= room;
+        return freeSpace(directory) + (isThere ? diskSize(path) : 0) >= bytes;
     });
 }
 

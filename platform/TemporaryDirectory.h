@@ -26,6 +26,6 @@ replaceableTemporaryFile(const std::string& owner, const std::string& name, std:
 /// Returns the path that replaceableTemporaryFile() would return, or std::nullopt. An earlier entry
 /// of that name stays, and its bytes count as free.
 [[nodiscard]] std::optional<std::filesystem::path>
-checkedTemporaryFile(const std::string& owner, const std::string& name, std::uintmax_t room);
+checkedTemporaryFile(const std::string& owner, const std::string& name, std::uintmax_t bytes);
 
 } // namespace platform

@@ -121,7 +121,7 @@ std::string Printer::summary() const {
         }
     }
     return (text.empty() ? "the list is empty" : text) +
-           (line_.isDryRun ? "; nothing was canceled" : "");
+           (line_.isDryRun ? ". Nothing was canceled" : "");
 }
 
 void printAlone(const Report& report, Format format) {

@@ -18,7 +18,7 @@ using nlohmann::ordered_json;
 constexpr int kFirstErrorStatus = 400;                    // of HTTP
 constexpr std::string_view kHTMLStart = "<!doctype html"; // in any letter case
 constexpr const char* kLookUp =
-    "; it may have been canceled: look the subscription up before canceling again";
+    ". It may have been canceled: look the subscription up before canceling again";
 
 struct Failure {
     std::string reason;
@@ -92,7 +92,7 @@ store::Request requestOf(const CommandLine& line) {
 }
 
 Report unsent(const store::Answer& answer) {
-    const std::string message = answer.address + " is not a valid URL; nothing was sent";
+    const std::string message = answer.address + " is not a valid URL. Nothing was sent";
     return {{{"result", "invalid"}, {"message", message}}, ExitStatus::Usage, {message}, {}};
 }
 

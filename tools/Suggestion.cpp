@@ -34,7 +34,7 @@ std::string suggestion(const std::string& word, const std::vector<std::string>& 
                          [&](const auto& one, const auto& other) { return far(one) < far(other); });
     const bool isNear =
         !word.empty() && nearest != known.end() && far(*nearest) <= 1 + word.size() / 4;
-    return isNear ? "; did you mean " + *nearest + "?" : "";
+    return isNear ? ". Did you mean " + *nearest + "?" : "";
 }
 
 } // namespace tools

@@ -131,8 +131,8 @@ std::error_code moveToTrash(const fs::path& item) {
     if (!hasDataDirectory()) {
         return std::make_error_code(std::errc::invalid_argument);
     }
-    const FileDescriptor opened(::open(item.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
-    if (!opened.isOpen()) {
+    const FileDescriptor descriptor(::open(item.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    if (!descriptor.isOpen()) {
         return lastError();
     }
     GError* refusal = nullptr;
@@ -140,8 +140,9 @@ std::error_code moveToTrash(const fs::path& item) {
         const Handle<GError, g_error_free> owned(refusal);
         return errorOf(*refusal);
     }
-    return undoMoveWithoutInfo(opened, item) ? std::make_error_code(std::errc::no_space_on_device)
-                                             : std::error_code();
+    return undoMoveWithoutInfo(descriptor, item)
+               ? std::make_error_code(std::errc::no_space_on_device)
+               : std::error_code();
 }
 
 std::error_code checkTrash(const fs::path& item, fs::path& culprit) {

@@ -33,13 +33,13 @@ class StartTest(TestCase):
                 ([], {"QT_QPA_PLATFORM": "nosuch"}, 1, NO_DISPLAY + 'Qt platform plugin "nosuch"', True),
                 ([], {"HOME": "/proc/none"}, 1, f"(?s)cannot be stored: No such file .*{NO_DISPLAY}", False),
                 (["unknown"], {}, 1, NO_DISPLAY, True), (["--style=fusion"], {}, 1, NO_DISPLAY, True),
-                (["--chek"], {}, 2, "^There is no option --chek", False),
+                (["--chek"], {}, 2, "^Unknown option --chek", False),
                 (["--check"], {"QT_QPA_PLATFORM": "offscreen"}, 0,
-                 r"(?s)\[ok\] bundle: .*; a start runs now; .*\[not tested\] store service: .*\[ok\] display: ", False),
-                (["--check", "--jsn"], {}, 2, "^There is no option --jsn", False),
-                (["--check", "json"], {}, 2, "^There is no option json", False),
-                (["--style=fusion", "--json"], {}, 2, "^There is no option --json", False),
-                (["--ask"], {}, 2, "^There is no option --ask", False),
+                 r"(?s)\[ok\] bundle: .*, a start runs now, .*\[not tested\] store service: .*\[ok\] display: ", False),
+                (["--check", "--jsn"], {}, 2, "^Unknown option --jsn", False),
+                (["--check", "json"], {}, 2, "^Unknown option json", False),
+                (["--style=fusion", "--json"], {}, 2, "^Unknown option --json", False),
+                (["--ask"], {}, 2, "^Unknown option --ask", False),
                 (["--version"], {}, 0, r"^Subscription Helper \d+\.\d+\.\d+\n$", False),
                 (["--help"], {}, 0, "Helps a customer to leave Acme Studio: ", False)):
             with self.subTest(words=words, variables=variables):
@@ -108,7 +108,7 @@ class StartTest(TestCase):
                                         text=True, capture_output=True, check=False, env=environment)
                 found = json.loads(result.stdout)
                 self.assertEqual({each["name"] for each in found if each["passed"] is False}, wrong, found)
-                self.assertEqual({each["name"] for each in found if "; next step: " in each["detail"]}, wrong)
+                self.assertEqual({each["name"] for each in found if ". Next step: " in each["detail"]}, wrong)
                 self.assertEqual((result.returncode, result.stderr, stage.last_run()), (bool(wrong), "", None))
                 if wrong == libraries and spoil != cut:  # missed before there is a window
                     said = stage.run({"PATH": "/usr/bin"})[1]
@@ -274,8 +274,8 @@ class DesktopTest(TestCase):
             self.assertEqual(stage.restore_path(), str(stage.bundle))
             self.assertIsNone(process.poll())
             self.window.press_until_ended(process, "Escape")
-            self.assertRegex(self.finish(process), "^[^\n]* Removal ended: cancellation confirmed; "
-                             "uninstaller started; bundle moved to the Trash\n$")
+            self.assertRegex(self.finish(process), r"^[^\n]* Removal ended\. Cancellation: confirmed\. "
+                             r"Uninstaller: started\. Bundle: moved to the Trash\n$")
             self.assertEqual([line.split("?")[1] for line in store.requests],
                              ["f=getsubscription&subscriptionRef=DEMO-1001 200",
                               "f=deletesubscription&subscriptionRef=DEMO-1001 200"])
@@ -356,7 +356,7 @@ class DesktopTest(TestCase):
             self.assertTrue(stage.bundle.exists())
         self.assertEqual(len(pictures["false"]), 1)
         self.assertLess(max(pictures["false"])[-1], 64)  # the corner of a dark window
-        self.assertLess(pictures["false"], pictures["true"])  # which are twelve
+        self.assertTrue(pictures["false"] < pictures["true"])  # which are twelve
 
     def test_a_refused_cancellation_opens_the_account_page(self):
         # First with a browser that stays open, then with a session bus that stops answering.
@@ -382,7 +382,7 @@ class DesktopTest(TestCase):
                 self.assertEqual(opened.exists(), answers)
                 self.window.press_until_ended(process)
                 self.assertRegex(self.finish(process), "(?s)still running after 5 seconds and may not have opened "
-                                 "http://.*cancellation not confirmed, account page passed to the opener;")
+                                 r"http://.*Cancellation: not confirmed, account page passed to the opener\.")
                 stage.note.unlink()
                 shutil.rmtree(stage.home / ".local")
                 shutil.copytree(kept, stage.bundle, symlinks=True)

@@ -321,7 +321,7 @@ class PackagingTest(TestCase):
             window.keys("Return")
             _, log = process.communicate(timeout=20)
             self.assertEqual((process.returncode, len(log.splitlines()), len(store.requests)), (0, 1, 2))
-            self.assertIn("cancellation confirmed; uninstaller started; bundle moved to the Trash", log)
+            self.assertIn("Cancellation: confirmed. Uninstaller: started. Bundle: moved to the Trash", log)
         self.assertEqual(stage.restore_path(), str(stage.bundle))
         self.assertTrue((stage.config / f"{BRAND['IDENTIFIER']}.conf").exists())
 

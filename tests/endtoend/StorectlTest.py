@@ -141,7 +141,7 @@ class StorectlTest(TestCase):
             self.assertEqual(references_of(store), listed)
         code, output, errors = run("order", "two words")
         self.assertEqual((code, output), (USAGE, ""))
-        self.assertRegex(errors, r"^storectl: \S+two words is not a valid URL; nothing was sent\n$")
+        self.assertRegex(errors, r"^storectl: \S+two words is not a valid URL\. Nothing was sent\n$")
 
     def test_cancel_asks_first(self):
         listed = "A\n\nDEMO-1001\r\nDEMO-KEEP\nA\nDEMO-1002\nA"
@@ -150,7 +150,7 @@ class StorectlTest(TestCase):
                 code, output, errors = run("cancel", *words, given=listed)
                 isDry = "--dry-run" in words
                 self.assertEqual((code, bool(output)), (RECORD, True) if isDry else (USAGE, False))
-                self.assertIn("1 found; nothing was canceled" if isDry else "without a terminal", errors)
+                self.assertIn("1 found. Nothing was canceled" if isDry else "without a terminal", errors)
             for reply, status in (("\n", USAGE), ("no\n", USAGE), ("yet\n", USAGE), ("yes\n", NONE)):
                 self.assertFalse([line for line in store.requests if "delete" in line])
                 terminal = Terminal(PROGRAM, "cancel", "-", given=listed)
@@ -159,7 +159,7 @@ class StorectlTest(TestCase):
                 self.assertEqual(terminal.wait(), status)
                 self.assertRegex(terminal.shown, r"left out 2 duplicates\r\nstorectl: cancel 4 subscriptions at "
                                  r"127\.0\.0\.1:\d+: A, DEMO-1001, DEMO-KEEP and 1 more\? \[y/N\] ")
-                self.assertIn("nothing was canceled" if status == USAGE else "2 confirmed, 2 refused", terminal.shown)
+                self.assertIn("othing was canceled" if status == USAGE else "2 confirmed, 2 refused", terminal.shown)
             self.assertEqual(references_of(store)[1:], ["A", "DEMO-1001", "DEMO-KEEP", "DEMO-1002"])
             with open("/dev/full", "wb") as full:
                 result = subprocess.run([PROGRAM, "cancel", "-y", "DEMO-1001", "A"], stdout=full, check=False,
@@ -294,10 +294,10 @@ class StorectlTest(TestCase):
     def test_wrong_usage_names_the_word_that_is_wrong(self):
         for words, message in (
                 ((), "a command is missing: subscription, cancel, order, parse, completion"),
-                (("sub", "A"), "unknown command sub; did you mean subscription?"),
-                (("ordr", "A"), "unknown command ordr; did you mean order?"), (("print", "A"), "unknown command print"),
+                (("sub", "A"), "unknown command sub. Did you mean subscription?"),
+                (("ordr", "A"), "unknown command ordr. Did you mean order?"), (("print", "A"), "unknown command print"),
                 (("subscription",), "subscription: REF is required"),
-                (("order", "A", "--formt", "x"), "unknown option --formt; did you mean --format?"),
+                (("order", "A", "--formt", "x"), "unknown option --formt. Did you mean --format?"),
                 (("order", "A", "--frob=x"), "unknown option --frob"), (("order", "---A"), "unknown option ---A"),
                 (("cancel", "A", "--jobs", "2"), "unknown option --jobs"),
                 (("--yes", "order", "A"), "order does not take --yes"),
@@ -306,7 +306,7 @@ class StorectlTest(TestCase):
                 (("order", "A", "--jobs", "33"), "order: --jobs: Value 33 not in range 1 to 32"),
                 (("order", "A", "--timeout", "0"), "order: --timeout: 0 is not a number of seconds from 0.001 to 3600"),
                 (("order", "A", "--timeout"), "order: --timeout: 1 required SECONDS missing"),
-                (("order", "A", "--fields", "stats"), "unknown field stats; did you mean status?"),
+                (("order", "A", "--fields", "stats"), "unknown field stats. Did you mean status?"),
                 (("order", "A", "--fields", "city", "--format", "json"), "order: --fields excludes --format json"),
                 (("order", "A", "--fields", "city", "--raw"), "order: --raw excludes tables"),
                 (("parse", "invoice", "-"), "parse: KIND: invoice is not one of subscription|order"),
