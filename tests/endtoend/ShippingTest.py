@@ -11,7 +11,7 @@ import sys
 import tempfile
 import unittest
 
-from tests.endtoend.support import BUILD, SANITIZE, TestCase, as_ordinary_user, content
+from tests.endtoend.support import BUILD, LONG, SANITIZE, TestCase, as_ordinary_user, content
 from kit.desktop import desktop, wait_for
 from kit.stage import BUNDLE, PROJECT, Store, Window
 
@@ -272,6 +272,7 @@ class PackagingTest(TestCase):
         self.assertNotIn("libcurl", self.run_commands(["ldd", build / "tests/base-test"]))
         self.run_commands([build / "tests/base-test", "--gtest_filter=Fetch*"])
 
+    @unittest.skipUnless(LONG, "it builds once more")
     def test_the_demonstration_shows_ones_own_brand(self):
         environment = {name: value for name, value in os.environ.items() if name != "DISPLAY"}
         result = subprocess.run([PROJECT / "scripts/demo"], text=True, capture_output=True, check=False,
