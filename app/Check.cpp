@@ -175,13 +175,14 @@ CheckResult accountPage(const std::shared_ptr<store::FastSpringSubscription>& re
     if (!record) {
         return passed(kName, opener + " opens it. Not tested: its address");
     }
-    if (!record->customerURL) {
+    const std::string page = HelperUtilities::accountPage(record->customerURL);
+    if (page.empty()) {
         return failed(kName, "the subscription's record has no address of it",
-                      "have the store service send a customerUrl");
+                      "have the store service send a customerUrl, or set HELPER_ACCOUNT_PAGE");
     }
-    return platform::workspace::isOpenable(*record->customerURL)
-               ? passed(kName, opener + " opens " + *record->customerURL)
-               : failed(kName, "not a web address: " + *record->customerURL,
+    return platform::workspace::isOpenable(page)
+               ? passed(kName, opener + " opens " + page)
+               : failed(kName, "not a web address: " + page,
                         "have the store service send another customerUrl");
 }
 

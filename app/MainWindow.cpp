@@ -133,8 +133,9 @@ void MainWindow::connectControls() {
     connect(quit, &QShortcut::activated, this, &MainWindow::quitRequested);
 }
 
-void MainWindow::present(const std::string& reference) {
+void MainWindow::present(const std::string& reference, bool hasAccountPage) {
     setWindowTitle(QString::fromStdString(productName()));
+    ui_->noteLabel->setVisible(hasAccountPage);
     showReference(reference);
     fit();
     move(screen()->availableGeometry().center() -

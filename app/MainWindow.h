@@ -30,7 +30,9 @@ class MainWindow final : public QDialog {
     /// remove button is disabled until the window has been on the screen for a second, because a
     /// click or key in flight is meant for another window.
     /// @param reference the user's subscription reference, which the window shows.
-    void present(const std::string& reference);
+    /// @param hasAccountPage true if an account page would open. If false, the window does not
+    /// promise one.
+    void present(const std::string& reference, bool hasAccountPage);
     /// Offers the removal (again) immediately: shows the remove button, the second button and the
     /// message, and the main button keeps the subscription. A press of the remove button hides all
     /// three, and the main button then closes the window.

@@ -41,12 +41,9 @@ constexpr Step kTrash{
 /// delegates, because the end of the process reads it.
 std::atomic<const char*> runningStep = nullptr;
 
-/// Opens the page for canceling the subscription: `url`, or the company's own page if the store
-/// service sent an empty address or omitted it.
+/// Opens the page for canceling the subscription.
 /// @return the outcome for the log.
-std::string openAccountPage(const AtomicText::Value& url) {
-    const std::string page =
-        url && !url->empty() ? *url : HelperUtilities::accountPageOfLastResort();
+std::string openAccountPage(const std::string& page) {
     if (page.empty()) {
         return "account page unknown";
     }
@@ -94,7 +91,8 @@ void SubscriptionHelperAppDelegate::awakeFromNib() noexcept {
     }
     setSubscriptionReference(reference);
     setCustomerURL(subscription->customerURL);
-    window_->present(*reference);
+    const std::string page = HelperUtilities::accountPage(customerURL());
+    window_->present(*reference, platform::workspace::isOpenable(page));
 }
 
 void SubscriptionHelperAppDelegate::mainButton() {
@@ -142,7 +140,9 @@ void SubscriptionHelperAppDelegate::cancelSubscriptionAndLaunchUninstaller() noe
     const bool isCanceled =
         store::FastSpringUtilities::cancelSubscriptionForStore(store, subscriptionReference());
     const std::string cancellation =
-        isCanceled ? "confirmed" : "not confirmed, " + openAccountPage(customerURL());
+        isCanceled
+            ? "confirmed"
+            : "not confirmed, " + openAccountPage(HelperUtilities::accountPage(customerURL()));
     begin(kUninstall);
     const bool isConfigured = !HelperUtilities::uninstallerName().empty();
     const bool isLaunched = HelperUtilities::launchUninstaller();

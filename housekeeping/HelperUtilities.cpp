@@ -40,8 +40,11 @@ std::string HelperUtilities::uninstallerName() {
     return configured("Application Uninstaller");
 }
 
-std::string HelperUtilities::accountPageOfLastResort() {
+std::string HelperUtilities::accountPage(const std::optional<std::string>& customerURL) {
     constexpr std::string_view kKey = "Account Page";
+    if (customerURL && !customerURL->empty()) {
+        return *customerURL;
+    }
     const std::string page = configured(kKey);
     return page == kKey ? std::string() : page;
 }

@@ -22,9 +22,10 @@ class HelperUtilities {
     /// that the product has no uninstaller.
     [[nodiscard]] static std::string uninstallerName();
 
-    /// Returns the address of the company's account page for customers without one of their own:
-    /// the value of "Account Page". Empty if the company has none, or if the table lacks the key.
-    [[nodiscard]] static std::string accountPageOfLastResort();
+    /// Returns the address of the page on which a customer can cancel: `customerURL`, or the value
+    /// of "Account Page" if the store service sent an empty address or omitted it. Empty if the
+    /// company has no such page, or if the table lacks the key.
+    [[nodiscard]] static std::string accountPage(const std::optional<std::string>& customerURL);
 
     /// Moves a file or bundle to the Trash.
     /// @return true if the item was moved. On false the item keeps its location, and the log is

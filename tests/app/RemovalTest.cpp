@@ -29,7 +29,7 @@ using testing::HasSubstr;
 std::vector<QString> announced;
 
 const std::string kRecord =
-    "<subscription><customerUrl>http://127.0.0.1:9/<b>account</b></customerUrl></subscription>";
+    "<subscription><customerUrl>http://127.0.0.1:9/account</customerUrl></subscription>";
 
 /// The delegate with its real window, a store on loopback, and a real bundle and Trash.
 class Removal : public testing::Test {
@@ -73,9 +73,10 @@ class Removal : public testing::Test {
     test::TestHome home_;
     test::TestBundle bundle_{TestHome::path() / "Applications" / "Subscription Helper.app"};
     fs::path note_ = TestHome::path() / "note";
+    std::string record_ = kRecord; // the answer to a lookup
     std::function<test::Reply()> cancelReply_ = [] { return httpReply(kRecord); };
     test::LoopbackServer server_{[this](const std::string& target) {
-        return target.find("delete") == std::string::npos ? httpReply(kRecord) : cancelReply_();
+        return target.find("delete") == std::string::npos ? httpReply(record_) : cancelReply_();
     }};
     app::SubscriptionHelperAppDelegate delegate_;
 };
@@ -83,6 +84,7 @@ class Removal : public testing::Test {
 TEST_F(Removal, GoesThroughItsStepsAndLeavesTheSheetUp) {
     QWidget* window = startUp();
     ASSERT_NE(window, nullptr);
+    EXPECT_TRUE(child<QLabel>(*window, "noteLabel").isVisible());
     EXPECT_EQ(delegate_.subscriptionReference(), "REF-1");
     const auto& reference = child<QLabel>(*window, "referenceLabel");
     EXPECT_EQ(reference.text(), QStringLiteral("Subscription reference: REF-1"));
@@ -189,8 +191,10 @@ TEST_F(Removal, GoesOnWhateverFailsAndOpensNoAddressThatIsNone) {
 }
 
 TEST_F(Removal, CanBeStartedAgainWhenThereIsNoThreadForIt) {
+    record_ = "<subscription>without an account page</subscription>";
     QWidget* window = startUp();
     ASSERT_NE(window, nullptr);
+    EXPECT_FALSE(child<QLabel>(*window, "noteLabel").isVisible());
     pthread_attr_t usual;
     pthread_attr_t impossible;
     ASSERT_EQ(pthread_getattr_default_np(&usual), 0);
