@@ -17,8 +17,10 @@ import subprocess
 import sys
 import tempfile
 import time
+from collections.abc import Callable, Sequence
+from typing import Any
 
-from kit.desktop import desktop, end, wait_for
+from kit.desktop import Environment, desktop, end, wait_for
 from kit.stage import PROJECT, Stage, Store, Window
 
 MOST_INSTRUCTIONS = 130  # in millions until the window is on the screen, with Debian's libcurl
@@ -26,25 +28,27 @@ SUBSCRIPTION = (PROJECT / "bench" / "subscription.xml").read_text()
 
 
 class Bench:
-    def __init__(self, build, package, folder, quick):
-        self.build, self.folder, self.quick = pathlib.Path(build).resolve(), folder, quick
+    def __init__(self, build: pathlib.Path, package: pathlib.Path | None, folder: pathlib.Path, quick: bool) -> None:
+        self.build, self.folder, self.quick = build.resolve(), folder, quick
         self.package = package.resolve() if package else None
-        self.rows = []
+        self.rows: list[tuple[int | str, str, str, float | None, float, str]] = []
 
-    def program(self, name):
+    def program(self, name: str) -> str:
         return str(self.build / name)
 
-    def add(self, number, what, against, bar, ratio, detail=""):
+    def add(self, number: int | str, what: str, against: str, bar: float | None, ratio: float,
+            detail: str = "") -> None:
         """Records a row: `bar` is the largest figure that reaches it, None where any does."""
         self.rows.append((number, what, against, bar, ratio, detail))
         print(f"row {number}: {what} / {against}: {ratio:.2f} ({detail})", file=sys.stderr)
 
-    def output_of(self, program, *words, environment=None):
+    def output_of(self, program: str, *words: object, environment: Environment | None = None) -> list[float]:
         """Returns the numbers that a program prints."""
         return [float(word) for word in subprocess.run([self.program(program), *map(str, words)], text=True,
                                                        env=environment, capture_output=True, check=True).stdout.split()]
 
-    def times(self, runs, commands, until="exit", environment=None):
+    def times(self, runs: int, commands: list[dict[str, Any]], until: str = "exit",
+              environment: Environment | None = None) -> list[float]:
         """Returns the median time of each command in milliseconds, measured in turn."""
         task = {"runs": 2 if self.quick else runs, "until": until, "commands": [
             {"argv": [str(word) for word in command["argv"]]} |
@@ -56,14 +60,15 @@ class Bench:
             raise RuntimeError(result.stderr.strip())
         return [statistics.median(times) / 1000 for times in json.loads(result.stdout)]
 
-    def compare(self, number, what, against, bar, medians, index=1, unit="ms"):
+    def compare(self, number: int, what: str, against: str, bar: float | None, medians: Sequence[float],
+                index: int = 1, unit: str = "ms") -> None:
         ours, peer = medians[0], medians[index]
         self.add(number, what, against, bar, ours / peer,
                  f"{ours:.2f} {unit} / {peer:.2f} {unit}")
 
     # ---- the rows ----
 
-    def throttled_start(self):
+    def throttled_start(self) -> None:
         """Rows 1 and 2."""
         stage = Stage(self.build, self.folder / "throttled")
         stage.run({"PATH": "/usr/bin"})  # stores the time of a run
@@ -76,7 +81,7 @@ class Bench:
         self.compare(1, "throttled start", "empty C++ program", 1.25, medians)
         self.compare(2, "throttled start", "same start with all libraries linked", 0.15, medians, 2)
 
-    def window(self, environment):
+    def window(self, environment: Environment) -> None:
         """Rows 3, 4, 13 and 15."""
         minimal, title = self.program("bench/minimal-window"), "minimal-window"
         stages = {"": Stage(self.build, self.folder / "window")}
@@ -84,12 +89,12 @@ class Bench:
             stages[", package"] = Stage(self.package, self.folder / "package")
         environment = next(iter(stages.values())).environment(environment)
 
-        def helper(stage, first=""):
+        def helper(stage: Stage, first: str = "") -> dict[str, Any]:
             forget = f"rm -f '{stage.config}/{stage.brand['identifier']}.conf'"
             return {"argv": [stage.program()], "prepare": ["sh", "-c", forget + first],
                     "environment": {"HOME": str(stage.home), "TMPDIR": str(stage.home / "tmp")}}
 
-        def memory_of(program, title, stage=None):
+        def memory_of(program: str | pathlib.Path, title: str, stage: Stage | None = None) -> float:
             process = subprocess.Popen([program], env=stage.environment(environment) if stage else environment,
                                        stderr=subprocess.DEVNULL)
             wait_for(Window(environment, title).is_shown)
@@ -118,7 +123,7 @@ class Bench:
                     what = f"start until the window appears, files not in memory{kind}"
                     self.compare(15, what, "minimal Qt window", None, (time_, first[-1]))
 
-    def instructions(self, environment):
+    def instructions(self, environment: Environment) -> None:
         """Row 3b."""
         stage = Stage(self.build, self.folder / "instructions")
         file = self.folder / "callgrind"
@@ -138,7 +143,7 @@ class Bench:
         if count > MOST_INSTRUCTIONS:
             sys.exit(f"bench: {count:.1f} million instructions until the window, more than {MOST_INSTRUCTIONS}")
 
-    def at_rest(self, environment):
+    def at_rest(self, environment: Environment) -> None:
         """Row 16."""
         seconds = 1 if self.quick else 10
         stage = Stage(self.build, self.folder / "rest")
@@ -160,7 +165,7 @@ class Bench:
                      (of_threads(process.pid, processor_time) - before) / seconds / 1e7)
             end(process)
 
-    def worst_answer(self):
+    def worst_answer(self) -> None:
         """Row 17."""
         file = self.folder / "hostile.json"
         subprocess.run([self.program("tests/store-test"), "--gtest_filter=HostileAnswers.*",
@@ -168,7 +173,7 @@ class Bench:
         worst = json.loads(file.read_text())["testsuites"][0]["testsuite"][0]["worst"]
         self.add(17, "ms to parse the slowest known answer of 1 MiB", "", 100, int(worst) / 1000)
 
-    def sizes(self):
+    def sizes(self) -> None:
         """Row 18."""
         package = next(self.package.glob("dist/*.tar.gz"))
         bundle = self.package / "Subscription Helper.app"
@@ -177,7 +182,7 @@ class Bench:
                            ("process entry", (bundle / "Contents/Linux/Subscription Helper").stat().st_size)):
             self.add(18, f"package in MB, {what}", "", None, size / 1e6)
 
-    def reading(self):
+    def reading(self) -> None:
         """Rows 5, 6, 7 and 8."""
         result = subprocess.run(
             [self.program("bench/reading"), "--benchmark_format=json", "--benchmark_filter=-calls",
@@ -185,7 +190,8 @@ class Bench:
              f"--benchmark_repetitions={1 if self.quick else 15}",
              f"--benchmark_min_time={0.01 if self.quick else 0.15}"],
             text=True, capture_output=True, check=True)
-        rounds, per_byte = {}, {}
+        rounds: dict[str, list[float]] = {}
+        per_byte: dict[str, list[float]] = {}
         for run in json.loads(result.stdout)["benchmarks"]:
             if run["run_type"] == "iteration":
                 name = run["name"].removesuffix("/real_time")
@@ -208,7 +214,7 @@ class Bench:
         self.compare(8, "system calls of one lookup", "libcurl and expat alone", 1.0,
                      (self.calls_of("ours"), self.calls_of("bare")), unit="calls")
 
-    def calls_of(self, name):
+    def calls_of(self, name: str) -> float:
         """Returns the system calls of one lookup: the difference between 200 and 100 lookups, divided by 100."""
         counts = []
         for times in (100, 200):
@@ -218,7 +224,7 @@ class Bench:
             counts.append(file.read_text().count("\n"))
         return (counts[1] - counts[0]) / 100
 
-    def memory(self):
+    def memory(self) -> None:
         """Row 7."""
         file = self.folder / "answer.xml"
         count = (10 if self.quick else 100) * 10**6 // len(SUBSCRIPTION)
@@ -228,7 +234,7 @@ class Bench:
         self.add(7, f"peak memory while reading {large / 1e6:.0f} MB", "size of the answer", 1.1,
                  peak / large, f"{peak / 1e6:.0f} MB / {large / 1e6:.0f} MB")
 
-    def storectl(self):
+    def storectl(self) -> None:
         """Row 9."""
         with Store(self.build) as store:
             url = f"{store.address}?f=getsubscription&subscriptionRef=DEMO-1001"
@@ -238,7 +244,7 @@ class Bench:
                 {"argv": ["sh", "-c", pipe]}])
         self.compare(9, "one lookup by the command storectl", "curl -s piped into xmllint --xpath", 1.0, medians)
 
-    def long_lists(self):
+    def long_lists(self) -> None:
         """Row 19."""
         links, references = self.folder / "links", self.folder / "references"
         for delay, jobs, count in ((0, 1, 5000), (0, 8, 5000), (50, 1, 100), (50, 8, 800)):
@@ -256,7 +262,7 @@ class Bench:
             what = f"list looked up by storectl, {jobs} at a time, answers after {delay} ms"
             self.add(19, what, "curl --parallel", None, medians[0] / medians[1], " / ".join(per_second))
 
-    def steps(self):
+    def steps(self) -> None:
         """Measures the removal's steps. The copies' times exclude the program's start, which is measured separately."""
         step = self.program("tests/removal-step")
         stage = Stage(self.build, self.folder / "steps")
@@ -292,7 +298,7 @@ class Bench:
         self.compare(11, "moving a bundle to the Trash", "GIO's g_file_trash", 1.1,
                      self.output_of("bench/trash", 2 if self.quick else 300), unit="us")
 
-    def event_loop(self, environment):
+    def event_loop(self, environment: Environment) -> None:
         """Rows 12 and 14."""
         gaps, clicks = zip(*(self.output_of("bench/event-loop", environment=environment)
                              for _ in range(1 if self.quick else 9)))
@@ -300,17 +306,17 @@ class Bench:
                                     (14, "button press until the sheet is painted", clicks)):
             self.compare(number, what, "one frame (16 ms)", 1.0, (statistics.median(times) / 1000, 16.0))
 
-    def table(self):
+    def table(self) -> None:
         print("| # | measurement | compared with | target | result | verdict | medians |")
         print("|---|---|---|---|---|---|---|")
         for number, what, against, bar, ratio, detail in sorted(
                 self.rows, key=lambda row: (int(str(row[0]).strip("b")), str(row[0]))):
             verdict = "" if bar is None else "reached" if ratio <= bar else "**not reached**"
-            bar = "" if bar is None else f"{bar:.2f}"
-            print(f"| {number} | {what} | {against} | {bar} | {ratio:.2f} | {verdict} | {detail} |")
+            target = "" if bar is None else f"{bar:.2f}"
+            print(f"| {number} | {what} | {against} | {target} | {ratio:.2f} | {verdict} | {detail} |")
 
 
-def make_bundle(path, files):
+def make_bundle(path: pathlib.Path, files: int) -> None:
     """Creates an application bundle with a program and many small files."""
     (path / "Contents" / "Linux").mkdir(parents=True)
     program = path / "Contents" / "Linux" / path.stem
@@ -322,28 +328,28 @@ def make_bundle(path, files):
         (folder / f"{number}.txt").write_text(f"file {number}\n" * 20)
 
 
-def status_of(process, field):
+def status_of(process: int, field: str) -> int:
     """Returns a memory figure of a process in bytes."""
     lines = pathlib.Path(f"/proc/{process}/status").read_text().splitlines()
     return next(int(line.split()[1]) * 1024 for line in lines if line.startswith(f"{field}:"))
 
 
-def of_threads(process, figure):
+def of_threads(process: int, figure: Callable[[pathlib.Path], int]) -> int:
     """Returns the sum of a figure over the threads of a process."""
     return sum(figure(thread) for thread in pathlib.Path(f"/proc/{process}/task").iterdir())
 
 
-def wakeups(thread):
+def wakeups(thread: pathlib.Path) -> int:
     lines = (thread / "status").read_text().splitlines()
     return sum(int(line.split()[1]) for line in lines if "voluntary_ctxt_switches" in line)
 
 
-def processor_time(thread):
+def processor_time(thread: pathlib.Path) -> int:
     """Returns the processor time of a thread in nanoseconds."""
     return int((thread / "schedstat").read_text().split()[0])
 
 
-def main():
+def main() -> None:
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("build", type=pathlib.Path)
     parser.add_argument("--package", type=pathlib.Path, help="the build folder of a self-contained package")

@@ -14,6 +14,7 @@ import re
 import shutil
 import subprocess
 import sys
+from typing import Any
 
 # SPDX license expressions of Debian's source packages, from their copyright files.
 LICENSES = {
@@ -45,11 +46,11 @@ OWN = "Frameworks/SubscriptionHelper"  # this project's libraries, which others 
 COMMON = pathlib.Path("/usr/share/common-licenses")
 
 
-def output_of(*command):
+def output_of(*command: str) -> str:
     return subprocess.run(command, text=True, check=True, stdout=subprocess.PIPE).stdout.strip()
 
 
-def package_of(origin):
+def package_of(origin: pathlib.Path) -> tuple[str, str, pathlib.Path]:
     """Returns the name, version and license file of the source package that a file came from."""
     source = next((folder for folder in origin.parents if (folder / "src/curl/debian").is_dir()), None)
     if source and origin.name == "libcurl.a":  # built from Debian's sources
@@ -68,28 +69,30 @@ def package_of(origin):
     sys.exit(f"licenses: cannot find the Debian package of {origin}")
 
 
-def digest(file, kind):
+def digest(file: pathlib.Path, kind: str) -> str:
     return hashlib.new(kind, file.read_bytes()).hexdigest()
 
 
-def identifier_of(*names):
+def identifier_of(*names: str) -> str:
     return "SPDXRef-" + re.sub(r"[^A-Za-z0-9.]", "-", "-".join(names))
 
 
-def described(name, version, license_, supplier):
+def described(name: str, version: str, license_: str, supplier: str) -> dict[str, Any]:
     return {"SPDXID": identifier_of("Package", name), "name": name, "versionInfo": version,
             "supplier": supplier, "downloadLocation": "NOASSERTION", "licenseDeclared": license_,
             "licenseConcluded": license_, "copyrightText": "NOASSERTION"}
 
 
-def main():
-    contents, origins, identifier, version, company, license_ = (*sys.argv[1:], "")[:6]
-    contents = pathlib.Path(contents)
+def main() -> None:
+    bundle, origins, identifier, version, company, license_ = (*sys.argv[1:], "")[:6]
+    contents = pathlib.Path(bundle)
     folder = contents / "Resources" / "licenses"
     shutil.rmtree(folder, ignore_errors=True)
     folder.mkdir()
 
-    packages, files, relations = {}, {}, []
+    packages: dict[str, Any] = {}
+    files: dict[str, Any] = {}
+    relations: list[tuple[str, str, str]] = []
     for line in sorted(pathlib.Path(origins).read_text().splitlines()):
         target, origin = line.split("\t")
         name, package_version, text = package_of(pathlib.Path(origin))
@@ -111,8 +114,9 @@ def main():
                     packages[name]["SPDXID"])
         relations += [relation] if relation not in relations else []
 
-    own = described(identifier, version, "NOASSERTION", f"Organization: {company}") | {"filesAnalyzed": False}
-    document = {
+    own = described(identifier, version, "NOASSERTION", f"Organization: {company}")
+    own["filesAnalyzed"] = False
+    document: dict[str, Any] = {
         "spdxVersion": "SPDX-2.3", "dataLicense": "CC0-1.0", "SPDXID": "SPDXRef-DOCUMENT",
         "name": f"{identifier}-{version}", "packages": [own, *packages.values()],
         "files": list(files.values())}

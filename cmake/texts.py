@@ -23,17 +23,18 @@ MENU = (("Name", "name", "Cancel %@ Subscription"),
         ("Comment", "summary", "Cancel the subscription and uninstall %@"))
 
 
-def unescaped(text):
+def unescaped(text: str) -> str:
     text = ESCAPE.sub(lambda match: chr(int(match[1], 8)) if match[1] else chr(int(match[2], 16)) if match[2]
                       else LETTERS.get(match[3], match[3]), text)
     return text.encode("utf-16", "surrogatepass").decode("utf-16")  # pairs of code units become characters
 
 
-def parse(text):
+def parse(text: str) -> dict[str, str]:
     """Returns the entries of a table's text by key. Raises ValueError at the first error."""
-    entries, at = {}, 0
+    entries: dict[str, str] = {}
+    at = 0
 
-    def take(pattern, expected=None):
+    def take(pattern: str, expected: str | None = None) -> re.Match[str] | None:
         nonlocal at
         match = re.compile(pattern, re.DOTALL).match(text, at)
         if match:
@@ -43,7 +44,7 @@ def parse(text):
             raise ValueError(f"line {line}: expected {expected}, not '{text[at:at + 40].partition(chr(10))[0]}'")
         return match
 
-    def word(expected):
+    def word(expected: str) -> str:
         match = take(WORD, expected)
         take(BLANKS)
         return match[2] or unescaped(match[1])
@@ -58,7 +59,7 @@ def parse(text):
     return entries
 
 
-def table(file):
+def table(file: pathlib.Path) -> dict[str, str]:
     """Returns the entries of a strings table by key. Exits with a message if the table has an error."""
     data = file.read_bytes()
     try:
@@ -67,11 +68,11 @@ def table(file):
         return sys.exit(f"{file}: {error}")
 
 
-def mnemonic(text):
+def mnemonic(text: str) -> str:
     return text.partition("&")[2][:1].lower()
 
 
-def check(file, own, known, ours):
+def check(file: pathlib.Path, own: dict[str, str], known: dict[str, str], ours: dict[str, str] | None) -> None:
     """Checks a file of a company's texts. `ours` are this project's in the same language, or None."""
     for key, value in own.items():
         if key not in known and key != "Product Name":
@@ -91,7 +92,7 @@ def check(file, own, known, ours):
         sys.exit(f"{file}: '{one}' and '{other}' have the same mnemonic after &")
 
 
-def add_own(folder, tables):
+def add_own(folder: pathlib.Path, tables: dict[str, dict[str, str]]) -> None:
     """Checks the company's texts in a directory, and replaces the project's by them."""
     known = tables["en"]
     files = sorted(folder.iterdir())
@@ -105,7 +106,7 @@ def add_own(folder, tables):
         tables[file.stem] = tables.get(file.stem, {}) | own
 
 
-def write(tables, product, output):
+def write(tables: dict[str, dict[str, str]], product: str, output: pathlib.Path) -> None:
     desktop = metainfo = ""
     for language, texts in sorted(tables.items(), key=lambda pair: (pair[0] != "en", pair[0])):
         texts.setdefault("Product Name", product)
@@ -126,7 +127,7 @@ def write(tables, product, output):
     print(json.dumps({"desktop": desktop, "metainfo": metainfo}))
 
 
-def main():
+def main() -> None:
     resources, own, *rest = sys.argv[1:]
     tables = {file.parent.stem: table(file)
               for file in pathlib.Path(resources).glob("*.lproj/Localizable.strings")}

@@ -26,7 +26,7 @@ exec /usr/bin/chromium --no-first-run --disable-gpu --disable-quic --disable-syn
 """
 
 
-def set_chromium(stage, folder):
+def set_chromium(stage: Stage, folder: pathlib.Path) -> None:
     """Makes Chromium, with a temporary profile, the browser of the stage's user."""
     root = "--no-sandbox" if os.geteuid() == 0 else ""
     browser = stage.home / "browser"
@@ -35,13 +35,13 @@ def set_chromium(stage, folder):
     stage.set_browser(f'"{browser}" %u')
 
 
-def use_by_hand(stage):
+def use_by_hand(stage: Stage) -> int:
     print("In the window, press “Cancel Subscription and Uninstall”, then “Close”.", flush=True)
     with (stage.home / "log").open("w") as log:
         return stage.start(log=log).wait()
 
 
-def use_by_itself(stage, store, folder, refuse):
+def use_by_itself(stage: Stage, store: Store, folder: pathlib.Path, refuse: bool) -> int | None:
     """Presses the remove button by keyboard on a virtual display, and takes pictures. Returns the helper's status, or
     None if it is still running 30 seconds later."""
     with desktop(stage.environment()) as environment:
@@ -63,21 +63,21 @@ def use_by_itself(stage, store, folder, refuse):
             end(process)
 
 
-def photograph_browser(window, store, folder):
+def photograph_browser(window: Window, store: Store, folder: pathlib.Path) -> None:
     wait_for(lambda: any("/account/" in line for line in store.requests), 60)
     time.sleep(3)  # until the page is drawn
     screenshot(window.environment, folder / "browser.png")
     window.activate()
 
 
-def report(stage, store, status, refuse):
+def report(stage: Stage, store: Store, status: int | None, refuse: bool) -> bool:
     """Prints the outcome of each step. Returns whether all steps succeeded."""
     requests = list(store.requests)
     second, _, seconds = stage.run(bundle=stage.trashed_bundle()) if stage.trashed_bundle() \
         else (None, "", 0)
     note = stage.note.read_text().strip() if stage.note.exists() else "the note is missing"
 
-    def request(part):
+    def request(part: str) -> str | None:
         return next((line for line in requests if part in line), None)
 
     steps = [
@@ -105,7 +105,7 @@ def report(stage, store, status, refuse):
     return status == 0 and all(fact for fact, _ in steps)
 
 
-def main():
+def main() -> None:
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("build", type=pathlib.Path)
     parser.add_argument("folder", type=pathlib.Path)

@@ -5,14 +5,20 @@ As a program, `kit/desktop.py COMMAND [ARGUMENT ...]` runs a command on such a d
 
 import contextlib
 import os
+import pathlib
 import subprocess
 import sys
 import time
+from collections.abc import Callable, Iterator
+from typing import Any, TypeVar
 
+Environment = dict[str, str]
+Process = subprocess.Popen[Any]
+T = TypeVar("T")
 SCREEN = os.environ.get("DEMO_SCREEN", "1280x800")
 
 
-def end(process, grace=10):
+def end(process: Process, grace: float = 10) -> None:
     """Terminates a child process, kills it after `grace` seconds, and waits for it."""
     if process.poll() is None:
         process.terminate()
@@ -23,7 +29,7 @@ def end(process, grace=10):
     process.wait()
 
 
-def wait_for(condition, seconds=15, interval=0.05):
+def wait_for(condition: Callable[[], T], seconds: float = 15, interval: float = 0.05) -> T:
     """Waits until the condition returns a true value, and returns that value, or the last one after `seconds`."""
     deadline = time.monotonic() + seconds
     value = condition()
@@ -33,7 +39,7 @@ def wait_for(condition, seconds=15, interval=0.05):
     return value
 
 
-def _start_display(screen):
+def _start_display(screen: str) -> tuple[Process, str]:
     """Starts a virtual display on a free number, which the server chooses. Returns the process and the number."""
     reader, writer = os.pipe()
     # Without -noreset, the server resets when its last client disconnects, and drops a client that is just connecting.
@@ -48,7 +54,7 @@ def _start_display(screen):
     return server, ":" + number
 
 
-def start_bus(environment):
+def start_bus(environment: Environment) -> tuple[Process, str]:
     """Starts a session bus. Returns the process and the bus's address."""
     bus = subprocess.Popen(["dbus-daemon", "--session", "--nofork", "--print-address=1"],
                            stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True,
@@ -56,7 +62,7 @@ def start_bus(environment):
     return bus, bus.stdout.readline().strip()
 
 
-def _start_manager(environment):
+def _start_manager(environment: Environment) -> Process:
     """Starts a window manager, waits until it manages the display, and returns its process.
 
     openbox sets _NET_SUPPORTING_WM_CHECK before it looks for windows, and a window that is mapped in between stays
@@ -72,7 +78,7 @@ def _start_manager(environment):
 
 
 @contextlib.contextmanager
-def display(environment=None, screen=SCREEN):
+def display(environment: Environment | None = None, screen: str = SCREEN) -> Iterator[Environment]:
     """Yields the environment for programs on a new display without a window manager."""
     environment = dict(environment if environment is not None else os.environ)
     environment.pop("WAYLAND_DISPLAY", None)
@@ -84,7 +90,7 @@ def display(environment=None, screen=SCREEN):
 
 
 @contextlib.contextmanager
-def desktop(environment=None):
+def desktop(environment: Environment | None = None) -> Iterator[Environment]:
     """Yields the environment for programs on a new desktop."""
     with contextlib.ExitStack() as stack:
         environment = stack.enter_context(display(environment))
@@ -96,7 +102,8 @@ def desktop(environment=None):
 
 
 @contextlib.contextmanager
-def wayland_desktop(runtime, environment=None, backend="headless"):
+def wayland_desktop(runtime: pathlib.Path, environment: Environment | None = None,
+                    backend: str = "headless") -> Iterator[Environment]:
     """Yields the environment for programs on a new Wayland desktop. The desktop is headless, or a window on X11 if
     the backend is "x11". Its socket is in the directory `runtime`, which is created here."""
     environment = dict(environment if environment is not None else os.environ)
@@ -114,7 +121,7 @@ def wayland_desktop(runtime, environment=None, backend="headless"):
         yield environment
 
 
-def screenshot(environment, path):
+def screenshot(environment: Environment, path: str | pathlib.Path) -> None:
     subprocess.run(["import", "-window", "root", path], env=environment, check=True)
 
 

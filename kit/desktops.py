@@ -13,10 +13,11 @@ import pathlib
 import subprocess
 import sys
 import time
+from typing import IO
 
-from kit.desktop import display, end, wait_for
+from kit.desktop import Environment, Process, display, end, wait_for
 from kit.machines import CUSTOMER, Machine, prepare, run, shown_on_x11, use
-from kit.stage import Store
+from kit.stage import Store, Window
 
 SCALE = int(os.environ.get("DESKTOP_SCALE", "1"))
 
@@ -54,7 +55,7 @@ DESKTOPS = {
 }
 
 
-def is_managed(environment):
+def is_managed(environment: Environment) -> bool:
     """Returns true if a window manager manages the display."""
     return "_NET_SUPPORTING_WM_CHECK(WINDOW)" in subprocess.run(
         ["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"], env=environment, text=True,
@@ -64,7 +65,7 @@ def is_managed(environment):
 class Session:
     """A customer's session of a desktop on a display."""
 
-    def __init__(self, machine, kind, environment, log):
+    def __init__(self, machine: Machine, kind: Desktop, environment: Environment, log: IO[str]) -> None:
         self.machine = machine
         self.kind = kind
         self.display = environment
@@ -75,14 +76,14 @@ class Session:
         self.variables = kind.variables | {
             "XDG_SESSION_TYPE": "x11", "XDG_RUNTIME_DIR": machine.inside(runtime),
             "DBUS_SESSION_BUS_ADDRESS": f"unix:path={machine.inside(runtime)}/bus"}
-        self.programs = []
+        self.programs: list[Process] = []
         (machine.stage.config / "kcmfonts").write_text(f"[General]\nforceFontDPI={96 * SCALE}\n")
         (machine.stage.config / "kdeglobals").write_text(
             f"[KScreen]\nScaleFactor={SCALE}\nScreenScaleFactors=screen={SCALE};\n")
         (machine.stage.config / "ksplashrc").write_text("[KSplash]\nEngine=none\n")
         run("chown", "-R", f"{CUSTOMER}:{CUSTOMER}", machine.stage.config)
 
-    def begin(self):
+    def begin(self) -> None:
         # GNOME needs a system bus.
         (self.machine.root / "run/dbus").mkdir(exist_ok=True)
         (self.machine.root / "run/dbus/pid").unlink(missing_ok=True)
@@ -97,34 +98,34 @@ class Session:
             raise RuntimeError(f"{self.kind.name} does not start")
         self._wait_until_quiet()
 
-    def _begin(self, *program):
+    def _begin(self, *program: str) -> None:
         self.programs.append(subprocess.Popen(self._command(*program), stdin=subprocess.DEVNULL, stdout=self.log,
                                               stderr=self.log))
 
-    def _command(self, *words):
+    def _command(self, *words: str) -> list[str]:
         return self.machine.command(*words, DISPLAY=self.display["DISPLAY"], **self.variables)
 
-    def end(self):
+    def end(self) -> None:
         for program in reversed(self.programs):
             end(program, 5)
 
-    def call(self, *words):
+    def call(self, *words: str) -> None:
         subprocess.run(self._command(*words), check=True, stdout=self.log, stderr=self.log)
 
-    def set_style(self, style):
+    def set_style(self, style: str) -> None:
         self.call(*self.kind.styles[style])
         self._wait_until_quiet()
         if self.kind.welcome:
             self.call(*self.kind.welcome)
             self._wait_until_quiet()
 
-    def _wait_until_quiet(self):
+    def _wait_until_quiet(self) -> None:
         """Waits until the screen has looked the same for two seconds."""
-        def picture():
+        def picture() -> bytes:
             return subprocess.run(["import", "-window", "root", "ppm:-"], env=self.display, check=True,
                                   capture_output=True).stdout
 
-        def is_quiet():
+        def is_quiet() -> bool:
             before = picture()
             time.sleep(2)
             return picture() == before
@@ -132,14 +133,14 @@ class Session:
         wait_for(is_quiet, 60)
 
 
-def seen_style(window):
+def seen_style(window: Window) -> str:
     """Returns "light" or "dark", by the mean of the window's pixels."""
     mean = subprocess.run(["convert", "ppm:-", "-colorspace", "gray", "-format", "%[fx:mean]", "info:"],
                           input=window.picture(), capture_output=True, check=True).stdout
     return "light" if float(mean) > 0.5 else "dark"
 
 
-def check(build, root, style, pictures):
+def check(build: pathlib.Path, root: pathlib.Path, style: str, pictures: pathlib.Path) -> dict[str, bool]:
     """Runs a session. Returns whether each step succeeded, by column."""
     kind = DESKTOPS[root.name]
     machine = Machine(build, root)
@@ -164,7 +165,7 @@ def check(build, root, style, pictures):
     return facts
 
 
-def main():
+def main() -> None:
     build = pathlib.Path(sys.argv[1])
     print("| desktop | style | window | looks so | removal | restore path |\n|---|---|---|---|---|---|")
     done = True

@@ -19,16 +19,16 @@ TIDY = "clang-tidy-14"
 HAS_NO_COMMAND = "platform/macos/ExecutablePath.cpp"  # and includes headers of macOS
 
 
-def output(*words):
+def output(*words: str | pathlib.Path) -> str:
     return subprocess.run(words, cwd=PROJECT, text=True, check=True, stdout=subprocess.PIPE).stdout
 
 
 @functools.cache
-def digest(path):
+def digest(path: str) -> str:
     return hashlib.sha256(pathlib.Path(path).read_bytes()).hexdigest()
 
 
-def dependencies(build):
+def dependencies(build: pathlib.Path) -> dict[str, list[str]]:
     """Maps each source to all files that it includes, as the last build recorded them."""
     found = {}
     for record in output("ninja", "-C", build, "-t", "deps").split("\n\n"):
@@ -38,7 +38,7 @@ def dependencies(build):
     return found
 
 
-def check(passed, key, source):
+def check(passed: pathlib.Path, key: str | None, source: str) -> bool:
     """Returns whether a source passes, and remembers it by its key. Prints what clang-tidy finds."""
     result = subprocess.run([TIDY, "-p", passed, "--quiet", source], cwd=PROJECT, text=True, check=False,
                             stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
@@ -48,7 +48,7 @@ def check(passed, key, source):
     return result.returncode == 0
 
 
-def main():
+def main() -> None:
     build = pathlib.Path(sys.argv[1]).resolve()
     passed = build / "lint"
     passed.mkdir(exist_ok=True)

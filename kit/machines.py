@@ -10,19 +10,20 @@ import pathlib
 import shutil
 import subprocess
 import sys
+from collections.abc import Iterator
 
-from kit.desktop import desktop, end, screenshot, wait_for, wayland_desktop
+from kit.desktop import Environment, Process, desktop, end, screenshot, wait_for, wayland_desktop
 from kit.stage import Stage, Store, Window
 
 CUSTOMER = 1000
 BUS = ("dbus-run-session", "--")
 
 
-def run(*arguments):
+def run(*arguments: object) -> str:
     return subprocess.run(list(map(str, arguments)), text=True, check=True, stdout=subprocess.PIPE).stdout
 
 
-def prepare(root):
+def prepare(root: pathlib.Path) -> None:
     """Adds a customer account, the kernel's directories, and the outer system's X servers to a system."""
     if "customer:" not in (root / "etc/passwd").read_text():
         run("chroot", root, "useradd", "--uid", CUSTOMER, "customer")
@@ -34,7 +35,7 @@ def prepare(root):
 class Machine:
     """A customer on a bare system, with the package unpacked in a new home."""
 
-    def __init__(self, build, root):
+    def __init__(self, build: pathlib.Path, root: pathlib.Path) -> None:
         self.root = root
         home = root / "home/customer"
         shutil.rmtree(home, ignore_errors=True)
@@ -44,29 +45,29 @@ class Machine:
         run("tar", "-xzf", package, "-C", self.stage.applications)
         run("chown", "-R", f"{CUSTOMER}:{CUSTOMER}", home)
 
-    def system(self):
+    def system(self) -> str:
         name = next(line for line in (self.root / "etc/os-release").read_text().splitlines()
                     if line.startswith("PRETTY_NAME="))
         version = run("chroot", self.root, "dpkg-query", "--show", "--showformat", "${Version}", "libc6")
         return f"{name.split('=')[1].strip(chr(34))}, glibc {version.split('-')[0]}"
 
-    def inside(self, path):
+    def inside(self, path: pathlib.Path) -> str:
         """Returns the path as the customer sees it."""
         return str(path).removeprefix(str(self.root))
 
-    def command(self, *words, **environment):
+    def command(self, *words: str, **environment: str) -> list[str]:
         """Returns the arguments that run a command as the customer, with additional variables."""
         home = self.inside(self.stage.home)
         variables = {"HOME": home, "TMPDIR": f"{home}/tmp", "LC_ALL": "C.UTF-8", "PATH": "/usr/bin:/bin"} | environment
         return ["chroot", f"--userspec={CUSTOMER}:{CUSTOMER}", str(self.root), "env", "-i", "--chdir", home,
                 *(f"{name}={value}" for name, value in variables.items()), *words]
 
-    def start(self, *runner, **environment):
+    def start(self, *runner: str, **environment: str) -> Process:
         """Starts the helper through the command `runner`, or directly."""
         program = self.inside(self.stage.program())
         return subprocess.Popen(self.command(*runner, program, **environment), text=True, stderr=subprocess.PIPE)
 
-    def libraries(self):
+    def libraries(self) -> set[str]:
         """Returns the names of the libraries that the running helper has loaded from outside its bundle."""
         for maps in pathlib.Path("/proc").glob("[0-9]*/maps"):
             with contextlib.suppress(OSError):
@@ -77,7 +78,8 @@ class Machine:
         return set()
 
 
-def shown_on_x11(machine, environment, picture, *runner, **variables):
+def shown_on_x11(machine: Machine, environment: Environment, picture: str | pathlib.Path, *runner: str,
+                 **variables: str) -> tuple[Process, Window, bool]:
     """Starts the helper and waits for its window. Returns the process, the window, and whether it appeared."""
     window = Window(environment, machine.stage.brand["productName"])
     process = machine.start(*runner, DISPLAY=environment["DISPLAY"], **variables)
@@ -86,10 +88,11 @@ def shown_on_x11(machine, environment, picture, *runner, **variables):
     return process, window, is_shown
 
 
-def shown_on_wayland(machine, environment, picture, socket):
+def shown_on_wayland(machine: Machine, environment: Environment, picture: pathlib.Path,
+                     socket: str) -> tuple[Process, Window, bool]:
     """Starts the helper in a compositor, whose window gets the keys, and waits until its picture changes. Returns the
     process, the compositor's window, and whether its picture changed."""
-    def differing():
+    def differing() -> bool:
         screenshot(environment, picture)
         result = subprocess.run(["compare", "-metric", "AE", before, picture, "null:"], text=True,
                                 capture_output=True, check=False)
@@ -105,7 +108,7 @@ def shown_on_wayland(machine, environment, picture, socket):
     return process, window, bool(is_shown)
 
 
-def use(machine, requests, process, window, pictures=None):
+def use(machine: Machine, requests: list[str], process: Process, window: Window, pictures: str | None = None) -> bool:
     """Runs a removal by keyboard, and prints the helper's log. Returns whether every step succeeded.
 
     @param pictures see Window.remove().
@@ -123,7 +126,8 @@ def use(machine, requests, process, window, pictures=None):
     return bool(machine.stage.trashed_bundle()) and uninstalled and len(requests) == 2 and process.returncode == 0
 
 
-def check(build, root, pictures):
+def check(build: pathlib.Path, root: pathlib.Path, pictures: pathlib.Path
+          ) -> Iterator[tuple[str, str, bool, bool, set[str]]]:
     """Yields a system's two table rows: under X11 and under Wayland."""
     prepare(root)
     libraries = set()
@@ -145,7 +149,7 @@ def check(build, root, pictures):
         yield machine.system(), session, is_shown, is_removed, libraries
 
 
-def main():
+def main() -> None:
     build = pathlib.Path(sys.argv[1])
     size = int(run("du", "-s", "--block-size=1M", build / "Subscription Helper.app").split()[0])
     print(f"| system | session | unpacked | window | removal | libraries of the system |\n|{'---|' * 6}")

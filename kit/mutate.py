@@ -10,9 +10,11 @@ import subprocess
 import sys
 import tempfile
 import time
+from collections.abc import Iterator
 
 from kit.stage import PROJECT
 
+Fault = tuple[str, str, int, str]  # kind, file, line number, and the line with the fault
 FOLDERS = ("app/", "base/", "store/", "housekeeping/", "platform/", "tools/")
 # Each kind of fault: a pattern in code, and its replacements for a match.
 KINDS = {
@@ -26,7 +28,7 @@ KINDS = {
 }
 
 
-def faults_of(file):
+def faults_of(file: str) -> Iterator[Fault]:
     """All faults of a source: kind, line number, and the line with the fault."""
     lines = (PROJECT / file).read_text().splitlines()
     for number, line in enumerate(lines):
@@ -39,20 +41,20 @@ def faults_of(file):
                     yield kind, file, number, code[:match.start()] + text + code[match.end():]
 
 
-def changed(since):
+def changed(since: str) -> list[str]:
     names = subprocess.run(["git", "diff", "--name-only", "--diff-filter=d", since], cwd=PROJECT, text=True, check=True,
                            stdout=subprocess.PIPE).stdout.splitlines()
     return [name for name in names if name.startswith(FOLDERS)]
 
 
-def sources(paths):
+def sources(paths: list[str]) -> list[str]:
     """The C++ files among and below the paths, without those of macOS."""
     found = {file.relative_to(PROJECT) for path in paths for root in [PROJECT / path]
              for file in (root.rglob("*") if root.is_dir() else [root])}
     return sorted(str(file) for file in found if file.suffix in (".h", ".cpp") and "macos" not in file.parts)
 
 
-def selected(faults, seed):
+def selected(faults: list[Fault], seed: int) -> list[Fault]:
     """The faults in a random order in which the kinds alternate."""
     random.Random(seed).shuffle(faults)
     ranks = {kind: 0 for kind in KINDS}
@@ -66,7 +68,7 @@ def selected(faults, seed):
 class Copy:
     """A copy of the project with a build directory of its own."""
 
-    def __init__(self, folder, seconds, tests):
+    def __init__(self, folder: pathlib.Path, seconds: int, tests: list[str]) -> None:
         self.folder, self.seconds = folder, seconds
         self.tests = ["ctest", "--test-dir", "build/dev", "--stop-on-failure", "--parallel", "2", *tests]
         names = subprocess.run(["git", "ls-files", "-z", "--cached", "--others", "--exclude-standard"], cwd=PROJECT,
@@ -77,7 +79,7 @@ class Copy:
                 shutil.copy2(PROJECT / name, folder / name)
         subprocess.run(["git", "init", "-q"], cwd=folder, check=True)
 
-    def succeeds(self, *words):
+    def succeeds(self, *words: str) -> bool:
         """Runs a command in the copy, in a process group that ends with it. A time limit counts as a failure."""
         cache = {"CMAKE_C_COMPILER_LAUNCHER": "ccache", "CMAKE_CXX_COMPILER_LAUNCHER": "ccache",
                  "CCACHE_BASEDIR": str(self.folder), "CCACHE_NOHASHDIR": "1"} if shutil.which("ccache") else {}
@@ -85,10 +87,10 @@ class Copy:
             return subprocess.run(["timeout", "--kill-after=5", str(self.seconds), *words], cwd=self.folder, stdout=log,
                                   stderr=log, env=os.environ | cache, check=False).returncode == 0
 
-    def builds(self):
+    def builds(self) -> bool:
         return self.succeeds("cmake", "--build", "--preset", "dev")
 
-    def outcome(self, file, number, line):
+    def outcome(self, file: str, number: int, line: str) -> str:
         """Plants a fault, builds and tests, and restores the source."""
         path = self.folder / file
         original = path.read_text()
@@ -103,7 +105,7 @@ class Copy:
             path.write_text(original)
 
 
-def main():
+def main() -> None:
     parser = argparse.ArgumentParser(prog="scripts/mutate", description="Plants faults in a copy of the project, one "
                                      "after the other, and reports those that no test notices.")
     parser.add_argument("paths", nargs="*", help="files and directories. Default: files that differ from --since")

@@ -7,6 +7,7 @@ headings and quoted texts do not count. Prints each habit with its file and sent
 import re
 import subprocess
 import sys
+from collections.abc import Iterator
 
 LONGEST = 35  # words
 HABITS = (
@@ -20,9 +21,9 @@ COMMENT = {"cpp": r"(?:^|\s)//[/!<]*( .*)$", "script": r"(?:^|\s)#( .*)$"}
 QUOTED = re.compile(r"`[^`]*`|\"[^\"]*\"|\(`?https?:[^)]*\)")
 
 
-def paragraphs_of_comments(text, kind):
+def paragraphs_of_comments(text: str, kind: str) -> Iterator[str]:
     """Yields each comment. Indented lines, which are code or tables, separate paragraphs."""
-    lines = []
+    lines: list[str] = []
     for line in [*text.splitlines(), ""]:
         match = re.search(COMMENT[kind], line)
         if lines and not (match and not line[:match.start()].strip() and re.match(r" [^ @]", match[1])):
@@ -32,7 +33,7 @@ def paragraphs_of_comments(text, kind):
             lines.append(re.sub(r"^ @\w+( \w+)?", "", match[1]).strip())
 
 
-def paragraphs(name, text):
+def paragraphs(name: str, text: str) -> list[str]:
     if name.endswith(".md"):
         return [ITEM.sub("\n\n", DOCUMENT.sub("\n\n", text))]
     docstrings = re.findall(r'"""(.*?)"""', text, re.DOTALL) if name.endswith(".py") else []
@@ -40,7 +41,7 @@ def paragraphs(name, text):
     return ["\n\n".join(docstrings), *paragraphs_of_comments(text, kind)]
 
 
-def main():
+def main() -> None:
     files = ["*.md", "*.h", "*.cpp", "*.py", "*.cmake", "*CMakeLists.txt", "scripts/*"]
     names = subprocess.run(["git", "ls-files", *files], text=True, check=True, stdout=subprocess.PIPE).stdout
     found = []

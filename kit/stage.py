@@ -9,8 +9,10 @@ import subprocess
 import threading
 import time
 import urllib.parse
+from collections.abc import Callable
+from typing import IO
 
-from kit.desktop import end, screenshot, wait_for
+from kit.desktop import Environment, Process, end, screenshot, wait_for
 
 PROJECT = pathlib.Path(__file__).resolve().parents[1]
 BUNDLE = "Subscription Helper.app"
@@ -20,24 +22,24 @@ HELPER_DOMAIN = "com.example.subscription-helper"  # of the demo product's helpe
 class Store:
     """A running demo store service and the requests that it has printed."""
 
-    def __init__(self, build, *arguments):
+    def __init__(self, build: str | pathlib.Path, *arguments: str) -> None:
         self.process = subprocess.Popen([f"{build}/demo/demo-store", *arguments], text=True,
                                         stdout=subprocess.PIPE)
-        self.requests = []
+        self.requests: list[str] = []
         self.address = self.process.stdout.readline().strip().removeprefix("Listening on ")
         if not self.address:
             raise RuntimeError("cannot start the demo store")
         self._reader = threading.Thread(target=self._read, daemon=True)
         self._reader.start()
 
-    def _read(self):
+    def _read(self) -> None:
         for line in self.process.stdout:
             self.requests.append(line.strip())
 
-    def __enter__(self):
+    def __enter__(self) -> "Store":
         return self
 
-    def __exit__(self, *_):
+    def __exit__(self, *_: object) -> None:
         end(self.process)
         self._reader.join()
         self.process.stdout.close()
@@ -46,7 +48,8 @@ class Store:
 class Stage:
     """A home in `folder` that contains the bundle of a build directory and the demo product."""
 
-    def __init__(self, build, folder, reference="DEMO-1001", applications="Applications"):
+    def __init__(self, build: str | pathlib.Path, folder: pathlib.Path, reference: str | None = "DEMO-1001",
+                 applications: str = "Applications") -> None:
         self.home = pathlib.Path(folder)
         self.brand = json.loads((pathlib.Path(build) / "brand.json").read_text())
         self.applications = self.home / applications
@@ -60,22 +63,22 @@ class Stage:
         shutil.copytree(PROJECT / "demo" / "product" / "Acme Studio", self.product)
         self.set_reference(reference)
 
-    def is_demo(self):
+    def is_demo(self) -> bool:
         """Returns whether the brand is the demo product's, whose uninstaller leaves a note."""
         return self.brand["identifier"] == HELPER_DOMAIN
 
-    def wait_for_uninstaller(self, seconds=15):
+    def wait_for_uninstaller(self, seconds: float = 15) -> None:
         if self.is_demo():
             wait_for(self.note.exists, seconds)
 
-    def set_reference(self, reference):
+    def set_reference(self, reference: str | None) -> None:
         """Writes the product's subscription reference, or removes its settings file if the reference is None."""
         file = self.config / f"{self.brand['productDomain']}.conf"
         file.unlink(missing_ok=True)
         if reference is not None:
             file.write_text(f"subscriptionReference={reference}\n")
 
-    def environment(self, base=None):
+    def environment(self, base: Environment | None = None) -> Environment:
         """Returns the environment of a session of this home's user."""
         environment = dict(base if base is not None else os.environ)
         for name in list(environment):
@@ -85,15 +88,17 @@ class Stage:
         return environment | {"HOME": str(self.home), "TMPDIR": str(self.home / "tmp"),
                               "LC_ALL": "C.UTF-8"}
 
-    def program(self, bundle=None):
+    def program(self, bundle: pathlib.Path | None = None) -> pathlib.Path:
         return (bundle or self.bundle) / "Contents" / "Linux" / "Subscription Helper"
 
-    def start(self, base=None, bundle=None, log=subprocess.PIPE):
+    def start(self, base: Environment | None = None, bundle: pathlib.Path | None = None,
+              log: IO[str] | int = subprocess.PIPE) -> Process:
         """Starts the helper, which writes its standard error to `log`, and returns its process."""
         return subprocess.Popen([str(self.program(bundle))], env=self.environment(base), text=True,
                                 cwd=self.home, stderr=log)
 
-    def run(self, base=None, bundle=None, seconds=60):
+    def run(self, base: Environment | None = None, bundle: pathlib.Path | None = None,
+            seconds: float = 60) -> tuple[int, str, float]:
         """Runs the helper until it exits. Returns its status, its log, and its duration in seconds."""
         begin = time.monotonic()
         process = self.start(base, bundle)
@@ -104,29 +109,29 @@ class Stage:
             raise
         return process.returncode, log, time.monotonic() - begin
 
-    def last_run(self):
+    def last_run(self) -> str | None:
         """Returns the stored last-run time, or None if it is missing."""
         file = self.config / f"{self.brand['identifier']}.conf"
         lines = file.read_text().splitlines() if file.exists() else []
         key = "lastRunUserDefaultKey="
         return next((line[len(key):] for line in lines if line.startswith(key)), None)
 
-    def forget_last_run(self):
+    def forget_last_run(self) -> None:
         (self.config / f"{self.brand['identifier']}.conf").unlink(missing_ok=True)
 
-    def trashed_bundle(self):
+    def trashed_bundle(self) -> pathlib.Path | None:
         """Returns the bundle's path in the Trash, or None if it is missing there."""
         path = self.home / ".local/share/Trash/files" / BUNDLE
         return path if path.exists() else None
 
-    def restore_path(self):
+    def restore_path(self) -> str | None:
         """Returns the path to which the Trash would restore the bundle, or None if it is unknown."""
         info = self.home / ".local/share/Trash/info" / f"{BUNDLE}.trashinfo"
         lines = info.read_text().splitlines() if info.exists() else []
         return next((urllib.parse.unquote(line[5:]) for line in lines if line.startswith("Path=")),
                     None)
 
-    def set_browser(self, command):
+    def set_browser(self, command: str) -> None:
         """Makes a command line the user's browser. "%u" in it stands for the address."""
         applications = self.home / ".local/share/applications"
         applications.mkdir(parents=True, exist_ok=True)
@@ -140,50 +145,51 @@ class Stage:
 class Window:
     """The helper's window on a desktop, driven by keys like a person's."""
 
-    def __init__(self, environment, title="Acme Studio"):
+    def __init__(self, environment: Environment, title: str = "Acme Studio") -> None:
         self.environment = environment
         self.title = title
         self._pattern = f"^{re.escape(title)}$"
 
-    def _xdotool(self, *arguments):
+    def _xdotool(self, *arguments: str) -> list[str]:
         return subprocess.run(["xdotool", *arguments], env=self.environment, text=True,
                               capture_output=True, check=False).stdout.split()
 
-    def is_shown(self):
+    def is_shown(self) -> bool:
         return bool(self._xdotool("search", "--onlyvisible", "--name", self._pattern))
 
-    def wait(self, seconds=30):
+    def wait(self, seconds: float = 30) -> bool:
         """Waits until the window is on the screen and active. Returns whether it is."""
         active = ["getactivewindow", "getwindowname"]
         return wait_for(lambda: self.is_shown() and
                         " ".join(self._xdotool(*active)) == self.title, seconds)
 
-    def keys(self, *keys):
+    def keys(self, *keys: str) -> None:
         self._xdotool("key", "--delay", "60", *keys)
 
-    def press_until_ended(self, process, key="Return"):
+    def press_until_ended(self, process: Process, key: str = "Return") -> None:
         """Presses a key until the process has ended, because the window ignores keys while its sheet is modal."""
         wait_for(lambda: self.keys(key) or process.poll() is not None, 30, 0.2)
 
-    def activate(self):
+    def activate(self) -> None:
         """Raises the window and gives it the keyboard focus."""
         self._xdotool("search", "--onlyvisible", "--name", self._pattern, "windowactivate",
                       "--sync")
 
-    def press_remove(self):
+    def press_remove(self) -> None:
         """Presses the remove button by its English mnemonic, when the button has been visible for more than the second
         in which it is disabled. Presses twice, because a start may be slow."""
         for seconds in (1.2, 0.3):
             time.sleep(seconds)
             self.keys("alt+u")
 
-    def remove(self, stage, pictures=None, before_end=lambda: None):
+    def remove(self, stage: Stage, pictures: str | None = None,
+               before_end: Callable[[], object] = lambda: None) -> None:
         """Performs a removal up to the last press.
 
         @param pictures the beginning of the paths of three screenshots (window, sheet, end), or None.
         @param before_end runs after the removal, before the last screenshot.
         """
-        def photograph(name):
+        def photograph(name: str) -> None:
             if pictures is not None:
                 screenshot(self.environment, f"{pictures}{name}.png")
 
@@ -198,14 +204,14 @@ class Window:
         time.sleep(0.5)
         photograph("end")
 
-    def _id(self):
+    def _id(self) -> str:
         return self._xdotool("search", "--onlyvisible", "--name", self._pattern)[0]
 
-    def property(self, name):
+    def property(self, name: str) -> str:
         return subprocess.run(["xprop", "-id", self._id(), name], env=self.environment, text=True,
                               capture_output=True, check=True).stdout
 
-    def picture(self):
+    def picture(self) -> bytes:
         """Returns the window's pixels, without its title bar and borders, as a PPM image."""
         return subprocess.run(["import", "-window", self._id(), "ppm:-"], env=self.environment,
                               capture_output=True, check=True).stdout

@@ -4,24 +4,26 @@ import re
 import subprocess
 import time
 import unittest
+from collections.abc import Iterable
 
 from tests.endtoend.support import BUILD, TestCase
-from kit.desktop import desktop, end, wait_for, wayland_desktop
+from kit.desktop import Environment, desktop, end, wait_for, wayland_desktop
 from kit.stage import PROJECT, Store
 
 ACCESSIBLE = "org.a11y.atspi.Accessible"
+Place = tuple[str, str]  # a name on the bus and the path of an object
 FOCUSED, SHOWING = 1 << 12, 1 << 25  # ATSPI_STATE_...
 REMOVE = "Cancels the subscription, starts the uninstaller and moves this helper to the Trash."
 
 
-def texts_of(language):
+def texts_of(language: str) -> dict[str, str]:
     """Returns a language's displayed texts by their keys."""
     table = (PROJECT / f"resources/{language}.lproj/Localizable.strings").read_text()
     return {key: text.replace("&", "").replace("%@", "Acme Studio").replace("\\n", "\n")
             for key, text in re.findall(r'^"(.*)" = "(.*)";$', table, re.MULTILINE)}
 
 
-def window(texts):
+def window(texts: dict[str, str]) -> set[tuple[str, str, str]]:
     """Tests the roles, names and descriptions of the window's objects."""
     title = texts["Cancel your %@ subscription?"]
     return {
@@ -35,19 +37,20 @@ def window(texts):
 
 
 class AccessibilityTest(TestCase):
-    def call(self, *words):
+    def call(self, *words: str) -> str:
         return subprocess.run(["gdbus", "call", *words], env=self.environment, text=True,
                               capture_output=True, check=True).stdout
 
-    def ask(self, place, method, *words):
+    def ask(self, place: Place, method: str, *words: str) -> str:
         return self.call("--address", self.address, "--dest", place[0], "--object-path", place[1],
                          "--method", method, *words)
 
-    def text(self, place, name):
+    def text(self, place: Place, name: str) -> str:
         answer = self.ask(place, "org.freedesktop.DBus.Properties.Get", ACCESSIBLE, name)
         return re.search(r"<['\"](.*)['\"]>", answer).group(1).replace("\\n", "\n")
 
-    def tree(self, place=("org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root")):
+    def tree(self, place: Place = ("org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root")
+             ) -> dict[tuple[str, str, str], Place]:
         """Returns the paths of each role, name and description, from an object and all below it."""
         role = re.search("'(.*)'", self.ask(place, f"{ACCESSIBLE}.GetRoleName")).group(1)
         found = {(role, self.text(place, "Name"), self.text(place, "Description")): place}
@@ -56,12 +59,12 @@ class AccessibilityTest(TestCase):
             found |= self.tree(child)
         return found
 
-    def names(self, places, state):
+    def names(self, places: Iterable[Place], state: int) -> list[str]:
         """Returns the names of the objects that have a state."""
         return [self.text(place, "Name") for place in places
                 if int(re.search(r"uint32 (\d+)", self.ask(place, f"{ACCESSIBLE}.GetState")).group(1)) & state]
 
-    def check(self, environment, language, has_keyboard):
+    def check(self, environment: Environment, language: str, has_keyboard: bool) -> None:
         self.environment = environment | {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1", "LANGUAGE": language}
         self.address = re.search("'(.*)'", self.call(
             "--session", "--dest", "org.a11y.Bus", "--object-path", "/org/a11y/bus",
@@ -83,13 +86,13 @@ class AccessibilityTest(TestCase):
                 time.sleep(1)  # until it is enabled
                 self.ask(tree[remove], "org.a11y.atspi.Action.DoAction", "0")
                 for key in ("Canceling your subscription. This can take up to half a minute.", "&Close"):
-                    self.assertTrue(wait_for(lambda text=texts[key]: text in self.names(
+                    self.assertTrue(wait_for(lambda: texts[key] in self.names(
                         tree.values(), FOCUSED if has_keyboard else SHOWING), 30), key)
                     self.assertNotIn(message, self.names(tree.values(), SHOWING))
             finally:
                 end(process)
 
-    def test_each_kind_of_desktop_in_two_languages(self):
+    def test_each_kind_of_desktop_in_two_languages(self) -> None:
         with desktop() as x11, wayland_desktop(self.folder / "runtime", x11) as wayland:
             for number, arguments in enumerate(((x11, "en", True), (x11, "de", True), (wayland, "en", False))):
                 self.stage = self.make_stage(str(number))

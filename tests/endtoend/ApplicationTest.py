@@ -12,22 +12,30 @@ import subprocess
 import sys
 import time
 import unittest
+from collections.abc import Callable
+from typing import Any
 
-from tests.endtoend.support import BUILD, SANITIZE, TestCase
-from kit.desktop import desktop, end, start_bus, wait_for, wayland_desktop
-from kit.stage import HELPER_DOMAIN, Store, Window
+from tests.endtoend.support import BUILD, SANITIZE, TestCase, rows
+from kit.desktop import Environment, Process, desktop, end, start_bus, wait_for, wayland_desktop
+from kit.stage import HELPER_DOMAIN, Stage, Store, Window
 
 NO_DISPLAY = "No window can be shown: .*"
+
+
+def answering(answer: str | None) -> contextlib.AbstractContextManager[Any]:
+    if answer is None:
+        return contextlib.nullcontext()
+    return Store(BUILD, "--answer", answer)
 
 
 class StartTest(TestCase):
     """Tests starts that exit before the window appears."""
 
-    def test_what_each_start_says_and_whether_it_counts(self):
+    def test_what_each_start_says_and_whether_it_counts(self) -> None:
         stage = self.make_stage()
         lonely = self.folder / "lonely"
         shutil.copy(stage.program(), lonely)
-        for words, variables, status, said, counts in (
+        for words, variables, status, said, counts in rows(
                 ([], {}, 1, NO_DISPLAY + "could not connect to display", True),
                 ([], {"DISPLAY": ":4711"}, 1, NO_DISPLAY + "could not connect to display :4711", True),
                 ([], {"QT_QPA_PLATFORM": "nosuch"}, 1, NO_DISPLAY + 'Qt platform plugin "nosuch"', True),
@@ -57,39 +65,39 @@ class StartTest(TestCase):
             self.assertEqual((result.returncode, result.stdout, stage.last_run(), lonely.exists()), (1, "", None, True))
             self.assertRegex(result.stderr, "^[^\n]* Cannot start outside of an application bundle: [^\n]*\n$")
 
-    def test_a_check_names_each_failure_and_the_next_step(self):
-        def missing(name):
+    def test_a_check_names_each_failure_and_the_next_step(self) -> None:
+        def missing(name: str) -> Callable[[Stage], None]:
             return lambda stage: (stage.bundle / f"Contents/Frameworks/SubscriptionHelper{name}.so").unlink()
 
-        def cut(stage):
+        def cut(stage: Stage) -> None:
             (stage.bundle / "Contents/Frameworks/SubscriptionHelperDesktop.so").write_text("")
 
-        def spoil_trash(stage):
+        def spoil_trash(stage: Stage) -> None:
             (stage.home / ".local/share").mkdir(parents=True)
             (stage.home / ".local/share/Trash").touch()
 
-        def fill(stage):
+        def fill(stage: Stage) -> None:
             (stage.config / f"{HELPER_DOMAIN}.conf").write_text("=" * 65537)
 
-        def occupy(suffix):
+        def occupy(suffix: str) -> Callable[[Stage], None]:
             return lambda stage: (stage.config / (HELPER_DOMAIN + suffix)).mkdir()
 
-        def tell(reference):
+        def tell(reference: str | None) -> Callable[[Stage], None]:
             return lambda stage: stage.set_reference(reference)
 
-        def set_page(stage):
+        def set_page(stage: Stage) -> None:
             file = stage.bundle / "Contents/Resources/Configuration.strings"
             file.write_text(f'"Account Page" = "http://host/";\n{file.read_text()}')
 
-        def spoil_uninstaller(stage):
+        def spoil_uninstaller(stage: Stage) -> None:
             stage.program().with_name("Uninstall Acme Studio").chmod(0o644)
 
-        def record(fields):
+        def record(fields: str) -> str:
             return f"<subscription>{fields}</subscription>"
 
         own, account, store, reference = {"last run"}, {"account page"}, {"store service"}, {"subscription reference"}
         libraries = {"application libraries"}
-        for number, (spoil, variables, answer, wrong) in enumerate((
+        for number, (spoil, variables, answer, wrong) in enumerate(rows(
                 (None, {}, None, set()), (None, {}, record("<customerUrl>http://host/</customerUrl>"), set()),
                 (None, {}, record("<customerUrl>file:///x</customerUrl>"), account), (None, {}, record(""), account),
                 (set_page, {}, record("<customerUrl/>"), set()),
@@ -108,7 +116,7 @@ class StartTest(TestCase):
             if spoil:
                 spoil(stage)
             environment = stage.environment({"PATH": "/usr/bin", "QT_QPA_PLATFORM": "offscreen"}) | variables
-            with self.subTest(number), Store(BUILD, "--answer", answer) if answer else contextlib.nullcontext():
+            with self.subTest(number), answering(answer):
                 result = subprocess.run([stage.program(), "--json", "--check", *(["--ask"] if answer else [])],
                                         text=True, capture_output=True, check=False, env=environment)
                 found = json.loads(result.stdout)
@@ -122,7 +130,7 @@ class StartTest(TestCase):
         stage.forget_last_run()
         self.assertRegex(stage.run({"PATH": "/usr/bin"})[1], "^[^\n]*The application cannot be loaded: .*\n$")
 
-    def test_of_simultaneous_starts_exactly_one_goes_on(self):
+    def test_of_simultaneous_starts_exactly_one_goes_on(self) -> None:
         # The one start that runs finds the display missing and exits with status 1.
         stage = self.make_stage()
         for _ in range(10):
@@ -133,7 +141,7 @@ class StartTest(TestCase):
             self.assertEqual((statuses.count(1), statuses.count(0)), (1, 59), results)
 
     @unittest.skipIf(SANITIZE, "sanitizers need more memory than these limits leave")
-    def test_without_memory_it_aborts_and_says_so_if_it_can(self):
+    def test_without_memory_it_aborts_and_says_so_if_it_can(self) -> None:
         stage = self.make_stage()
         stage.run({"PATH": "/usr/bin"})
         with (stage.config / f"{HELPER_DOMAIN}.conf").open("a", encoding="utf-8") as file:
@@ -148,7 +156,7 @@ class StartTest(TestCase):
         if sys.maxsize > 2**32:  # on 32 bits, the heap's first piece suffices, or memory for the log line is missing
             self.assertLessEqual({named, (0, "")}, ends)
 
-    def test_a_throttled_start_loads_neither_qt_nor_curl(self):
+    def test_a_throttled_start_loads_neither_qt_nor_curl(self) -> None:
         stage = self.make_stage()
         base = {"PATH": "/usr/bin", "LD_DEBUG": "files"}
         libraries = re.compile(r"calling init: .*/(libQt6|libcurl|libgio|SubscriptionHelperApp)")
@@ -163,17 +171,22 @@ class StartTest(TestCase):
 class DesktopTest(TestCase):
     """Tests runs on a desktop."""
 
+    stack: contextlib.ExitStack
+    desktop: Environment
+    window: Window
+
     @classmethod
-    def setUpClass(cls):
+    def setUpClass(cls) -> None:
         cls.stack = contextlib.ExitStack()
         cls.desktop = cls.stack.enter_context(desktop())
         cls.window = Window(cls.desktop)
 
     @classmethod
-    def tearDownClass(cls):
+    def tearDownClass(cls) -> None:
         cls.stack.close()
 
-    def begin(self, stage, command=None, stderr=subprocess.PIPE, **variables):
+    def begin(self, stage: Stage, command: list[Any] | None = None, stderr: int = subprocess.PIPE,
+              **variables: str) -> Process:
         stage.forget_last_run()
         process = subprocess.Popen(command or [stage.program()], env=stage.environment(self.desktop | variables),
                                    text=True, cwd=stage.home, stderr=stderr)
@@ -184,12 +197,12 @@ class DesktopTest(TestCase):
         self.assertTrue(self.window.wait())
         return process
 
-    def finish(self, process):
+    def finish(self, process: Process) -> str:
         _, log = process.communicate(timeout=30)
         self.assertEqual(process.returncode, 0, log)
         return log
 
-    def test_it_ends_silently_where_there_is_no_subscription(self):
+    def test_it_ends_silently_where_there_is_no_subscription(self) -> None:
         stage = self.make_stage()
         unreadable = (-signal.SIGABRT, 'Uncaught failure: .*"2026-01-31"')
         for answer, (status, said) in (
@@ -197,7 +210,7 @@ class DesktopTest(TestCase):
                 ("<html><body>Error</body></html>", (0, "^$")),
                 ("<response><error>unknown</error></response>", (0, "^$")),
                 ("<subscription><end>2026-01-31</end></subscription>", unreadable)):
-            with self.subTest(answer), Store(BUILD, "--answer", answer) if answer else contextlib.nullcontext():
+            with self.subTest(answer), answering(answer):
                 stage.forget_last_run()
                 result = stage.run(self.desktop)
                 self.assertEqual(result[0], status)
@@ -210,7 +223,7 @@ class DesktopTest(TestCase):
                 self.assertEqual(stage.run(self.desktop)[:2], (0, ""))
             self.assertEqual(store.requests, [])
 
-    def test_each_way_out_of_the_window_ends_it(self):
+    def test_each_way_out_of_the_window_ends_it(self) -> None:
         # With closed standard streams, other files must not get their descriptors.
         stage = self.make_stage()
         streams = ["sh", "-c", 'exec "$0" <&- >&- 2>&-', stage.program()]
@@ -226,15 +239,15 @@ class DesktopTest(TestCase):
             self.assertEqual([line for line in store.requests if "delete" in line], [])
         self.assertTrue(stage.bundle.exists())
 
-    def test_each_kind_of_desktop_finds_its_entry_and_its_icons(self):
+    def test_each_kind_of_desktop_finds_its_entry_and_its_icons(self) -> None:
         stage = self.make_stage()
         share = stage.bundle / "Contents/Resources/share"
         entry = self.folder / f"{HELPER_DOMAIN}.desktop"
         entry.write_text((share / f"applications/{HELPER_DOMAIN}.desktop").read_text()
                          .replace("@BUNDLE@", str(stage.bundle)))
         self.assertIn(f'Exec="{stage.program()}"', entry.read_text())
-        for command in (["desktop-file-validate", entry],
-                        ["appstreamcli", "validate", "--no-net", *share.glob("metainfo/*.xml")]):
+        for command in rows(["desktop-file-validate", entry],
+                            ["appstreamcli", "validate", "--no-net", *share.glob("metainfo/*.xml")]):
             result = subprocess.run(command, text=True, capture_output=True, check=False)
             self.assertEqual(result.returncode, 0, result.stdout + result.stderr)
         for side in (16, 32, 48, 128, 256):
@@ -258,7 +271,7 @@ class DesktopTest(TestCase):
             self.assertRegex(log.read_text(), rf'set_app_id\("{HELPER_DOMAIN}"\)')
             self.assertRegex(log.read_text(), r'set_title\("Acme Studio"\)')
 
-    def test_the_removal_from_a_place_with_a_difficult_name(self):
+    def test_the_removal_from_a_place_with_a_difficult_name(self) -> None:
         stage = self.make_stage(reference=" DEMO-1001\t")
         plist = "Contents/Info.plist"
         with Store(BUILD, "--delay", "1500") as store:
@@ -290,13 +303,13 @@ class DesktopTest(TestCase):
             status, log, _ = stage.run(self.desktop, bundle=stage.trashed_bundle())
             self.assertEqual((status, log, len(store.requests)), (0, "", 2))
 
-    def test_a_removal_goes_on_whatever_its_launcher_does(self):
-        def broken_pipe():
+    def test_a_removal_goes_on_whatever_its_launcher_does(self) -> None:
+        def broken_pipe() -> int:
             reader, writer = os.pipe()
             os.close(reader)
             return writer
 
-        def full_pipe():
+        def full_pipe() -> int:
             reader, writer = os.pipe()
             self.addCleanup(os.close, reader)
             os.set_blocking(writer, False)
@@ -324,7 +337,7 @@ class DesktopTest(TestCase):
                 self.window.press_until_ended(process)
                 self.assertIn(-process.wait(15), signals or (0,))
 
-    def test_a_display_that_goes_away_interrupts_the_removal(self):
+    def test_a_display_that_goes_away_interrupts_the_removal(self) -> None:
         for kind in ("x11", "wayland"):
             stage = self.make_stage(kind)
             with self.subTest(kind), Store(BUILD, "--delay", "20000"), contextlib.ExitStack() as stack:
@@ -334,14 +347,13 @@ class DesktopTest(TestCase):
                 process = stage.start(own)
                 self.addCleanup(process.kill)
                 libraries = pathlib.Path(f"/proc/{process.pid}/maps")
-                self.assertTrue(wait_for(lambda window=Window(outer), libraries=libraries:
-                                         window.press_remove() or "libgio" in libraries.read_text(), 60))
+                self.assertTrue(wait_for(lambda: Window(outer).press_remove() or "libgio" in libraries.read_text(), 60))
                 stack.close()
                 _, log = process.communicate(timeout=15)
                 self.assertEqual(process.returncode, 1)
                 self.assertRegex(log, "interrupted while canceling the subscription\n$")
 
-    def test_the_sheet_while_the_store_is_asked(self):
+    def test_the_sheet_while_the_store_is_asked(self) -> None:
         # With reduced motion the spinner is visible and stands still. Quitting does not wait for an answer.
         stage = self.make_stage()
         settings = stage.config / "glib-2.0/settings/keyfile"
@@ -366,7 +378,7 @@ class DesktopTest(TestCase):
                 self.assertEqual(["getsub" in line for line in store.requests], [True])
             self.assertTrue(stage.bundle.exists())
 
-    def test_a_refused_cancellation_opens_the_account_page(self):
+    def test_a_refused_cancellation_opens_the_account_page(self) -> None:
         # First with a browser that stays open, then with a session bus that stops answering.
         stage = self.make_stage(reference="DEMO-KEEP")
         kept, opened = self.folder / "kept", self.folder / "opened"

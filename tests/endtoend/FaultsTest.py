@@ -9,9 +9,11 @@ import socket
 import subprocess
 import sys
 import unittest
+from collections.abc import Callable
+from typing import Any
 
 from tests.endtoend.support import BUILD, LONG, TestCase, as_ordinary_user, content
-from kit.desktop import wait_for
+from kit.desktop import Environment, wait_for
 from kit.stage import HELPER_DOMAIN
 
 STEP = f"{BUILD}/tests/removal-step"
@@ -22,16 +24,17 @@ FAULTY = {name: ERRORS for name in (
     "sendfile statfs symlink unlink unlinkat write").split()} | {"clone3": ["EAGAIN"]}
 
 
-def traced(options, command, environment):
+def traced(options: list[str], command: list[str], environment: Environment) -> subprocess.CompletedProcess[str]:
     """Runs a command under strace. The result's standard error contains strace's lines."""
     return subprocess.run(["strace", *options, "-o", "|cat >&2", *command], env=environment, text=True,
                           capture_output=True, check=False)
 
 
-def calls(command, environment, marker, end="exit_group"):
+def calls(command: list[str], environment: Environment, marker: str, end: str = "exit_group") -> list[tuple[str, int]]:
     """Returns a command's system calls from the first with `marker` until the first with `end`. Each is a pair of its
     name and its number among the calls of that name."""
-    counts, result, isOwn = {}, [], False
+    counts: dict[str, int] = {}
+    result, isOwn = [], False
     for line in traced([], command, environment).stderr.splitlines():
         name = line.split("(")[0]
         counts[name] = counts.get(name, 0) + 1
@@ -43,7 +46,8 @@ def calls(command, environment, marker, end="exit_group"):
     return result
 
 
-def with_fault(command, environment, name, when, fault):
+def with_fault(command: list[str], environment: Environment, name: str, when: int, fault: str
+               ) -> tuple[int | None, bool, str]:
     """Runs a command with a fault at one call. Returns its status (None if the fault killed it), whether the fault
     happened, and the log. A run may skip the call: in one of 40 runs, ext4 lists a small directory in more parts."""
     result = traced(["-qq", "-e", f"trace={name}", "-e", f"inject={name}:{fault}:when={when}"], command,
@@ -57,7 +61,7 @@ def with_fault(command, environment, name, when, fault):
 class RemovalCase(TestCase):
     """Tests in their own home, with a bundle whose uninstaller is also a bundle."""
 
-    def setUp(self):
+    def setUp(self) -> None:
         super().setUp()
         home = self.folder / "home"
         self.environment = {"HOME": str(home), "TMPDIR": str(home / "tmp"), "PATH": "/usr/bin",
@@ -82,14 +86,14 @@ class RemovalCase(TestCase):
         self.whole = content(self.bundle)
         self.expected_copy = content(self.bundle / "Contents/Linux/Remove.app")
 
-    def ran(self):
+    def ran(self) -> int:
         return self.note.read_text().count("ran") if self.note.exists() else 0
 
-    def copies(self):
+    def copies(self) -> list[Any]:
         """Returns the copies in all locations: the first one, its alternatives, and the next ones."""
         return [content(copy) for copy in self.folder.glob(f"home/*/{HELPER_DOMAIN}-*/Remove.app")]
 
-    def prepare(self):
+    def prepare(self) -> None:
         """Restores the state before each round: the Trash is missing, and an earlier launch left a copy."""
         self.note.unlink(missing_ok=True)
         for folder in (self.bundle, self.folder / "home/.local",
@@ -100,7 +104,7 @@ class RemovalCase(TestCase):
         self.copy.parent.chmod(0o700)
         (self.copy / "Contents/old").write_text("old")
 
-    def assert_whole(self, status=None):
+    def assert_whole(self, status: int | None = None) -> None:
         """Checks that the bundle is complete, and either unmoved or in the Trash with its restore path. A `status`
         must agree."""
         trash = next((folder for folder in [*self.folder.glob("home/.local/share/Trash"),
@@ -115,7 +119,7 @@ class RemovalCase(TestCase):
 
 
 class RemovalFaultsTest(RemovalCase):
-    def with_each_fault(self, step, check):
+    def with_each_fault(self, step: str, check: Callable[[int | None], None]) -> None:
         """Runs a step with each fault at each of its calls. `check` gets the status, or None if the step was killed."""
         command = [STEP, step, str(self.bundle)]
         self.prepare()
@@ -134,8 +138,8 @@ class RemovalFaultsTest(RemovalCase):
                     check(status)
         self.assertGreater(sum(happened), 0.95 * len(happened))
 
-    def test_the_uninstaller_is_started_whole_or_not_at_all(self):
-        def check(status):
+    def test_the_uninstaller_is_started_whole_or_not_at_all(self) -> None:
+        def check(status: int | None) -> None:
             self.assertEqual(content(self.bundle), self.whole)
             whole = self.copies().count(self.expected_copy)
             if status == 0:
@@ -150,7 +154,7 @@ class RemovalFaultsTest(RemovalCase):
 
         self.with_each_fault("launch", check)
 
-    def test_an_uninstaller_with_a_read_only_directory_is_started_again_and_again(self):
+    def test_an_uninstaller_with_a_read_only_directory_is_started_again_and_again(self) -> None:
         self.prepare()
         locked = self.bundle / "Contents/Linux/Remove.app/Contents/Linux"
         locked.chmod(0o555)
@@ -163,7 +167,7 @@ class RemovalFaultsTest(RemovalCase):
             copy.chmod(0o555)  # by the uninstaller
         copy.chmod(0o755)
 
-    def test_the_bundle_is_whole_at_its_place_or_in_the_trash(self):
+    def test_the_bundle_is_whole_at_its_place_or_in_the_trash(self) -> None:
         self.with_each_fault("trash", self.assert_whole)
 
 
@@ -172,34 +176,34 @@ class MountsTest(RemovalCase):
 
     OWN_MOUNTS = ["unshare", "--mount", *(["--user", "--map-root-user"] if os.geteuid() else [])]
 
-    def step(self, step):
+    def step(self, step: str) -> int:
         return subprocess.run([STEP, step, str(self.bundle)], env=self.environment, cwd=self.folder,
                               check=False, capture_output=True).returncode
 
-    def mount(self, *arguments):
+    def mount(self, *arguments: object) -> None:
         subprocess.run(["mount", *map(str, arguments)], check=True)
         self.addCleanup(subprocess.run, ["umount", "-l", str(arguments[-1])], check=False,
-                        capture_output=True)
+                        capture_output=True, text=True)
 
-    def mount_tmpfs(self, folder, size):
+    def mount_tmpfs(self, folder: pathlib.Path, size: str) -> None:
         """Replaces a directory by a file system with the same content."""
         shutil.move(folder, f"{folder}.old")
         folder.mkdir()
         self.mount("-t", "tmpfs", "-o", f"size={size}", "tmpfs", folder)
         shutil.copytree(f"{folder}.old", folder, symlinks=True, dirs_exist_ok=True)
 
-    def on_a_read_only_one(self):
+    def on_a_read_only_one(self) -> None:
         self.mount("--bind", self.bundle.parent, self.bundle.parent)
         self.mount("-o", "remount,bind,ro", self.bundle.parent)
         self.assertEqual((self.step("launch"), self.step("check"), self.step("trash")), (0, 1, 1))
 
-    def on_another_one_than_home(self):
+    def on_another_one_than_home(self) -> None:
         self.mount_tmpfs(self.bundle.parent, "8m")
         check, status = self.step("check"), self.step("trash")
         self.assertEqual(check, status)
         self.assert_whole(status)
 
-    def on_one_with_large_inode_numbers(self):
+    def on_one_with_large_inode_numbers(self) -> None:
         other = self.folder / "other"
         other.mkdir()
         self.mount("-t", "tmpfs", "tmpfs", other)
@@ -209,7 +213,7 @@ class MountsTest(RemovalCase):
         self.assertGreater(self.bundle.stat().st_ino, 2 ** 32)
         self.assertEqual(self.step("launch"), 0)
 
-    def with_a_home_that_is_read_only(self):
+    def with_a_home_that_is_read_only(self) -> None:
         home = self.folder / "home"
         self.mount("--bind", home, home)
         self.mount("--bind", self.bundle.parent, self.bundle.parent)
@@ -217,7 +221,7 @@ class MountsTest(RemovalCase):
         self.mount("-t", "tmpfs", "tmpfs", home / "run")
         self.assertEqual((self.step("launch"), self.step("check"), self.step("trash")), (0, 1, 1))
 
-    def on_a_full_one(self):
+    def on_a_full_one(self) -> None:
         self.mount_tmpfs(self.folder / "home", "1m")
         with contextlib.suppress(OSError), open(self.folder / "home/filler", "wb", 0) as filler:
             while filler.write(bytes(4096)):
@@ -226,21 +230,21 @@ class MountsTest(RemovalCase):
         self.assertEqual((self.step("trash"), self.step("launch")), (1, 0))
         self.assertFalse(list(self.folder.glob("home/.local/share/Trash/*/*")))
 
-    def without_execution(self):
+    def without_execution(self) -> None:
         self.mount("-t", "tmpfs", "-o", "noexec", "tmpfs", self.environment["TMPDIR"])
         self.assertEqual(self.step("launch"), 0)
         self.assertTrue(wait_for(self.ran))
 
-    def on_one_with_room_for_one_copy(self):
+    def on_one_with_room_for_one_copy(self) -> None:
         self.mount("-t", "tmpfs", "-o", "size=200k", "tmpfs", self.environment["TMPDIR"])
         self.assertEqual((self.step("launch"), self.step("launch")), (0, 0))
         self.assertEqual(self.copies(), [self.expected_copy])
 
-    def with_a_relative_data_directory(self):
+    def with_a_relative_data_directory(self) -> None:
         self.environment["XDG_DATA_HOME"] = "data"
         self.assertEqual((self.step("check"), self.step("trash")), (1, 1))
 
-    def with_a_system_log(self):
+    def with_a_system_log(self) -> None:
         self.mount("-t", "tmpfs", "tmpfs", "/dev")
         pathlib.Path("/dev/null").touch()
         with socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM) as log:
@@ -250,12 +254,12 @@ class MountsTest(RemovalCase):
                            stderr=subprocess.DEVNULL, check=False)
             self.assertRegex(log.recv(1000), rb"^<13>.{15} a-step\[\d+\]: Uninstaller is not found")
 
-    def test_each_file_system_and_the_system_log(self):
+    def test_each_file_system_and_the_system_log(self) -> None:
         if "HELPER_MOUNTS" not in os.environ:
             if subprocess.run([*self.OWN_MOUNTS, "true"], check=False).returncode != 0:
                 self.skipTest("no mounts can be made here")
-            subprocess.run([*self.OWN_MOUNTS, sys.executable, "-m", __spec__.name, "MountsTest"], check=True,
-                           env=os.environ | {"HELPER_MOUNTS": "1"})
+            subprocess.run([*self.OWN_MOUNTS, sys.executable, "-m", "tests.endtoend.FaultsTest", "MountsTest"],
+                           check=True, env=os.environ | {"HELPER_MOUNTS": "1"})
             return
         for condition in (self.on_a_read_only_one, self.on_another_one_than_home,
                           self.on_one_with_large_inode_numbers, self.with_a_home_that_is_read_only,
@@ -269,14 +273,14 @@ class MountsTest(RemovalCase):
 
 
 class LastRunFaultsTest(TestCase):
-    def setUp(self):
+    def setUp(self) -> None:
         super().setUp()
         self.stage = self.make_stage()
         self.file = self.stage.config / f"{HELPER_DOMAIN}.conf"
         self.command = [str(self.stage.program())]
         self.environment = self.stage.environment({"PATH": "/usr/bin"})
 
-    def prepare(self, before, is_link):
+    def prepare(self, before: str, is_link: bool) -> None:
         """Restores the state before a round: the file's content, and the remains of a killed writer."""
         for path in self.stage.config.glob("*"):
             path.unlink()
@@ -287,10 +291,10 @@ class LastRunFaultsTest(TestCase):
             if is_link:
                 self.file.symlink_to(real)
 
-    def stored(self):
+    def stored(self) -> str:
         return self.file.read_text() if self.file.exists() else ""
 
-    def test_the_moment_is_the_old_or_the_new_one_whatever_fails(self):
+    def test_the_moment_is_the_old_or_the_new_one_whatever_fails(self) -> None:
         old = "lastRunUserDefaultKey=2020-02-29T00:00:00.000000Z\n"
         for head, moment, tail, is_link in (
                 ("", "", "", False), ("a=1\n", old, "b=2\n", False), ("a=1\n", old, "b=2", True)):

@@ -11,8 +11,8 @@ import sys
 import tempfile
 import unittest
 
-from tests.endtoend.support import BUILD, LONG, SANITIZE, TestCase, as_ordinary_user, content
-from kit.desktop import desktop, wait_for
+from tests.endtoend.support import BUILD, LONG, SANITIZE, TestCase, as_ordinary_user, content, rows
+from kit.desktop import Environment, Process, desktop, wait_for
 from kit.stage import BUNDLE, PROJECT, Store, Window
 
 CONTENTS = pathlib.Path(BUILD) / BUNDLE / "Contents"
@@ -29,14 +29,14 @@ BRAND = {
 LARGEST = {"packed": 30.2, "unpacked": 76.8, "small": 0.30, "entry": 0.23}  # in millions of bytes
 
 
-def readelf(option, file):
+def readelf(option: str, file: pathlib.Path) -> str:
     return subprocess.run(["readelf", "--wide", option, file], text=True, capture_output=True,
                           check=True).stdout
 
 
 @unittest.skipIf(SANITIZE, "sanitizer builds are not hardened")
 class HardeningTest(unittest.TestCase):
-    def test_each_file_is_hardened(self):
+    def test_each_file_is_hardened(self) -> None:
         for file in BUILT:
             with self.subTest(file.name):
                 self.assertRegex(readelf("--file-header", file), r"Type:\s+DYN")
@@ -49,7 +49,7 @@ class HardeningTest(unittest.TestCase):
                 if FRAMEWORKS.get(file.name) != "subscriptionHelperModule":  # modules lack calls that could be checked
                     self.assertRegex(symbols, r"__\w+_chk@")
 
-    def test_each_library_of_the_bundle_exports_one_name(self):
+    def test_each_library_of_the_bundle_exports_one_name(self) -> None:
         for file, name in FRAMEWORKS.items():
             symbols = subprocess.run(["nm", "--dynamic", "--defined-only", CONTENTS / "Frameworks" / file], text=True,
                                      capture_output=True, check=True).stdout.split()
@@ -57,13 +57,13 @@ class HardeningTest(unittest.TestCase):
 
 
 class InstallationTest(TestCase):
-    def run_command(self, *words, status=0):
+    def run_command(self, *words: object, status: int = 0) -> str:
         result = subprocess.run([str(word) for word in words], text=True, capture_output=True,
                                 check=False)
         self.assertEqual(result.returncode, status, result.stderr)
         return result.stdout
 
-    def test_another_program_finds_and_uses_the_store_client(self):
+    def test_another_program_finds_and_uses_the_store_client(self) -> None:
         build, prefix = self.folder / "build", self.folder / "prefix"
         flags = f"-fsanitize={SANITIZE}" if SANITIZE else ""
         self.run_command("cmake", "--install", BUILD, "--prefix", prefix)
@@ -81,7 +81,7 @@ class InstallationTest(TestCase):
 
 
 class InstallerTest(TestCase):
-    def package(self, name, version):
+    def package(self, name: str, version: str) -> pathlib.Path:
         """Returns a package of a version. Without a version its program cannot run."""
         helper = self.folder / name / BUNDLE
         program = helper / "Contents/Linux/Subscription Helper"
@@ -96,7 +96,7 @@ class InstallerTest(TestCase):
         subprocess.run(["tar", "-czf", package, "-C", helper.parent, BUNDLE], check=True)
         return package
 
-    def test_an_installer_changes_nothing_before_it_knows_that_it_can(self):
+    def test_an_installer_changes_nothing_before_it_knows_that_it_can(self) -> None:
         home, cut = self.folder / "home", self.package("cut", "1")
         cut.write_bytes(cut.read_bytes()[:-30])
         good = [self.package("old", "1"), home / "Applications", "com.globex.draw", "REF"]
@@ -104,8 +104,8 @@ class InstallerTest(TestCase):
         settings = home / ".config/com.globex.draw.conf"
         settings.write_text("\ufeffsubscriptionReference = OLD\ncolour=1")
         user = as_ordinary_user(self.folder)
-        self.addCleanup(subprocess.run, ["chmod", "-R", "u+w", self.folder], check=True)
-        for change, said in (
+        self.addCleanup(subprocess.run, ["chmod", "-R", "u+w", self.folder], check=True, text=True)
+        for change, said in rows(
                 ({}, None), ({0: cut}, "tar: "), ({0: self.package("empty", "")}, "no helper"), ({1: ""}, "realpath"),
                 ({1: home / "a\n"}, "DIRECTORY"), ({1: home / "a'"}, "DIRECTORY"), ({2: ""}, "PRODUCT_DOMAIN"),
                 ({2: "a.b\n"}, "PRODUCT_DOMAIN"), ({2: "../a.b"}, "PRODUCT_DOMAIN"), ({3: " "}, "REFERENCE"),
@@ -129,7 +129,7 @@ class InstallerTest(TestCase):
 
 
 class DemoTest(TestCase):
-    def test_it_shows_every_step_where_the_window_manager_is_slow(self):
+    def test_it_shows_every_step_where_the_window_manager_is_slow(self) -> None:
         manager = self.folder / "openbox"
         manager.write_text('#!/bin/sh\nexec strace -D -o /dev/null -e inject=openat:delay_enter=1000 '
                            f'{shutil.which("openbox")} "$@"\n')
@@ -147,7 +147,7 @@ class DemoTest(TestCase):
 
 @unittest.skipIf(SANITIZE, "packages are built by a preset of their own")
 class PackagingTest(TestCase):
-    def setUp(self):
+    def setUp(self) -> None:
         super().setUp()
         (self.folder / "script").write_text('#!/bin/sh\necho ran >"$HOME/removed"\n')
         (self.folder / "script").chmod(0o755)
@@ -159,14 +159,14 @@ class PackagingTest(TestCase):
         (self.folder / "globex.svg").write_text(
             '<svg xmlns="http://www.w3.org/2000/svg"><circle cx="9" cy="9" r="9"/></svg>')
 
-    def brand(self, **changes):
+    def brand(self, **changes: str | None) -> pathlib.Path:
         """Writes a brand file with changed settings, without those set to None, and returns its path."""
         file = self.folder / "brand.cmake"
         file.write_text("".join(f'set(HELPER_{name} "{value}")\n'
                                 for name, value in (BRAND | changes).items() if value is not None))
         return file
 
-    def test_a_setting_that_is_wrong_is_named(self):
+    def test_a_setting_that_is_wrong_is_named(self) -> None:
         for setting, value, message in (
                 *((name, None, "is missing") for name in BRAND),
                 ("COMPANY_NAME", "", "the company's name"),
@@ -205,13 +205,13 @@ class PackagingTest(TestCase):
                 self.assertIn(message, text)
                 self.assertIn(f"HELPER_{setting}", text)
 
-    def texts(self, language, content):
+    def texts(self, language: str, content: str) -> str:
         """Writes a directory of texts next to the brand file, and returns its name."""
         folder = pathlib.Path(tempfile.mkdtemp(dir=self.folder))
         (folder / f"{language}.strings").write_text(content)
         return folder.name
 
-    def run_commands(self, *commands, environment=None):
+    def run_commands(self, *commands: list[str | pathlib.Path], environment: Environment | None = None) -> str:
         """Runs commands, which must succeed, and returns the output of the last one."""
         for command in commands:
             result = subprocess.run(command, cwd=PROJECT, env=environment, check=False, text=True,
@@ -219,7 +219,7 @@ class PackagingTest(TestCase):
             self.assertEqual(result.returncode, 0, result.stdout[-3000:] + result.stderr)
         return result.stdout
 
-    def package(self, name, host, *options):
+    def package(self, name: str, host: str, *options: str) -> pathlib.Path:
         """Builds a package in a new build directory, and returns its path."""
         build = self.folder / name
         brand = self.brand(STORE_HOST=host, LICENSE="license.txt", VERSION="3.1",
@@ -232,12 +232,12 @@ class PackagingTest(TestCase):
                           ["cpack", "--config", build / "CPackConfig.cmake"], environment=environment)
         return next(build.glob("dist/*-3.1-*.tar.gz"))
 
-    def check_size(self, what, file):
+    def check_size(self, what: str, file: pathlib.Path) -> None:
         size = int(subprocess.run(["du", "--apparent-size", "--bytes", "--summarize", file], text=True,
                                   check=True, stdout=subprocess.PIPE).stdout.split()[0]) / 1e6
         self.assertTrue(LARGEST[what] * 0.8 < size < LARGEST[what], f"{what}: {size} MB")
 
-    def check_licenses(self, contents):
+    def check_licenses(self, contents: pathlib.Path) -> None:
         """Checks that each file from another project has a license in the list, and that its text exists."""
         folder = contents / "Resources/licenses"
         listed = json.loads((folder / "libraries.spdx.json").read_text())
@@ -249,7 +249,7 @@ class PackagingTest(TestCase):
             self.assertTrue((folder / f"{package['name']}.txt").exists(), package["name"])
         self.assertIn("You may leave.", str(listed))
 
-    def test_a_file_without_a_licence_ends_the_build(self):
+    def test_a_file_without_a_licence_ends_the_build(self) -> None:
         contents, origins = self.folder / "Contents", self.folder / "origins"
         (contents / "Resources").mkdir(parents=True)
         for origin, message in ((self.folder / "not.svg", "no package has"), ("/usr/bin/env", "no licence is known")):
@@ -258,13 +258,13 @@ class PackagingTest(TestCase):
                                     text=True, capture_output=True, check=False)
             self.assertEqual((result.returncode, message in result.stderr), (1, True), result.stderr)
 
-    def check_libraries(self, process):
+    def check_libraries(self, process: Process) -> None:
         """Checks that libraries that a desktop may lack are loaded from the bundle, whatever the environment."""
         maps = pathlib.Path(f"/proc/{process.pid}/maps").read_text()
         self.assertRegex(maps, r"\.app/Contents/PlugIns/platforms/libqxcb\.so")
         self.assertNotRegex(maps, r"/usr/\S*/(qt6/|lib(Qt6|icu|curl|ssl|crypto|expat|uriparser|xcb-|OpenGL))")
 
-    def check_fetch(self):
+    def check_fetch(self) -> None:
         """Checks that a fetch works with the packaged libcurl."""
         build = self.folder / "one"
         self.run_commands(["cmake", "-D", "BUILD_TESTING=ON", build],
@@ -273,13 +273,13 @@ class PackagingTest(TestCase):
         self.run_commands([build / "tests/base-test", "--gtest_filter=Fetch*"])
 
     @unittest.skipUnless(LONG, "it builds once more")
-    def test_the_demonstration_shows_ones_own_brand(self):
+    def test_the_demonstration_shows_ones_own_brand(self) -> None:
         environment = {name: value for name, value in os.environ.items() if name != "DISPLAY"}
         result = subprocess.run([PROJECT / "scripts/demo"], text=True, capture_output=True, check=False,
                                 env=environment | {"HELPER_BRAND": str(self.brand())})
         self.assertEqual((result.returncode, result.stdout.count("[ok]")), (0, 6), result.stdout + result.stderr)
 
-    def test_a_package_is_the_same_each_time_and_runs_where_it_is_unpacked(self):
+    def test_a_package_is_the_same_each_time_and_runs_where_it_is_unpacked(self) -> None:
         with desktop() as environment, Store(BUILD, "0") as store:
             host = store.address.split("/")[2]
             package = self.package("one", host)

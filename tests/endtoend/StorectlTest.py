@@ -12,24 +12,27 @@ import subprocess
 import textwrap
 import threading
 import unittest
+from collections.abc import Callable
+from typing import Any
 
-from tests.endtoend.support import BUILD, TestCase
+from tests.endtoend.support import BUILD, TestCase, rows
 from kit.desktop import wait_for
 from kit.stage import PROJECT, Store
 
+Reply = Callable[[str, int], tuple[str, str] | None]
 RECORD, NONE, USAGE, FAILURE, UNREACHABLE = range(5)
 PROGRAM = f"{BUILD}/tools/storectl"
 ACTIVE = "<subscription><status>active</status></subscription>"
 
 
-def run(*words, given="", **options):
+def run(*words: str, given: str = "", **options: Any) -> tuple[int, str, str]:
     """Runs the program without a terminal, even if the tests have one."""
     result = subprocess.run([PROGRAM, *words], text=True, capture_output=True, input=given, check=False,
                             start_new_session=True, **options)
     return result.returncode, result.stdout, result.stderr
 
 
-def references_of(store):
+def references_of(store: Store) -> list[str]:
     return [re.sub(r".*Ref=(.*) \d+$", r"\1", line) for line in store.requests]
 
 
@@ -38,21 +41,24 @@ class AnyStore(socketserver.ThreadingTCPServer):
     It returns the status and the body, or None to close the connection."""
     allow_reuse_address = daemon_threads = True
 
-    def __init__(self, reply):
-        self.reply, self.targets = reply, []
+    def __init__(self, reply: Reply) -> None:
+        self.reply = reply
+        self.targets: list[str] = []
         port = int(re.search(r"127\.0\.0\.1:(\d+)", run("--help")[1])[1])
         super().__init__(("127.0.0.1", port), self.Handler)
 
-    def __enter__(self):
+    def __enter__(self) -> "AnyStore":
         threading.Thread(target=self.serve_forever, args=(0.01,), daemon=True).start()
         return self
 
-    def __exit__(self, *_):
+    def __exit__(self, *_: object) -> None:
         self.shutdown()
         self.server_close()
 
     class Handler(socketserver.StreamRequestHandler):
-        def handle(self):
+        server: "AnyStore"
+
+        def handle(self) -> None:
             number = 0
             while line := self.rfile.readline():
                 while self.rfile.readline().strip():
@@ -69,7 +75,7 @@ class AnyStore(socketserver.ThreadingTCPServer):
 class Terminal:
     """A program with its own terminal, and the terminal's content."""
 
-    def __init__(self, *words, given=None, **environment):
+    def __init__(self, *words: str, given: str | None = None, **environment: str) -> None:
         self.shown = ""
         self.process, self._screen = pty.fork()
         if self.process == 0:
@@ -80,10 +86,10 @@ class Terminal:
                 os.dup2(reading, 0)
             os.execve(words[0], words, {**os.environ, "TERM": "dumb", **environment})
 
-    def type(self, text):
+    def type(self, text: str) -> None:
         os.write(self._screen, text.encode())
 
-    def wait(self, text=None):
+    def wait(self, text: str | None = None) -> int | None:
         """Waits until the terminal shows the text or the program exits."""
         while text is None or text not in self.shown:
             if not select.select([self._screen], [], [], 60)[0]:
@@ -98,10 +104,10 @@ class Terminal:
 
 
 class StorectlTest(TestCase):
-    def test_one_reference_is_one_request(self):
+    def test_one_reference_is_one_request(self) -> None:
         none = {"result": "none", "httpStatus": 200, "record": None}
         with Store(BUILD) as store:
-            for words, status, answer, message in (
+            for words, status, answer, message in rows(
                     (("subscription", "unknown"), NONE, none, ""),
                     (("cancel", "DEMO-KEEP", "-y"), NONE, {"result": "refused", "httpStatus": 200}, "1 refused"),
                     (("--yes", "--store", "x", "cancel", "DEMO-1002"), RECORD,
@@ -126,7 +132,7 @@ class StorectlTest(TestCase):
             self.assertIn(advice, errors)
             self.assertEqual(run(*words, "--raw")[:2], (UNREACHABLE, ""))
 
-    def test_references_are_sent_as_given(self):
+    def test_references_are_sent_as_given(self) -> None:
         sent = ["++", "A,B", "A&f=x", "a/b", "(A)", "'A'", "", "%5BA%5D", "order", "complete", "--yes", "-", "--", "@x"]
         invalid = ["[A,B]", "[[A]]", "{A}", "two words", "A\n", "50%", "\u00e9"]
         with Store(BUILD) as store:
@@ -143,7 +149,7 @@ class StorectlTest(TestCase):
         self.assertEqual((code, output), (USAGE, ""))
         self.assertRegex(errors, r"^storectl: \S+two words is not a valid URL\. Nothing was sent\n$")
 
-    def test_cancel_asks_first(self):
+    def test_cancel_asks_first(self) -> None:
         listed = "A\n\nDEMO-1001\r\nDEMO-KEEP\nA\nDEMO-1002\nA"
         with Store(BUILD) as store:
             for words in (("DEMO-1001",), ("-",), ("DEMO-1001", "--dry-run")):
@@ -169,10 +175,10 @@ class StorectlTest(TestCase):
                           result.stderr)
             self.assertTrue(wait_for(lambda: len(store.requests) == 6))
 
-    def test_answers_of_others_are_failures(self):
+    def test_answers_of_others_are_failures(self) -> None:
         html = "<html><body><p>Down</p><subscription/></body></html>"
-        failed = {"result": "failure", "httpStatus": 200}
-        for status, body, expected in (
+        failed: dict[str, Any] = {"result": "failure", "httpStatus": 200}
+        for status, body, expected in rows(
                 ("503 Down", html, {"result": "failure", "httpStatus": 503, "reason": "http_503"}),
                 ("404 No", "<response/>", {"result": "failure", "httpStatus": 404, "reason": "http_404"}),
                 ("399 No", "<response/>", {"result": "none", "httpStatus": 399}),
@@ -183,8 +189,9 @@ class StorectlTest(TestCase):
                 ("200 OK", "Welcome!", failed | {"reason": "malformed"}),
                 ("200 OK", ACTIVE[:-5], {"result": "record", "httpStatus": 200, "isParsingError": True})):
             code = {"failure": FAILURE, "none": NONE, "record": RECORD}[expected["result"]]
-            with AnyStore(lambda reference, number, reply=(status, body): reply):
-                for command, names in (("subscription", {}), ("cancel", {"record": "confirmed", "none": "refused"})):
+            with AnyStore(lambda *_: (status, body)):
+                for command, names in rows(("subscription", {}),
+                                           ("cancel", {"record": "confirmed", "none": "refused"})):
                     result, output, errors = run(command, "A", *(["-y"] if names else []))
                     answer = json.loads(output)
                     self.assertNotIn("record" if names else None, answer)
@@ -198,10 +205,10 @@ class StorectlTest(TestCase):
                 result, output, _ = run("subscription", "A", "B", "--raw")
                 self.assertEqual((result, output), (code, body * 2))
 
-    def test_lookups_run_at_the_same_time_and_cancellations_do_not(self):
+    def test_lookups_run_at_the_same_time_and_cancellations_do_not(self) -> None:
         second = threading.Event()
 
-        def reply(reference, number):
+        def reply(reference: str, number: int) -> tuple[str, str] | None:
             if reference == "second":
                 second.set()
             if reference == "first" and not second.wait(20):
@@ -223,8 +230,8 @@ class StorectlTest(TestCase):
                                                 stdout=full, stderr=subprocess.DEVNULL).returncode, FAILURE)
             self.assertLess(len(store.targets), 1000)
 
-    def test_a_signal_waits_for_the_outcome_of_a_cancellation(self):
-        def reply(*_):
+    def test_a_signal_waits_for_the_outcome_of_a_cancellation(self) -> None:
+        def reply(*_: object) -> tuple[str, str] | None:
             process.send_signal(signal.SIGINT)
             return "200 OK", ACTIVE
         with AnyStore(reply) as store:
@@ -234,7 +241,7 @@ class StorectlTest(TestCase):
             self.assertEqual((process.returncode, output.split()[2:], len(store.targets)),
                              (-signal.SIGINT, ["A", "confirmed"], 1))
 
-    def test_terminals_get_no_controls_and_the_progress(self):
+    def test_terminals_get_no_controls_and_the_progress(self) -> None:
         controls = "\u009b\u009d\u202e\u2028\x7f\x1b"
         answer = f"<a><subscription><status>{controls[:-1]}</status></subscription></a>"
         with Store(BUILD, "--answer", answer):
@@ -247,7 +254,7 @@ class StorectlTest(TestCase):
             self.assertRegex(terminal.shown, r"isCancelable +false")
             self.assertNotIn(" of ", run("subscription", "A", "B")[2])
 
-    def test_tables_are_aligned(self):
+    def test_tables_are_aligned(self) -> None:
         command, table = re.search(r"^    \$ storectl (.*)\n((?:    .*\n)+)", (PROJECT / "README.md").read_text(),
                                    re.MULTILINE).groups()
         with Store(BUILD):
@@ -269,7 +276,7 @@ class StorectlTest(TestCase):
                                     ("subscription", "reference result status productName endDate customerEmail")):
                 self.assertEqual(run("--format", "table", command, "A", "B")[1].splitlines()[0].split(), header.split())
 
-    def test_files_are_parsed(self):
+    def test_files_are_parsed(self) -> None:
         file = self.folder / "answer.xml"
         file.write_text("<subscription><quantity>-1</quantity><status>&quot;\u00e9</status>")
         code, output, errors = run("parse", "subscription", str(file))
@@ -283,15 +290,15 @@ class StorectlTest(TestCase):
         for reader, reason in (("/dev/full", "No space left"), (None, "Broken pipe")):
             pipe = os.pipe()
             os.close(pipe[0])
-            with open(reader, "wb") if reader else os.fdopen(pipe[1], "wb") as output:
-                result = subprocess.run([PROGRAM, "parse", "order", "-"], input=b"<order/>", stdout=output,
+            with open(reader, "wb") if reader else os.fdopen(pipe[1], "wb") as closed:
+                result = subprocess.run([PROGRAM, "parse", "order", "-"], input=b"<order/>", stdout=closed,
                                         stderr=subprocess.PIPE, check=False)
             self.assertEqual(result.returncode, FAILURE)
             self.assertIn(b"storectl: cannot write the result: " + reason.encode(), result.stderr)
-        closed = subprocess.run(["sh", "-c", '"$0" subscription A >&-', PROGRAM], stderr=subprocess.PIPE, check=False)
-        self.assertEqual((closed.returncode, b"cannot write" in closed.stderr), (FAILURE, True))
+        result = subprocess.run(["sh", "-c", '"$0" subscription A >&-', PROGRAM], stderr=subprocess.PIPE, check=False)
+        self.assertEqual((result.returncode, b"cannot write" in result.stderr), (FAILURE, True))
 
-    def test_wrong_usage_names_the_word_that_is_wrong(self):
+    def test_wrong_usage_names_the_word_that_is_wrong(self) -> None:
         for words, message in (
                 ((), "a command is missing: subscription, cancel, order, parse, completion"),
                 (("sub", "A"), "unknown command sub. Did you mean subscription?"),
@@ -317,7 +324,7 @@ class StorectlTest(TestCase):
         directory = subprocess.run(["sh", "-c", '"$0" order - </', PROGRAM], capture_output=True, check=False)
         self.assertEqual((directory.returncode, directory.stderr), (USAGE, b"storectl: cannot read standard input\n"))
 
-    def test_manual_and_shells_know_every_option(self):
+    def test_manual_and_shells_know_every_option(self) -> None:
         manual = (PROJECT / "tools/storectl.1").read_text().replace("\\-", "-")
         for command in ("", "subscription", "cancel", "order", "parse"):
             code, output, _ = run(*command.split(), "--help")

@@ -6,6 +6,7 @@ import shutil
 import subprocess
 import tempfile
 import unittest
+from typing import Any
 
 from kit.stage import PROJECT, Stage
 
@@ -14,10 +15,10 @@ SANITIZE = os.environ.get("HELPER_SANITIZE", "")
 LONG = os.environ.get("HELPER_LONG") == "ON"
 
 
-def content(folder):
+def content(folder: pathlib.Path) -> Any:
     """Returns the paths, modes and contents below a directory for comparison, or None if it is missing."""
-    def entry(path):
-        data = None
+    def entry(path: pathlib.Path) -> tuple[str, int, Any]:
+        data: Any = None
         if path.is_symlink():
             data = path.readlink()
         elif path.is_file() and path.stat().st_mode & 0o400:  # a half copy may be unreadable
@@ -26,7 +27,7 @@ def content(folder):
     return sorted(map(entry, folder.rglob("*"))) if folder.is_dir() else None
 
 
-def as_ordinary_user(folder):
+def as_ordinary_user(folder: pathlib.Path) -> list[str]:
     """The words before a command that run it as an ordinary user, who gets the folder: root needs no rights."""
     if os.geteuid() != 0:
         return []
@@ -34,12 +35,17 @@ def as_ordinary_user(folder):
     return ["setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"]
 
 
+def rows(*table: Any) -> tuple[Any, ...]:
+    """Returns a table of cases, whose rows may have values of any types."""
+    return table
+
+
 class TestCase(unittest.TestCase):
     """A test with its own temporary directory."""
 
-    def setUp(self):
+    def setUp(self) -> None:
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="helper-endtoend-"))
         self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
 
-    def make_stage(self, name="home", **options):
+    def make_stage(self, name: str = "home", **options: Any) -> Stage:
         return Stage(BUILD, self.folder / name, **options)
