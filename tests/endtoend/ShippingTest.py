@@ -252,7 +252,8 @@ class PackagingTest(TestCase):
     def test_a_file_without_a_licence_ends_the_build(self) -> None:
         contents, origins = self.folder / "Contents", self.folder / "origins"
         (contents / "Resources").mkdir(parents=True)
-        for origin, message in ((self.folder / "not.svg", "no package has"), ("/usr/bin/env", "no licence is known")):
+        for origin, message in ((self.folder / "not.svg", "cannot find the Debian package"),
+                                ("/usr/bin/env", "unknown license")):
             origins.write_text(f"Frameworks/some.so\t{origin}\n")
             result = subprocess.run([sys.executable, PROJECT / "cmake/licenses.py", contents, origins, "id", "1", "Co"],
                                     text=True, capture_output=True, check=False)
