@@ -121,14 +121,16 @@ void MainWindow::connectControls() {
     });
     connect(&guard_, &QTimer::timeout, this, [this] { ui_->removeButton->setEnabled(true); });
     auto* ring = new FocusRing(this);
-    connect(qApp, &QApplication::focusChanged, ring, [=, this](QWidget* old, QWidget* now) {
-        const bool isControl = ui_->content->isAncestorOf(now);
-        ring->setWidget(isControl ? now : nullptr);
-        // A window that has just become active stays scrolled to its top.
-        if (isControl && old != nullptr) {
-            ui_->scrollArea->ensureWidgetVisible(now);
-        }
-    });
+    // Capture the widgets, because they outlive ui_ when the window is destroyed with the focus.
+    connect(qApp, &QApplication::focusChanged, ring,
+            [ring, content = ui_->content, area = ui_->scrollArea](QWidget* old, QWidget* now) {
+                const bool isControl = content->isAncestorOf(now);
+                ring->setWidget(isControl ? now : nullptr);
+                // A window that has just become active stays scrolled to its top.
+                if (isControl && old != nullptr) {
+                    area->ensureWidgetVisible(now);
+                }
+            });
     const auto* quit = new QShortcut(QKeySequence::Quit, this);
     connect(quit, &QShortcut::activated, this, &MainWindow::quitRequested);
 }
@@ -232,6 +234,12 @@ void MainWindow::fit() {
         size = neededSize();
     }
     setFixedSize(size.boundedTo(largest));
+    // At an unchanged size, Qt would lay out the changed texts only later.
+    for (QLayout* each :
+         {static_cast<QLayout*>(ui_->contentLayout), static_cast<QLayout*>(ui_->messageAreaLayout),
+          static_cast<QLayout*>(ui_->messageLayout)}) {
+        each->activate();
+    }
 }
 
 void MainWindow::beginProgress() {
