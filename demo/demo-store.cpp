@@ -69,11 +69,13 @@ void serve(httplib::Server& server, demo::DemoStore& store, const Operations& op
                        response.status = 404;
                    }
                });
-    server.set_logger([](const httplib::Request& request, const httplib::Response& response) {
-        std::cout << request.method + " " + request.target + " " + std::to_string(response.status) +
-                         "\n"
-                  << std::flush;
-    });
+    // Log before the answer is written, so that requests sent one after the other keep their order.
+    server.set_post_routing_handler(
+        [](const httplib::Request& request, const httplib::Response& response) {
+            std::cout << request.method + " " + request.target + " " +
+                             std::to_string(response.status) + "\n"
+                      << std::flush;
+        });
 }
 
 } // namespace
