@@ -39,6 +39,7 @@ void ProgressSheet::beginSheet(QWidget& content, QWidget& covered) {
         backdrop_ = makeBackdrop(parentWidget());
         covered_ = &covered;
         covered.installEventFilter(this);
+        content.installEventFilter(this); // moves when it is scrolled
         parentWidget()->installEventFilter(this);
     }
     updateGeometries();
@@ -82,8 +83,10 @@ void ProgressSheet::updateGeometries() {
     const QPoint corner = covered_->mapTo(parentWidget(), QPoint());
     const QLayout& layout = *covered_->parentWidget()->layout();
     const int margin = layout.contentsMargins().left() / 2;
-    setGeometry(
-        QRect(corner, covered_->size()).adjusted(-margin, -margin, margin, layout.spacing() / 2));
+    const QRect area =
+        QRect(corner, covered_->size()).adjusted(-margin, -margin, margin, layout.spacing() / 2);
+    // In a small window, a part of the area may be scrolled away.
+    setGeometry(area & parentWidget()->rect().marginsRemoved({margin, margin, margin, margin}));
     if (backdrop_) {
         backdrop_->setGeometry(parentWidget()->rect());
     }

@@ -204,6 +204,7 @@ TEST_F(Window, ShowsItsTextsWholeInEveryLanguage) {
         window.offerRemoval(); // again, as if the worker could not be started
         expectTextsOf(table, window);
         EXPECT_TRUE(child<QLabel>(window, "mainLabel").isVisible());
+        remove.setFocus(); // scrolls to it
         remove.click();
         expectTextsOf(table, window);
         EXPECT_FALSE(child<QLabel>(window, "mainLabel").isVisible());
@@ -215,6 +216,7 @@ TEST_F(Window, ShowsItsTextsWholeInEveryLanguage) {
             window.showProgress(app::localized(key));
             QApplication::processEvents();
             expectWhole(window, language + ": " + key);
+            EXPECT_TRUE(window.rect().contains(sheet.geometry())) << language;
             EXPECT_LT(sheet.geometry().bottom(), main.mapTo(&window, QPoint()).y()) << language;
             EXPECT_EQ(child<QWidget>(window, "backdrop").geometry(), window.rect()) << language;
         }
