@@ -182,6 +182,11 @@ class Window:
             time.sleep(seconds)
             self.keys("alt+u")
 
+    def start_removal(self, process: subprocess.Popen[str]) -> None:
+        """Presses the remove button until the removal has begun, which loads GIO."""
+        libraries = pathlib.Path(f"/proc/{process.pid}/maps")
+        wait_for(lambda: self.press_remove() or "libgio" in libraries.read_text(), 60)
+
     def remove(self, stage: Stage, pictures: str | None = None,
                before_end: Callable[[], object] = lambda: None) -> None:
         """Performs a removal up to the last press.

@@ -274,15 +274,13 @@ class DesktopTest(TestCase):
     def test_the_removal_from_a_place_with_a_difficult_name(self) -> None:
         stage = self.make_stage(reference=" DEMO-1001\t")
         plist = "Contents/Info.plist"
-        with Store(BUILD, "--delay", "1500") as store:
+        with Store(BUILD, "--delay", "3000") as store:
             process = self.begin(stage)
             self.assertNotIn("libgio", pathlib.Path(f"/proc/{process.pid}/maps").read_text())
             place = stage.home / "Zo\u00eb's \"own\" place"
             place.mkdir()
             stage.bundle = stage.bundle.rename(place / stage.bundle.name)  # while the window is open
-            self.window.press_remove()
-            self.assertTrue(wait_for(lambda: len(store.requests) == 1))
-            time.sleep(0.3)
+            self.window.start_removal(process)
             for part in (plist, "Contents/Frameworks"):  # the running helper still knows its bundle
                 (stage.bundle / part).rename(self.folder / pathlib.Path(part).name)
             self.window.keys("alt+F4", "Return", "Escape", "space", "alt+k", "alt+c")  # modal: all ignored
@@ -324,13 +322,12 @@ class DesktopTest(TestCase):
                 (subprocess.DEVNULL, (signal.SIGHUP, signal.SIGINT, signal.SIGTERM)))):
             stage = self.make_stage(str(number))
             stage.program().with_name("Uninstall Acme Studio").unlink()  # a line before the last step
-            with self.subTest(number), Store(BUILD, "--delay", "500") as store:
+            with self.subTest(number), Store(BUILD, "--delay", "1500"):
                 process = self.begin(stage, ["env", "--ignore-signal=CHLD", stage.program()], stderr,
                                      DBUS_SESSION_BUS_ADDRESS="disabled:")  # its library ignores SIGPIPE
                 state = pathlib.Path(f"/proc/{process.pid}/status").read_text()
                 self.assertEqual(int(re.search("SigIgn:\t(.*)", state)[1], 16), 1 << signal.SIGPIPE - 1)
-                self.window.press_remove()
-                self.assertTrue(wait_for(lambda: len(store.requests) == 1))
+                self.window.start_removal(process)
                 for each in signals:
                     process.send_signal(each)
                 self.assertTrue(wait_for(stage.trashed_bundle))
@@ -346,8 +343,7 @@ class DesktopTest(TestCase):
                     own = stack.enter_context(wayland_desktop(self.folder / "runtime", outer, "x11"))
                 process = stage.start(own)
                 self.addCleanup(process.kill)
-                libraries = pathlib.Path(f"/proc/{process.pid}/maps")
-                self.assertTrue(wait_for(lambda: Window(outer).press_remove() or "libgio" in libraries.read_text(), 60))
+                Window(outer).start_removal(process)
                 stack.close()
                 _, log = process.communicate(timeout=15)
                 self.assertEqual(process.returncode, 1)
