@@ -111,8 +111,6 @@ Connection::Connection(Reuse reuse) : handles_(std::make_unique<Handles>()) {
     handles_->forbidsReuse = reuse == Reuse::no ? 1 : 0;
 }
 
-Connection::Connection(Connection&& other) noexcept = default;
-Connection& Connection::operator=(Connection&& other) noexcept = default;
 Connection::~Connection() = default;
 
 Fetched Connection::fetch(const URL& url, const FetchLimits& limits) {

@@ -16,8 +16,8 @@ class Connection {
     enum class Reuse { no, yes };
 
     explicit Connection(Reuse reuse);
-    Connection(Connection&& other) noexcept;
-    Connection& operator=(Connection&& other) noexcept;
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
     ~Connection();
 
     /// Fetches the whole resource at `url`, as fetch().
