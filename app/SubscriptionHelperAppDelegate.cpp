@@ -2,6 +2,7 @@
 
 #include "app/Localization.h"
 #include "app/MainWindow.h"
+#include "app/Modules.h"
 #include "app/SubscriptionReference.h"
 #include "housekeeping/HelperUtilities.h"
 #include "platform/Bundle.h"
@@ -135,7 +136,9 @@ void SubscriptionHelperAppDelegate::cancelSubscriptionAndLaunchUninstaller() noe
         postProgress(step.progress);
     };
     begin(kCancel);
-    platform::workspace::prepareTrash();
+    if (const std::string failure = loadModules(true); !failure.empty()) {
+        platform::log("What the removal needs cannot be loaded: %@", {failure});
+    }
     const std::string store = HelperUtilities::storeID();
     const bool isCanceled =
         store::FastSpringUtilities::cancelSubscriptionForStore(store, subscriptionReference());

@@ -4,6 +4,7 @@
 #include "Brand.h"
 #include "platform/Bundle.h"
 #include "platform/ChildProcess.h"
+#include "platform/Desktop.h"
 #include "platform/FileTree.h"
 #include "platform/Log.h"
 #include "platform/TemporaryDirectory.h"
@@ -82,7 +83,7 @@ bool HelperUtilities::launchUninstaller() {
             {source->native()});
         return false;
     }
-    return !platform::copyTree(*source, *copy) && !platform::workspace::openFile(*copy);
+    return !platform::copyTree(*source, *copy) && !platform::desktop::openFile(*copy);
 }
 
 std::optional<fs::path> HelperUtilities::uninstallerCopyPath() {

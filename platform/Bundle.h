@@ -67,4 +67,7 @@ class Bundle {
 /// tell it. On Linux it follows the file if that is moved.
 [[nodiscard]] std::filesystem::path executablePath();
 
+/// Returns the name by which this process was started, without its directory.
+[[nodiscard]] std::string programName();
+
 } // namespace platform

@@ -4,12 +4,9 @@
 #include <string>
 #include <system_error>
 
-/// The system's part of workspace, which checks the arguments. Call every function from any thread.
+/// The system's part of the desktop's services. workspace checks what the network or a user chose.
+/// Call every function from any thread.
 namespace platform::desktop {
-
-/// Gets ready for moves to the Trash: they need no file of this program any more. A failure shows
-/// in the move.
-void prepareTrash();
 
 /// Moves an item to the user's Trash. Moves a link itself.
 /// @return an empty error, or the system's reason if the item keeps its location.
@@ -21,7 +18,11 @@ void prepareTrash();
 [[nodiscard]] std::error_code checkTrash(const std::filesystem::path& item,
                                          std::filesystem::path& culprit);
 
-/// Opens a file, as workspace::openFile() says.
+/// Opens a file like a double click. Starts an executable file, or the program of an application
+/// bundle (`<name>.app`, see Bundle::executableOf()), as a child process without waiting for its
+/// end. Opens any other file with its default application. If the opener is still running after
+/// five seconds, the call succeeds with one log line.
+/// @return an empty error, or the reason if the file could not be opened.
 [[nodiscard]] std::error_code openFile(const std::filesystem::path& file);
 
 /// Opens a web address in the user's browser.

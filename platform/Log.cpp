@@ -2,6 +2,7 @@
 
 #include "base/Escape.h"
 #include "base/Timestamp.h"
+#include "platform/Bundle.h"
 
 #include <algorithm>
 #include <chrono>
@@ -11,7 +12,6 @@
 #include <mutex>
 #include <string>
 
-#include <cerrno>
 #include <climits>
 #include <poll.h>
 #include <syslog.h>
@@ -19,14 +19,6 @@
 
 namespace platform {
 namespace {
-
-std::string programName() {
-#ifdef __GLIBC__
-    return program_invocation_short_name;
-#else
-    return getprogname();
-#endif
-}
 
 /// Returns the program's name without spaces, so that the system log can separate it from the
 /// message. The text is static, because openlog() keeps only its address.

@@ -21,10 +21,6 @@ std::optional<base::URL> shownURL(std::string_view address) {
 
 } // namespace
 
-void prepareTrash() {
-    desktop::prepareTrash();
-}
-
 std::error_code moveToTrash(const std::filesystem::path& path) {
     // Ignore a trailing slash.
     const std::filesystem::path item = path.has_filename() ? path : path.parent_path();
@@ -34,10 +30,6 @@ std::error_code moveToTrash(const std::filesystem::path& path) {
         return std::make_error_code(std::errc::invalid_argument);
     }
     return desktop::moveToTrash(item);
-}
-
-std::error_code openFile(const std::filesystem::path& file) {
-    return desktop::openFile(file);
 }
 
 std::error_code openURL(std::string_view address) {

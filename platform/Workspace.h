@@ -7,10 +7,6 @@
 /// Services of the desktop for an application. Call every function from any thread.
 namespace platform::workspace {
 
-/// Gets ready for moves to the Trash, so that they work whatever becomes of this program's own
-/// files in the meantime. Once, before anything of them may go away.
-void prepareTrash();
-
 /// Moves a file or bundle to the user's Trash, so that it can be restored. Moves a link itself, and
 /// ignores a trailing slash.
 ///
@@ -20,18 +16,10 @@ void prepareTrash();
 /// be written.
 [[nodiscard]] std::error_code moveToTrash(const std::filesystem::path& path);
 
-/// Opens a file like a double click. Starts an executable file, or the program of an application
-/// bundle (`<name>.app`, see Bundle::executableOf()), as a child process without waiting for its
-/// end. Opens any other file with its default application. If the opener is still running after
-/// five seconds, the call succeeds with one log line.
-///
-/// @return an empty error, or the reason if the file could not be opened.
-[[nodiscard]] std::error_code openFile(const std::filesystem::path& file);
-
-/// Opens a web address in the user's browser, within five seconds as openFile(). Addresses arrive
-/// unauthenticated over the network. Only an `http` or `https` URL (see base::URL::make()) of at
-/// most 2048 bytes, without user information, is opened. Any other text logs one line. If a browser
-/// cannot be started, one line says why.
+/// Opens a web address in the user's browser, within five seconds as desktop::openFile(). Addresses
+/// arrive unauthenticated over the network. Only an `http` or `https` URL (see base::URL::make())
+/// of at most 2048 bytes, without user information, is opened. Any other text logs one line. If a
+/// browser cannot be started, one line says why.
 ///
 /// @return an empty error, or the reason. `invalid_argument` if the text is not such an address.
 [[nodiscard]] std::error_code openURL(std::string_view address);

@@ -2,7 +2,6 @@
 
 #include "app/linux/ModuleTables.h"
 #include "platform/Bundle.h"
-#include "platform/Log.h"
 
 #include <filesystem>
 #include <optional>
@@ -95,12 +94,6 @@ base::Fetched base::fetch(const URL& url, const FetchLimits& limits) {
     const auto& module = app::fetchModule();
     return module.table() != nullptr ? module.table()->fetch(url, limits)
                                      : Fetched{std::nullopt, module.failure()};
-}
-
-void platform::desktop::prepareTrash() {
-    if (const auto& failure = app::desktopModule().failure(); !failure.empty()) {
-        platform::log("What the removal needs cannot be loaded: %@", {failure});
-    }
 }
 
 std::error_code platform::desktop::moveToTrash(const std::filesystem::path& item) {

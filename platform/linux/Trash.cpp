@@ -125,8 +125,6 @@ std::error_code checkOffer(const fs::path& item) {
 
 } // namespace
 
-void prepareTrash() {} // GIO is there
-
 std::error_code moveToTrash(const fs::path& item) {
     if (!hasDataDirectory()) {
         return std::make_error_code(std::errc::invalid_argument);

@@ -16,8 +16,6 @@ std::error_code errorUnless(bool done) {
 
 } // namespace
 
-void prepareTrash() {} // Qt is there
-
 std::error_code moveToTrash(const std::filesystem::path& item) {
     return errorUnless(QFile::moveToTrash(QString::fromStdString(item.native())));
 }

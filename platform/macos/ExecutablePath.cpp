@@ -1,6 +1,7 @@
 #include "platform/Bundle.h"
 
 #include <cstdint>
+#include <cstdlib>
 #include <string>
 #include <system_error>
 
@@ -17,6 +18,10 @@ std::filesystem::path executablePath() {
     }
     std::error_code error;
     return std::filesystem::canonical(name.c_str(), error);
+}
+
+std::string programName() {
+    return getprogname();
 }
 
 } // namespace platform

@@ -1,5 +1,6 @@
 #include "platform/Workspace.h"
 
+#include "platform/Desktop.h"
 #include "platform/TemporaryDirectory.h"
 #include "tests/support/Test.h"
 
@@ -171,8 +172,7 @@ TEST_F(OpenedAddress, StartsAProgramOnItsOwnLikeAFile) {
     pthread_sigmask(SIG_BLOCK, &blocked, nullptr);
     for (const bool isFile : {true, false}) {
         fs::remove(opened_);
-        EXPECT_EQ(isFile ? workspace::openFile(opener_) : workspace::openURL("http://host/"),
-                  kDone);
+        EXPECT_EQ(isFile ? desktop::openFile(opener_) : workspace::openURL("http://host/"), kDone);
         EXPECT_TRUE(test::appears(opened_));
         EXPECT_EQ(test::readFile(opened_), "/dev/null /dev/null /dev/null 0 0\n") << isFile;
     }

@@ -2,9 +2,10 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdio>
 #include <ctime>
-
-#include <sys/resource.h>
+#include <fstream>
+#include <string>
 
 namespace test {
 
@@ -15,11 +16,16 @@ inline constexpr bool kIsSanitized = true;
 inline constexpr bool kIsSanitized = false;
 #endif
 
-/// Returns the peak resident memory of this process in bytes.
+/// Returns the peak resident memory of this process in bytes. getrusage() would include the
+/// parent's peak.
 [[nodiscard]] inline std::size_t peakMemory() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return static_cast<std::size_t>(usage.ru_maxrss) * 1024;
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);) {
+        if (std::size_t kilobytes = 0; std::sscanf(line.c_str(), "VmHWM: %zu", &kilobytes) == 1) {
+            return kilobytes * 1024;
+        }
+    }
+    return 0;
 }
 
 /// Returns the processor time of this thread.
