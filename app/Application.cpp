@@ -121,7 +121,7 @@ int subscriptionHelperApplicationMain(const app::Options& options, int argumentC
                                       char** arguments) {
     // Repeat this here, because the process entry has its own C++ library.
     platform::logUncaughtFailures();
-    const bool isCheck = options.task == app::Options::Task::check;
+    const bool isCheck = options.task == app::Options::Task::Check;
     const std::string missing = app::loadModules(isCheck);
     if (!missing.empty() && !isCheck) {
         platform::log("The application cannot be loaded: %@", {missing});

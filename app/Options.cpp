@@ -11,10 +11,10 @@ namespace {
 using Task = Options::Task;
 
 constexpr std::pair<std::string_view, Task> kTasks[] = {
-    {"--check", Task::check},
-    {"--version", Task::showVersion},
-    {"--help", Task::showHelp},
-    {"-h", Task::showHelp},
+    {"--check", Task::Check},
+    {"--version", Task::ShowVersion},
+    {"--help", Task::ShowHelp},
+    {"-h", Task::ShowHelp},
 };
 
 /// Options of a check.
@@ -74,14 +74,14 @@ Options optionsOf(std::span<char* const> arguments) {
             options.*flag->second = true;
             checkFlag = argument;
         } else if (argument.starts_with("--") && !isOfToolkit(argument)) {
-            return {Task::refuse, false, false, argument};
+            return {Task::Refuse, false, false, argument};
         } else {
             other = argument;
         }
     }
-    const bool isCheck = options.task == Task::check;
+    const bool isCheck = options.task == Task::Check;
     const auto unknown = isCheck ? other : checkFlag; // --version has no JSON form
-    return unknown.empty() ? options : Options{Task::refuse, false, false, unknown};
+    return unknown.empty() ? options : Options{Task::Refuse, false, false, unknown};
 }
 
 } // namespace app

@@ -10,13 +10,13 @@ namespace app {
 struct Options {
     /// The task of the process.
     enum class Task {
-        run,         ///< Run the application, unless the start is throttled.
-        check,       ///< Check the installation.
-        showVersion, ///< Print the version.
-        showHelp,    ///< Print the usage.
-        refuse       ///< Report an unknown option.
+        Run,         ///< Run the application, unless the start is throttled.
+        Check,       ///< Check the installation.
+        ShowVersion, ///< Print the version.
+        ShowHelp,    ///< Print the usage.
+        Refuse       ///< Report an unknown option.
     };
-    Task task = Task::run;
+    Task task = Task::Run;
     bool asJSON = false;      ///< Of a check: print JSON.
     bool sendsLookup = false; ///< Of a check: look the subscription up at the store service.
     std::string_view unknown; ///< The unknown option.

@@ -62,7 +62,7 @@ int run(const app::Options& options, int argumentCount, char** arguments) {
                       {platform::executablePath().native()});
         return EXIT_FAILURE;
     }
-    if (options.task == Task::run &&
+    if (options.task == Task::Run &&
         !app::passRunThrottle(platform::UserDefaults(HELPER_IDENTIFIER))) {
         return EXIT_SUCCESS;
     }
@@ -93,17 +93,17 @@ int main(int argumentCount, char** arguments) {
     const std::span<char*> all(arguments, static_cast<std::size_t>(argumentCount));
     const app::Options options = app::optionsOf(all.subspan(std::min<std::size_t>(1, all.size())));
     switch (options.task) {
-    case Task::showVersion:
+    case Task::ShowVersion:
         std::puts("Subscription Helper " HELPER_VERSION);
         return EXIT_SUCCESS;
-    case Task::showHelp:
+    case Task::ShowHelp:
         return showHelp();
-    case Task::refuse:
+    case Task::Refuse:
         std::fprintf(stderr, "Unknown option %.*s. --help lists the options.\n",
                      static_cast<int>(options.unknown.size()), options.unknown.data());
         return kWrongUsage;
-    case Task::run:
-    case Task::check:
+    case Task::Run:
+    case Task::Check:
         break;
     }
     return run(options, argumentCount, arguments);

@@ -108,7 +108,7 @@ Connection::Connection(Reuse reuse) : handles_(std::make_unique<Handles>()) {
         handles_->transfers.reset(curl_multi_init());
         handles_->transfer.reset(curl_easy_init());
     }
-    handles_->forbidsReuse = reuse == Reuse::no ? 1 : 0;
+    handles_->forbidsReuse = reuse == Reuse::No ? 1 : 0;
 }
 
 Connection::~Connection() = default;

@@ -13,7 +13,7 @@ namespace base {
 /// connections only for requests that are safe to repeat, such as lookups.
 class Connection {
   public:
-    enum class Reuse { no, yes };
+    enum class Reuse { No, Yes };
 
     explicit Connection(Reuse reuse);
     Connection(const Connection&) = delete;

@@ -76,10 +76,10 @@ std::string escaped(std::string_view text, EscapeForm form) {
     while (!text.empty()) {
         const Character character = firstCharacter(text);
         const std::string_view bytes = text.substr(0, character.length);
-        const bool isLayout = form == EscapeForm::json && character.code < kFirstPrintable;
+        const bool isLayout = form == EscapeForm::JSON && character.code < kFirstPrintable;
         if (!isControl(character.code) || isLayout) {
             result.append(bytes);
-        } else if (form == EscapeForm::json) {
+        } else if (form == EscapeForm::JSON) {
             appendCode(result, character.code);
         } else {
             appendBytes(result, bytes);

@@ -228,7 +228,7 @@ const test::LoopbackServer& server() {
 }
 
 void lookUp(benchmark::State& state) {
-    static_cast<void>(server());
+    server();
     while (state.KeepRunning()) {
         const auto record = store::FastSpringUtilities::subscriptionForStore("acme", "ABC");
         if (!record) {
@@ -253,7 +253,7 @@ void bareLookUp(benchmark::State& state) {
         curl_easy_setopt(handle, CURLOPT_WRITEDATA, &body);
         const bool failed = curl_easy_perform(handle) != CURLE_OK;
         curl_easy_cleanup(handle);
-        static_cast<void>(readByBareExpat(body));
+        readByBareExpat(body);
         if (failed) {
             state.SkipWithError("libcurl failed");
             return;

@@ -13,7 +13,7 @@ void openClosedStreams() {
         {STDIN_FILENO, O_WRONLY}, {STDOUT_FILENO, O_RDONLY}, {STDERR_FILENO, O_RDONLY}};
     for (const auto& [stream, mode] : kStreams) {
         if (fcntl(stream, F_GETFD) < 0) {
-            static_cast<void>(open("/dev/null", mode)); // gets the lowest free number
+            open("/dev/null", mode); // gets the lowest free number
         }
     }
 }

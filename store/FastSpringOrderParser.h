@@ -22,7 +22,7 @@ class FastSpringOrderParser : public FastSpringRootParser {
     /// truncated answer contains only the part before the error.
     /// @throws std::out_of_range for a date without "Z" (see fromServerDate()).
     /// @throws std::invalid_argument if a container of the order ends without a current record.
-    [[nodiscard]] std::shared_ptr<FastSpringOrder> parseOrder();
+    std::shared_ptr<FastSpringOrder> parseOrder();
 
     std::shared_ptr<FastSpringOrder> order;         ///< shared with the caller of parseOrder()
     std::shared_ptr<FastSpringOrderItem> orderItem; ///< the current line item

@@ -21,7 +21,7 @@ class FastSpringSubscriptionParser : public FastSpringRootParser {
     /// @return the record, or null if the answer lacks a "subscription" start. The record of a
     /// malformed or truncated answer contains only the part before the error.
     /// @throws std::out_of_range for a date without "Z" (see fromServerDate()).
-    [[nodiscard]] std::shared_ptr<FastSpringSubscription> parseSubscription();
+    std::shared_ptr<FastSpringSubscription> parseSubscription();
 
     /// The current record, shared with the caller of parseSubscription().
     std::shared_ptr<FastSpringSubscription> subscription;

@@ -87,7 +87,7 @@ class Jobs {
 /// Returns a fetcher with its own connection, for one thread.
 class KeptConnection {
   public:
-    KeptConnection() : connection_(base::Connection::Reuse::yes) {}
+    KeptConnection() : connection_(base::Connection::Reuse::Yes) {}
     base::Fetched operator()(const base::URL& url, const base::FetchLimits& limits) {
         return connection_.fetch(url, limits);
     }

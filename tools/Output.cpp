@@ -25,7 +25,7 @@ void clearProgress() {
 /// Returns a value as JSON. Answers contain any text, and invalid UTF-8 must not end the command.
 std::string textOf(const ordered_json& value, int indent) {
     const std::string text = value.dump(indent, ' ', false, ordered_json::error_handler_t::replace);
-    return base::escaped(text, base::EscapeForm::json);
+    return base::escaped(text, base::EscapeForm::JSON);
 }
 
 } // namespace
