@@ -191,7 +191,7 @@ TEST_F(Removal, GoesOnWhateverFailsAndOpensNoAddressThatIsNone) {
 }
 
 TEST_F(Removal, CanBeStartedAgainWhenThereIsNoThreadForIt) {
-    record_ = "<subscription>without an account page</subscription>";
+    record_ = "<subscription><customerUrl>file:///one</customerUrl></subscription>";
     QWidget* window = startUp();
     ASSERT_NE(window, nullptr);
     EXPECT_FALSE(child<QLabel>(*window, "noteLabel").isVisible());
