@@ -1,7 +1,7 @@
 """Checks the English of documents and comments for habits that a script can see: `python3 -m kit.prose`.
 
-The habits are semicolons, sentences above 35 words, sentences that start with a clause, and "is no ...". Code, tables,
-headings and quoted texts do not count. Prints each habit with its file and sentence, and exits with 1 if there is one.
+The habits are semicolons, sentences above 35 words, sentences that start with a clause, and "is no ...". Prints each
+one outside code, tables, headings and quotes with its file and sentence, and exits with 1 if there is one.
 """
 
 import re
@@ -43,9 +43,8 @@ def paragraphs(name: str, text: str) -> list[str]:
 
 def main() -> None:
     files = ["*.md", "*.h", "*.cpp", "*.py", "*.cmake", "*CMakeLists.txt", "scripts/*"]
-    names = subprocess.run(["git", "ls-files", *files], text=True, check=True, stdout=subprocess.PIPE).stdout
     found = []
-    for name in names.splitlines():
+    for name in subprocess.check_output(["git", "ls-files", *files], text=True).splitlines():
         text = "\n\n".join(paragraphs(name, open(name, encoding="utf-8").read()))
         for paragraph in text.split("\n\n"):
             for sentence in re.split(r"(?<=[.!?:])\**\s+(?=[\w*-])", " ".join(QUOTED.sub("X", paragraph).split())):
