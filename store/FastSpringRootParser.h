@@ -24,6 +24,7 @@ class FastSpringRootParser : public base::XMLEventDelegate {
     explicit FastSpringRootParser(std::string_view data);
     /// A temporary text would not outlive the parser.
     template <std::same_as<std::string> Temporary>
+    // NOLINTNEXTLINE(bugprone-forwarding-reference-overload): takes std::string only
     explicit FastSpringRootParser(Temporary&& data) = delete;
     virtual ~FastSpringRootParser() = default;
 
