@@ -69,7 +69,7 @@ void followDarkStyle() {
         !platform::prefersDark()) {
         return;
     }
-    QPalette palette(QColor(50, 50, 50)); // from which it derives the others
+    QPalette palette(QColor(50, 50, 50)); // QPalette derives the other colors
     palette.setColor(QPalette::Highlight, QColor(48, 140, 198));
     for (const auto role : {QPalette::WindowText, QPalette::ButtonText}) {
         palette.setColor(QPalette::Disabled, role, QColor(130, 130, 130));

@@ -1,6 +1,7 @@
 #include "app/MainWindow.h"
 
 #include "app/ApplicationIcon.h"
+#include "app/Density.h"
 #include "app/FocusRing.h"
 #include "app/Localization.h"
 #include "ui_MainWindow.h"
@@ -19,43 +20,7 @@
 #include <QWindow>
 
 namespace app {
-
-/// Margins, spaces and sizes for a screen's size.
-struct Density {
-    bool hasIcon;
-    double headingScale;
-    QMargins contentMargins;
-    int contentSpacing;
-    int itemSpacing; // between paragraphs, and between buttons
-    QMargins sheetMargins;
-    QSize buttonPadding; // around a button's text, beyond the style's
-    QBoxLayout::Direction buttons;
-};
-
 namespace {
-
-constexpr Density kRoomy{.hasIcon = true,
-                         .headingScale = 1.5,
-                         .contentMargins = {28, 28, 28, 20},
-                         .contentSpacing = 20,
-                         .itemSpacing = 10,
-                         .sheetMargins = {24, 18, 24, 18},
-                         .buttonPadding = {20, 6},
-                         .buttons = QBoxLayout::LeftToRight};
-constexpr Density kCompact{.hasIcon = false,
-                           .headingScale = 1,
-                           .contentMargins = {6, 6, 6, 6},
-                           .contentSpacing = 6,
-                           .itemSpacing = 6,
-                           .sheetMargins = {8, 4, 8, 4},
-                           .buttonPadding = {0, 0},
-                           .buttons = QBoxLayout::LeftToRight};
-/// The density for windows too narrow for buttons side by side.
-constexpr Density kStacked = [] {
-    Density density = kCompact;
-    density.buttons = QBoxLayout::TopToBottom;
-    return density;
-}();
 
 constexpr std::chrono::seconds kGuard{1};
 constexpr int kWidth = 540; // of the window, with about 60 characters per line
@@ -205,12 +170,16 @@ void MainWindow::setDensity(const Density& density) {
     }
 }
 
+/// Returns the layouts of the texts from the outside in.
+std::array<QLayout*, 3> MainWindow::layouts() const {
+    return {ui_->contentLayout, ui_->messageAreaLayout, ui_->messageLayout};
+}
+
 /// Returns the size that shows all texts in full, within the screen's width if possible.
 QSize MainWindow::neededSize() const {
     QLayout& layout = *ui_->contentLayout;
-    // Update the layouts from the inside out, because Qt passes a change on only later.
-    for (QLayout* each : {static_cast<QLayout*>(ui_->messageLayout),
-                          static_cast<QLayout*>(ui_->messageAreaLayout), &layout}) {
+    // Invalidate the inner layouts as well, because Qt passes a change on only later.
+    for (QLayout* each : layouts()) {
         each->invalidate();
     }
     const int width =
@@ -235,9 +204,7 @@ void MainWindow::fit() {
     }
     setFixedSize(size.boundedTo(largest));
     // At an unchanged size, Qt would lay out the changed texts only later.
-    for (QLayout* each :
-         {static_cast<QLayout*>(ui_->contentLayout), static_cast<QLayout*>(ui_->messageAreaLayout),
-          static_cast<QLayout*>(ui_->messageLayout)}) {
+    for (QLayout* each : layouts()) {
         each->activate();
     }
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <memory>
 #include <string>
 
@@ -69,6 +70,7 @@ class MainWindow final : public QDialog {
     [[nodiscard]] QSize estimatedFrameSize() const;
     [[nodiscard]] QSize largestSize() const;
     void setDensity(const Density& density);
+    [[nodiscard]] std::array<QLayout*, 3> layouts() const;
     [[nodiscard]] QSize neededSize() const;
     void fit();
     void growForProgress();
