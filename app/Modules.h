@@ -6,7 +6,7 @@ namespace app {
 
 /// Loads the modules: libraries of the bundle that only some runs need, or that the dynamic linker
 /// loads faster separately. On Linux, the fetch module contains libcurl, and the desktop module
-/// contains GIO for the Trash and the desktop's settings. base/Fetch.h, platform/Desktop.h and
+/// uses GIO for the Trash and the desktop's settings. base/Fetch.h, platform/Desktop.h and
 /// platform/Preferences.h declare their functions. A call of one loads its module. Call
 /// loadModules(false) at the start, to report a missing module before the window appears, and
 /// loadModules(true) before a file of the bundle may disappear. Call from any thread.

@@ -41,7 +41,8 @@ QSize Spinner::sizeHint() const {
 }
 
 void Spinner::advance() {
-    // Ask only at the first step, because the sheet must appear before GIO is loaded.
+    // Ask only at the first step, because the answer may wait until GIO is loaded, and the sheet
+    // must appear before.
     if (steps_ == 0 && platform::wantsReducedMotion()) {
         timer_.stop();
         return;

@@ -74,8 +74,8 @@ int showHelp() {
               "Helps a customer to leave " HELPER_PRODUCT_NAME
               ": shows one window and, on request,\n"
               "cancels the subscription at the store, starts the uninstaller and moves itself\n"
-              "to the Trash. Runs at most once in four hours. Other starts, and starts without\n"
-              "a subscription, exit with 0 immediately.\n\n"
+              "to the Trash. Runs at most once in four hours, and a start in between exits with\n"
+              "0 immediately. Without a subscription, it exits with 0 after the lookup.\n\n"
               "--check  Check the installation without running. Exits with 1 if a check fails.\n"
               "--json   Print the results as JSON.\n"
               "--ask    Also look the subscription up at the store service.\n\n"

@@ -25,7 +25,7 @@ struct Fetched {
     /// The body for any HTTP status. An empty body is data of zero bytes. Absent if the transfer
     /// failed, was cut off, or exceeded a limit.
     std::optional<Data> data;
-    /// The reason for absent data, in libcurl's words.
+    /// The reason for absent data, in English: libcurl's, or one of this library's.
     std::string failure;
     /// The HTTP status of the last answer, or 0 if the data is absent.
     int status = 0;

@@ -1,9 +1,9 @@
-"""The packaged helper on real desktops, in a mount name space of its own: `python3 -m kit.desktops BUILD ROOT...`.
+"""Runs the packaged helper on real desktops: `python3 -m kit.desktops BUILD ROOT...`.
 
-Needs root. Each ROOT contains the desktop of its name. A customer unpacks the package of the build directory there,
-logs in on a virtual display, and performs a removal by keyboard, on the light desktop and on the dark one. Prints a
-table, saves screenshots beside the build directory, and exits with 0 if every step succeeded. DESKTOP_SCALE=2 gives
-Plasma double resolution.
+Needs root and a mount namespace of its own. Each ROOT contains the desktop of its name. A customer unpacks the package
+of the build directory there, logs in on a virtual display, and performs a removal by keyboard, on the light desktop and
+on the dark one. Prints a table, saves screenshots beside the build directory, and exits with 0 if every step succeeded.
+DESKTOP_SCALE=2 gives Plasma double resolution.
 """
 
 import contextlib
@@ -167,7 +167,7 @@ def check(build: pathlib.Path, root: pathlib.Path, style: str, pictures: pathlib
 
 def main() -> None:
     build = pathlib.Path(sys.argv[1])
-    print("| desktop | style | window | looks so | removal | restore path |\n|---|---|---|---|---|---|")
+    print("| desktop | style | window | style seen | removal | restore path |\n|---|---|---|---|---|---|")
     done = True
     for root in map(pathlib.Path, sys.argv[2:]):
         prepare(root)

@@ -12,15 +12,15 @@ namespace store {
 /// @tparam Lists the record's kinds of list, as members.
 template <class Record, class... Lists>
 struct Field {
-    /// The lowercased element that fills the field, or empty if none does. An element that counts
-    /// in one context only has the context in front: "purchaser/email".
+    /// The lowercased element that fills the field, or empty if none does. If an
+    /// element counts in one context only, the context stands in front: "purchaser/email".
     std::string_view element;
     std::string_view name; ///< of the property
     std::variant<Text Record::*, Date Record::*, Number Record::*, bool Record::*, Lists...> member;
 };
 
 /// The fields of a record in the order of its declaration, as an array: see the specializations
-/// beside the records.
+/// beside the records. `false` marks a type without fields.
 template <class Record>
 inline constexpr bool kFields = false;
 

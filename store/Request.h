@@ -19,7 +19,7 @@ struct Answer {
     bool isSent = false;
     /// The answer's body with any content, absent if the answer is missing or incomplete.
     std::optional<base::Data> data;
-    /// The reason for an absent body, in libcurl's words. The store service may have obeyed the
+    /// The reason for an absent body, see base::Fetched. The store service may have obeyed the
     /// request nevertheless.
     std::string failure;
     /// The HTTP status of the answer, or 0 if the body is absent.

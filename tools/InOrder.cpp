@@ -84,7 +84,7 @@ class Jobs {
     std::vector<std::thread> threads_;
 };
 
-/// Returns a fetcher with its own connection, for one thread.
+/// A fetcher with its own connection, for one thread.
 class KeptConnection {
   public:
     KeptConnection() : connection_(base::Connection::Reuse::Yes) {}

@@ -19,8 +19,8 @@ ordered_json valueJSON(const store::Number& number) {
     return number ? ordered_json(*number) : ordered_json();
 }
 
-ordered_json valueJSON(const store::Date& moment) {
-    return moment ? ordered_json(base::timestampText(*moment)) : ordered_json();
+ordered_json valueJSON(const store::Date& time) {
+    return time ? ordered_json(base::timestampText(*time)) : ordered_json();
 }
 
 template <class Record>

@@ -82,7 +82,8 @@ std::string loadModules(bool all) {
     if (const auto& failure = fetchModule().failure(); !failure.empty()) {
         return failure;
     }
-    // Load the desktop module now only if its files are not found, for the reason.
+    // Load the desktop module now if all are wanted, or if one of its files is missing, because the
+    // failed load gives the reason.
     return !all && isDesktopThere() ? std::string() : desktopModule().failure();
 }
 
@@ -114,8 +115,8 @@ bool platform::wantsReducedMotion() {
     return module != nullptr && module->wantsReducedMotion();
 }
 
-/// False unless Qt's GTK theme has loaded GIO, which would delay the window. Qt follows the dark
-/// style of other desktops by itself.
+/// Returns false unless Qt's GTK theme has loaded GIO, because loading it here would delay the
+/// window. Qt itself follows the dark style of other desktops.
 bool platform::prefersDark() {
     const auto* const module =
         app::isLoaded("libgio-2.0.so.0") ? app::desktopModule().table() : nullptr;
