@@ -263,7 +263,7 @@ class Bench:
             self.add(19, what, "curl --parallel", None, medians[0] / medians[1], " / ".join(per_second))
 
     def steps(self) -> None:
-        """Measures the removal's steps. The copies' times exclude the program's start, which is measured separately."""
+        """Rows 10 and 11. A copy's time excludes the program's start, which is measured separately."""
         step = self.program("tests/removal-step")
         stage = Stage(self.build, self.folder / "steps")
         environment = stage.environment()

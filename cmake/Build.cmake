@@ -54,8 +54,8 @@ function(helper_library name)
     set_target_properties(${name} PROPERTIES OUTPUT_NAME subscription-store-${name})
 endfunction()
 
-# helper_part(NAME LIBRARY SOURCES...): a library that everything that links LIBRARY links too, except a target that
-# lists NAME in its property HELPER_REPLACES and defines the same functions itself.
+# helper_part(NAME LIBRARY SOURCES...): adds the library NAME. Each target that links LIBRARY also links NAME. A target
+# that defines the same functions itself lists NAME in its property HELPER_REPLACES, and then does not link NAME.
 define_property(TARGET PROPERTY HELPER_REPLACES INITIALIZE_FROM_VARIABLE HELPER_REPLACES)
 function(helper_part name library)
     helper_library(${name} ${ARGN})

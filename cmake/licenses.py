@@ -80,7 +80,7 @@ def identifier_of(*names: str) -> str:
 def described(name: str, version: str, license_: str, supplier: str) -> dict[str, Any]:
     return {"SPDXID": identifier_of("Package", name), "name": name, "versionInfo": version,
             "supplier": supplier, "downloadLocation": "NOASSERTION", "licenseDeclared": license_,
-            "licenseConcluded": license_, "copyrightText": "NOASSERTION"}
+            "licenseConcluded": license_, "copyrightText": "NOASSERTION", "filesAnalyzed": False}
 
 
 def main() -> None:
@@ -99,8 +99,7 @@ def main() -> None:
         if name not in LICENSES or not text.is_file():
             sys.exit(f"licenses: unknown license of {target} from the package {name}. Add it to LICENSES in {__file__}")
         if name not in packages:
-            packages[name] = described(name, package_version, LICENSES[name], "Organization: Debian") | {
-                "filesAnalyzed": False}
+            packages[name] = described(name, package_version, LICENSES[name], "Organization: Debian")
             shutil.copyfile(text, folder / f"{name}.txt")
             for common in set(re.findall(rf"{COMMON}/([\w.+-]*\w)", text.read_text())):
                 shutil.copyfile(COMMON / common, folder / f"{common}.txt")
@@ -115,7 +114,6 @@ def main() -> None:
         relations += [relation] if relation not in relations else []
 
     own = described(identifier, version, "NOASSERTION", f"Organization: {company}")
-    own["filesAnalyzed"] = False
     document: dict[str, Any] = {
         "spdxVersion": "SPDX-2.3", "dataLicense": "CC0-1.0", "SPDXID": "SPDXRef-DOCUMENT",
         "name": f"{identifier}-{version}", "packages": [own, *packages.values()],

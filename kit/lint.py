@@ -1,4 +1,5 @@
-"""Runs clang-tidy on all sources of a build directory: `python3 -m kit.lint BUILD [--all]`.
+"""Runs clang-tidy on all sources of a build directory: `python3 -m kit.lint BUILD [--all]`,
+with an absolute path.
 
 Skips each source that has passed with the same content, headers, compile command and checks, unless --all is given.
 """
@@ -38,23 +39,23 @@ def dependencies(build: pathlib.Path) -> dict[str, list[str]]:
     return found
 
 
-def check(passed: pathlib.Path, key: str | None, source: str) -> bool:
+def check(records: pathlib.Path, key: str | None, source: str) -> bool:
     """Returns whether a source passes, and remembers it by its key. Prints what clang-tidy finds."""
-    result = subprocess.run([TIDY, "-p", passed, "--quiet", source], cwd=PROJECT, text=True, check=False,
+    result = subprocess.run([TIDY, "-p", records, "--quiet", source], cwd=PROJECT, text=True, check=False,
                             stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
     print(result.stdout, end="", flush=True)
     if result.returncode == 0 and key:
-        (passed / key).touch()
+        (records / key).touch()
     return result.returncode == 0
 
 
 def main() -> None:
-    build = pathlib.Path(sys.argv[1]).resolve()
-    passed = build / "lint"
-    passed.mkdir(exist_ok=True)
+    build = pathlib.Path(sys.argv[1])
+    records = build / "lint"
+    records.mkdir(exist_ok=True)
     # clang-tidy runs once for each command of a source. One is enough.
     commands = {each["file"]: each for each in json.loads((build / "compile_commands.json").read_text())}
-    (passed / "compile_commands.json").write_text(json.dumps(list(commands.values())))
+    (records / "compile_commands.json").write_text(json.dumps(list(commands.values())))
     included = dependencies(build)
     version = output(TIDY, "--version")
     work = []
@@ -66,11 +67,11 @@ def main() -> None:
             command = re.sub(r" -o .*", "", commands[source]["command"])
             parts = [version, command, *map(digest, [*checks, *included[source]])]
             key = hashlib.sha256("\n".join(parts).encode()).hexdigest()
-        if name != HAS_NO_COMMAND and ("--all" in sys.argv or not key or not (passed / key).exists()):
+        if name != HAS_NO_COMMAND and ("--all" in sys.argv or not key or not (records / key).exists()):
             work.append((key, source))
     print(f"lint: {len(work)} sources to check", flush=True)
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        sys.exit(not all(list(pool.map(lambda each: check(passed, *each), work))))
+        sys.exit(not all(list(pool.map(lambda each: check(records, *each), work))))
 
 
 if __name__ == "__main__":

@@ -42,7 +42,7 @@ def paragraphs(name: str, text: str) -> list[str]:
 
 
 def main() -> None:
-    files = ["*.md", "*.h", "*.cpp", "*.py", "*.cmake", "*CMakeLists.txt", "scripts/*"]
+    files = ["*.md", "*.h", "*.cpp", "*.py", "*CMakeLists.txt", "cmake", "scripts", "kit", ".ci", "examples"]
     found = []
     for name in subprocess.check_output(["git", "ls-files", *files], text=True).splitlines():
         text = "\n\n".join(paragraphs(name, open(name, encoding="utf-8").read()))

@@ -182,7 +182,7 @@ class Window:
             time.sleep(seconds)
             self.keys("alt+u")
 
-    def start_removal(self, process: subprocess.Popen[str]) -> None:
+    def start_removal(self, process: Process) -> None:
         """Presses the remove button until the removal has begun, which loads GIO."""
         libraries = pathlib.Path(f"/proc/{process.pid}/maps")
         wait_for(lambda: self.press_remove() or "libgio" in libraries.read_text(), 60)
@@ -198,8 +198,9 @@ class Window:
             if pictures is not None:
                 screenshot(self.environment, f"{pictures}{name}.png")
 
-        time.sleep(1.2)  # the remove button is disabled for a second
-        photograph("window")
+        if pictures is not None:
+            time.sleep(1.2)  # until the remove button is enabled
+            photograph("window")
         self.press_remove()
         time.sleep(0.7)
         photograph("sheet")

@@ -95,17 +95,15 @@ TEST_F(Fetch, NoticesAtOnceWhatIsTooLarge) {
     const FetchLimits limits;
     const auto memory = test::peakMemory();
     const std::string head = "HTTP/1.1 200 OK\r\n";
-    const std::pair<Reply, const char*> rows[] = {
-        {{head + "\r\n" + std::string(65536, 'x'), Reply::End::Close, true},
-         "The answer is too large"},
-        {{head + "X: " + std::string(1024, 'y') + "\r\n", Reply::End::Close, true},
-         "Header without colon"},
-        {{head + "Content-Length: 10737418240\r\n\r\n", Reply::End::Silence},
-         "The answer is too large"},
+    const Reply replies[] = {
+        {head + "\r\n" + std::string(65536, 'x'), Reply::End::Close, true},
+        {head + "X: " + std::string(70000, 'y') + "\r\n", Reply::End::Silence},
+        {head + "Content-Length: 10737418240\r\n\r\n", Reply::End::Silence},
     };
-    for (const auto& [reply, failure] : rows) {
+    for (const auto& reply : replies) {
         const LoopbackServer server(reply);
-        EXPECT_EQ(fetch(URL::make(server.url()).value(), limits).failure, failure);
+        EXPECT_EQ(fetch(URL::make(server.url()).value(), limits).failure,
+                  "The answer is too large");
     }
     const std::string largest(limits.body, 'x');
     EXPECT_TRUE(fetchFrom(LoopbackServer(httpReply(largest)), limits) == largest);

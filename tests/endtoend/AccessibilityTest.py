@@ -24,7 +24,7 @@ def texts_of(language: str) -> dict[str, str]:
 
 
 def window(texts: dict[str, str]) -> set[tuple[str, str, str]]:
-    """Tests the roles, names and descriptions of the window's objects."""
+    """Returns the roles, names and descriptions of the window's objects."""
     title = texts["Cancel your %@ subscription?"]
     return {
         ("dialog", "Acme Studio", title), ("graphic", "Acme Studio", ""), ("label", title, ""),

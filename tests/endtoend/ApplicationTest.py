@@ -365,7 +365,9 @@ class DesktopTest(TestCase):
                 self.assertTrue(wait_for(lambda: self.window.picture()[-1] < 40, 5))
                 time.sleep(0.5)
                 if still is None:
-                    (still,) = {self.window.picture() for _ in range(4)}
+                    pictures = {self.window.picture() for _ in range(4)}
+                    self.assertEqual(len(pictures), 1)
+                    still = pictures.pop()
                 else:
                     turning = wait_for(lambda: {self.window.picture()} - {still}, 10).pop()
                     self.assertLess(abs(sum(turning) - sum(still)), 10000)  # a spinner is in both

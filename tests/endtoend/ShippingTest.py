@@ -249,7 +249,7 @@ class PackagingTest(TestCase):
             self.assertTrue((folder / f"{package['name']}.txt").exists(), package["name"])
         self.assertIn("You may leave.", str(listed))
 
-    def test_a_file_without_a_licence_ends_the_build(self) -> None:
+    def test_a_file_without_a_license_ends_the_build(self) -> None:
         contents, origins = self.folder / "Contents", self.folder / "origins"
         (contents / "Resources").mkdir(parents=True)
         for origin, message in ((self.folder / "not.svg", "cannot find the Debian package"),

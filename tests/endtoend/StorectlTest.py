@@ -165,7 +165,7 @@ class StorectlTest(TestCase):
                 self.assertEqual(terminal.wait(), status)
                 self.assertRegex(terminal.shown, r"left out 2 duplicates\r\nstorectl: cancel 4 subscriptions at "
                                  r"127\.0\.0\.1:\d+: A, DEMO-1001, DEMO-KEEP and 1 more\? \[y/N\] ")
-                self.assertIn("othing was canceled" if status == USAGE else "2 confirmed, 2 refused", terminal.shown)
+                self.assertIn("nothing was canceled" if status == USAGE else "2 confirmed, 2 refused", terminal.shown)
             self.assertEqual(references_of(store)[1:], ["A", "DEMO-1001", "DEMO-KEEP", "DEMO-1002"])
             with open("/dev/full", "wb") as full:
                 result = subprocess.run([PROGRAM, "cancel", "-y", "DEMO-1001", "A"], stdout=full, check=False,

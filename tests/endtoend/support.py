@@ -28,7 +28,8 @@ def content(folder: pathlib.Path) -> Any:
 
 
 def as_ordinary_user(folder: pathlib.Path) -> list[str]:
-    """The words before a command that run it as an ordinary user, who gets the folder: root needs no rights."""
+    """Returns the words before a command with which root runs it as an ordinary user, and gives that user the folder.
+    Root would pass each check of permissions."""
     if os.geteuid() != 0:
         return []
     subprocess.run(["chown", "-R", "65534:65534", folder], check=True)

@@ -5,20 +5,12 @@
 
 #include "tools/RecordJSON.h"
 
-#include <fstream>
-#include <iterator>
-
 namespace store {
 namespace {
 
-std::string page() {
-    std::ifstream file(TEST_PROTOCOL_PAGE);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 /// Returns the page's example answer with this root element.
 std::string example(const std::string& root) {
-    const std::string text = page();
+    const std::string text = test::readFile(TEST_PROTOCOL_PAGE);
     const auto start = text.find("    <" + root + ">");
     return text.substr(start, text.find("    </" + root + ">") + root.size() + 7 - start);
 }
@@ -50,7 +42,7 @@ TEST(ProtocolPage, ListsTheFieldsWithTheValuesOfItsExamples) {
     const auto order = FastSpringOrderParser(answers[1]).parseOrder();
     ASSERT_TRUE(subscription && order);
     const auto object = tools::recordJSON(*order);
-    const std::string text = page();
+    const std::string text = test::readFile(TEST_PROTOCOL_PAGE);
     for (const auto& table :
          {tableOf<FastSpringSubscription>(tools::recordJSON(*subscription)),
           tableOf<FastSpringOrder>(object), tableOf<FastSpringOrderItem>(object["orderItems"][0]),
