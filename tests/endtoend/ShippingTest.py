@@ -85,7 +85,7 @@ class InstallerTest(TestCase):
         """Returns a package of a version. Without a version its program cannot run."""
         helper = self.folder / name / BUNDLE
         program = helper / "Contents/Linux/Subscription Helper"
-        entry = helper / "Contents/Resources/share/applications/helper.desktop"
+        entry = helper / "Contents/Resources/share/applications/com.globex.leave.desktop"
         for file, text in ((program, "#!/bin/sh\n"), (entry, "@BUNDLE@"), (helper / "version", version),
                            (helper / "locked/file", "")):
             file.parent.mkdir(parents=True, exist_ok=True)
@@ -99,24 +99,33 @@ class InstallerTest(TestCase):
     def test_an_installer_changes_nothing_before_it_knows_that_it_can(self) -> None:
         home, cut = self.folder / "home", self.package("cut", "1")
         cut.write_bytes(cut.read_bytes()[:-30])
-        good = [self.package("old", "1"), home / "Applications", "com.globex.draw", "REF"]
+        new = self.package("new", "2")
+        good = rows(self.package("old", "1"), home / "Applications", "com.globex.draw", "REF")
         (home / ".config/com.globex.broken.conf").mkdir(parents=True)
         settings = home / ".config/com.globex.draw.conf"
         settings.write_text("\ufeffsubscriptionReference = OLD\ncolour=1")
+        for key in ("key", "stranger"):
+            subprocess.run(["ssh-keygen", "-q", "-t", "ed25519", "-N", "", "-f", self.folder / key], check=True)
+        signed = rows("ssh-keygen", "-q", "-Y", "sign", "-f", self.folder / "key", "-n", "subscription-helper", new)
+        subprocess.run(signed, check=True, stderr=subprocess.DEVNULL)
+        option = {name: rows("--key", self.folder / f"{name}.pub") for name in ("key", "stranger", "none")}
         user = as_ordinary_user(self.folder)
+        installer = [*user, PROJECT / "examples/install-helper"]
+        environment = {"HOME": str(home), "PATH": os.environ["PATH"]}
         self.addCleanup(subprocess.run, ["chmod", "-R", "u+w", self.folder], check=True, text=True)
         for change, said in rows(
                 ({}, None), ({0: cut}, "tar: "), ({0: self.package("empty", "")}, "no helper"), ({1: ""}, "realpath"),
                 ({1: home / "a\n"}, "DIRECTORY"), ({1: home / "a'"}, "DIRECTORY"), ({2: ""}, "PRODUCT_DOMAIN"),
                 ({2: "a.b\n"}, "PRODUCT_DOMAIN"), ({2: "../a.b"}, "PRODUCT_DOMAIN"), ({3: " "}, "REFERENCE"),
                 ({3: "a\nb=c"}, "REFERENCE"), ({2: "com.globex.broken"}, "cp: "),
-                ({0: self.package("new", "2")}, None)):
+                ({"key": option["none"]}, "--key"), ({"key": option["key"]}, "the signature of"),
+                ({0: new, "key": option["stranger"]}, "the signature of"), ({0: new, "key": option["key"]}, None)):
             words = [change.get(index, word) for index, word in enumerate(good)]
             digest = hashlib.sha256(words[0].read_bytes()).hexdigest()
             words[0].with_name(words[0].name + ".sha256").write_text(f"{digest}  {words[0].name}\n")
             before = content(home)
-            result = subprocess.run([*user, PROJECT / "examples/install-helper", *words], text=True, check=False,
-                                    capture_output=True, env={"HOME": str(home), "PATH": os.environ["PATH"]})
+            result = subprocess.run([*installer, *change.get("key", []), *words], text=True, check=False,
+                                    capture_output=True, env=environment)
             with self.subTest(words=words):
                 self.assertEqual(result.returncode == 0, said is None, result.stderr)
                 self.assertIn(said or "", result.stderr)
@@ -124,8 +133,16 @@ class InstallerTest(TestCase):
         self.assertEqual([path.name for path in (home / "Applications").iterdir()], [BUNDLE])
         self.assertEqual((home / "Applications" / BUNDLE / "version").read_text(), "2")
         self.assertEqual(settings.read_text(), "subscriptionReference=REF\ncolour=1")
-        self.assertEqual((home / ".local/share/applications/helper.desktop").read_text(),
+        self.assertEqual((home / ".local/share/applications/com.globex.leave.desktop").read_text(),
                          str(home / "Applications" / BUNDLE))
+        for name in (".config/com.globex.leave.lock", f".cache/com.globex.leave-{65534 if user else os.getuid()}/copy"):
+            (home / name).parent.mkdir(parents=True, exist_ok=True)
+            (home / name).touch()
+        as_ordinary_user(self.folder)
+        subprocess.run([*installer, "--remove", *good[1:3], "com.globex.leave"], check=True,
+                       env=environment)
+        self.assertEqual([path.name for path in home.rglob("*") if path.is_file()], [settings.name])
+        self.assertEqual(settings.read_text(), "colour=1")
 
 
 class DemoTest(TestCase):
@@ -169,7 +186,7 @@ class PackagingTest(TestCase):
     def test_a_setting_that_is_wrong_is_named(self) -> None:
         for setting, value, message in (
                 *((name, None, "is missing") for name in BRAND),
-                ("COMPANY_NAME", "", "the company's name"),
+                ("COMPANY_NAME", "", "the company's name"), ("PRODUCT_NAME", '\\"Draw\\', "line 2 lacks a quote"),
                 ("PRODUCT_NAME", " ", "the product's display name"),
                 ("PRODUCT_NAME", r"Draw\\next", "the product's display name"), ("STORE_ID", r"a\;b", "such as"),
                 ("IDENTIFIER", "../leave", "a reverse domain name"),
