@@ -110,7 +110,7 @@ class InstallerTest(TestCase):
         subprocess.run(signed, check=True, stderr=subprocess.DEVNULL)
         option = {name: rows("--key", self.folder / f"{name}.pub") for name in ("key", "stranger", "none")}
         user = as_ordinary_user(self.folder)
-        installer = [*user, PROJECT / "examples/install-helper"]
+        installer = rows(*user, PROJECT / "examples/install-helper")
         environment = {"HOME": str(home), "PATH": os.environ["PATH"]}
         self.addCleanup(subprocess.run, ["chmod", "-R", "u+w", self.folder], check=True, text=True)
         for change, said in rows(
