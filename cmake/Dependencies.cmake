@@ -1,4 +1,8 @@
 find_package(Threads REQUIRED)
+if(HELPER_SELF_CONTAINED AND NOT APPLE)
+    # Debian's shared library needs glibc 2.36. base/ExpatRandom.cpp replaces the one newer function of the archive.
+    find_library(EXPAT_LIBRARY libexpat.a REQUIRED)
+endif()
 find_package(EXPAT 2.5 REQUIRED)
 if(HELPER_SELF_CONTAINED AND NOT APPLE)
     include(cmake/OwnCurl.cmake)

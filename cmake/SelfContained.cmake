@@ -12,10 +12,10 @@ if(NOT CMAKE_SCRIPT_MODE_FILE)
             "-DDESKTOP=$<TARGET_FILE:desktop-module>"
             "-DARCHIVES=$<TARGET_FILE:CURL::libcurl>:${OPENSSL_SSL_LIBRARY}:${OPENSSL_CRYPTO_LIBRARY}"
             "-DQT_PLUGINS=${QT6_INSTALL_PREFIX}/${QT6_INSTALL_PLUGINS}" "-DCONTENTS=${HELPER_BUNDLE_CONTENTS}"
-            "-DPATCHELF=${PATCHELF}" "-DORIGINS=${origins}" -P "${CMAKE_CURRENT_LIST_FILE}"
+            "-DEXPAT=${EXPAT_LIBRARY}" "-DPATCHELF=${PATCHELF}" "-DCOMPILER=${CMAKE_CXX_COMPILER}" "-DORIGINS=${origins}" -P "${CMAKE_CURRENT_LIST_FILE}"
         COMMAND ${Python3_EXECUTABLE} "${licenses}" "${HELPER_BUNDLE_CONTENTS}" "${origins}"
             "${HELPER_IDENTIFIER}" "${HELPER_VERSION}" "${HELPER_COMPANY_NAME}" "${HELPER_LICENSE}"
-        DEPENDS application fetch-module desktop-module curl "${CMAKE_CURRENT_LIST_FILE}" "${licenses}" ${HELPER_LICENSE}
+        DEPENDS helper application fetch-module desktop-module curl "${CMAKE_CURRENT_LIST_FILE}" "${licenses}" ${HELPER_LICENSE}
         COMMENT "Putting libraries, plugins and their licenses into the bundle"
         VERBATIM)
     add_custom_target(self-contained DEPENDS "${origins}")
@@ -81,4 +81,27 @@ string(REPLACE ":" ";" archives "${ARCHIVES}")
 cmake_path(GET FETCH FILENAME name)
 foreach(archive ${archives})
     file(APPEND "${ORIGINS}" "Frameworks/${name}\t${archive}\n")
+endforeach()
+# The process entry links the C++ library statically.
+execute_process(COMMAND_ERROR_IS_FATAL ANY COMMAND "${COMPILER}" -print-file-name=libstdc++.a
+    OUTPUT_VARIABLE archive OUTPUT_STRIP_TRAILING_WHITESPACE)
+file(REAL_PATH "${archive}" archive)
+file(APPEND "${ORIGINS}" "Linux/Subscription Helper\t${archive}\n")
+# The application library links expat statically.
+cmake_path(GET APPLICATION FILENAME name)
+file(APPEND "${ORIGINS}" "Frameworks/${name}\t${EXPAT}\n")
+
+# Refuse files that need newer C or C++ libraries than Ubuntu 22.04 has.
+set(newest_GLIBC 2.35)
+set(newest_GLIBCXX 3.4.30)
+file(GLOB_RECURSE files "${CONTENTS}/Linux/Subscription Helper" "${CONTENTS}/Frameworks/*" "${CONTENTS}/PlugIns/*")
+foreach(file ${files})
+    execute_process(COMMAND_ERROR_IS_FATAL ANY COMMAND readelf --version-info "${file}" OUTPUT_VARIABLE versions)
+    string(REGEX MATCHALL "Name: GLIBC(XX)?_[0-9.]+" versions "${versions}")
+    foreach(version ${versions})
+        string(REGEX MATCH "(GLIBC|GLIBCXX)_(.*)" version "${version}")
+        if(CMAKE_MATCH_2 VERSION_GREATER newest_${CMAKE_MATCH_1})
+            message(FATAL_ERROR "${file} needs ${version}, but the package must run with ${newest_${CMAKE_MATCH_1}}")
+        endif()
+    endforeach()
 endforeach()

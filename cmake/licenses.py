@@ -2,7 +2,8 @@
 
 Each line of ORIGINS contains a path below CONTENTS, a tab, and the original: the file that was copied or statically
 linked there. Writes the license texts of the originals' Debian packages to CONTENTS/Resources/licenses, and an SPDX 2.3
-list of packages, versions, licenses and files. Fails if the license of a file is unknown.
+list of packages, versions, licenses and files, which includes our own programs and libraries and the uninstaller. Fails
+if the license of a file is unknown.
 """
 
 import datetime
@@ -14,6 +15,7 @@ import re
 import shutil
 import subprocess
 import sys
+import urllib.parse
 from typing import Any
 
 # SPDX license expressions of Debian's source packages, from their copyright files.
@@ -42,7 +44,7 @@ LICENSES = {
     "xcb-util-renderutil": "MIT",
     "xcb-util-wm": "MIT",
 }
-OWN = "Frameworks/SubscriptionHelper"  # this project's libraries, which others are linked into
+OWN = "Frameworks/SubscriptionHelper", "Linux/"  # this project's files, which others are linked into
 COMMON = pathlib.Path("/usr/share/common-licenses")
 
 
@@ -83,6 +85,22 @@ def described(name: str, version: str, license_: str, supplier: str) -> dict[str
             "licenseConcluded": license_, "copyrightText": "NOASSERTION", "filesAnalyzed": False}
 
 
+def debian(name: str, version: str) -> dict[str, Any]:
+    """Describes a source package of Debian, whose archive keeps every version."""
+    quoted = urllib.parse.quote(version, safe="")
+    return described(name, version, LICENSES[name], "Organization: Debian") | {
+        "downloadLocation": f"https://snapshot.debian.org/package/{name}/{quoted}/",
+        "externalRefs": [{"referenceCategory": "PACKAGE-MANAGER", "referenceType": "purl",
+                          "referenceLocator": f"pkg:deb/debian/{name}@{quoted}?arch=source"}]}
+
+
+def described_file(contents: pathlib.Path, target: str, license_: str) -> dict[str, Any]:
+    return {"SPDXID": identifier_of("File", target), "fileName": f"./Contents/{target}",
+            "checksums": [{"algorithm": kind.upper(), "checksumValue": digest(contents / target, kind)}
+                          for kind in ("sha1", "sha256")],
+            "licenseConcluded": license_, "copyrightText": "NOASSERTION"}
+
+
 def main() -> None:
     bundle, origins, identifier, version, company, license_ = (*sys.argv[1:], "")[:6]
     contents = pathlib.Path(bundle)
@@ -99,19 +117,21 @@ def main() -> None:
         if name not in LICENSES or not text.is_file():
             sys.exit(f"licenses: unknown license of {target} from the package {name}. Add it to LICENSES in {__file__}")
         if name not in packages:
-            packages[name] = described(name, package_version, LICENSES[name], "Organization: Debian")
+            packages[name] = debian(name, package_version)
             shutil.copyfile(text, folder / f"{name}.txt")
             for common in set(re.findall(rf"{COMMON}/([\w.+-]*\w)", text.read_text())):
                 shutil.copyfile(COMMON / common, folder / f"{common}.txt")
-        file = files.setdefault(target, {
-            "SPDXID": identifier_of("File", target), "fileName": f"./Contents/{target}",
-            "checksums": [{"algorithm": kind.upper(), "checksumValue": digest(contents / target, kind)}
-                          for kind in ("sha1", "sha256")],
-            "licenseConcluded": "NOASSERTION" if target.startswith(OWN) else LICENSES[name],
-            "copyrightText": "NOASSERTION"})
+        license_of_file = "NOASSERTION" if target.startswith(OWN) else LICENSES[name]
+        file = files.setdefault(target, described_file(contents, target, license_of_file))
         relation = (file["SPDXID"], "STATIC_LINK" if target.startswith(OWN) else "GENERATED_FROM",
                     packages[name]["SPDXID"])
         relations += [relation] if relation not in relations else []
+
+    for folder_of_ours in ("Frameworks", "Linux"):
+        for path in sorted((contents / folder_of_ours).rglob("*")):
+            target = str(path.relative_to(contents))
+            if target.startswith(OWN) and path.is_file() and not path.is_symlink() and target not in files:
+                files[target] = described_file(contents, target, "NOASSERTION")
 
     own = described(identifier, version, "NOASSERTION", f"Organization: {company}")
     document: dict[str, Any] = {
