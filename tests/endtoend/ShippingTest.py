@@ -144,6 +144,18 @@ class InstallerTest(TestCase):
         self.assertEqual([path.name for path in home.rglob("*") if path.is_file()], [settings.name])
         self.assertEqual(settings.read_text(), "colour=1")
 
+        root, product = self.folder / "root", self.folder / "product.deb"
+        (root / "var/lib/dpkg").mkdir(parents=True)
+        (root / "var/lib/dpkg/status").touch()
+        for command in rows(
+                [PROJECT / "examples/make-deb", new, product],
+                ["dpkg", "--root", root, "--log", "/dev/null", "--force-depends,not-root", "--install", product],
+                [*user, root / "usr/bin/globex-leave", "REF"]):
+            result = subprocess.run(command, text=True, capture_output=True, check=False,
+                                    env=environment | {"PATH": f"{os.environ['PATH']}:/usr/sbin:/sbin"})
+            self.assertEqual(result.returncode, 0, result.stderr)
+        self.assertEqual((home / ".local/lib/globex" / BUNDLE / "version").read_text(), "2")
+
 
 class DemoTest(TestCase):
     def test_it_shows_every_step_where_the_window_manager_is_slow(self) -> None:
