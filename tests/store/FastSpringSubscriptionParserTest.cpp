@@ -60,20 +60,5 @@ TEST(SubscriptionParser, TakesEachFieldByItsNameAlone) {
     }
 }
 
-TEST(SubscriptionParser, TellsWhatWasWrong) {
-    const std::tuple<const char*, bool, bool> rows[] = {
-        {"<subscription/>", false, false},
-        {"<subscription><status>", true, false},
-        {"<HTML><br>", true, true},
-    };
-    for (const auto& [answer, isParsingError, isHTMLServerError] : rows) {
-        FastSpringSubscriptionParser parser(answer);
-        parser.parseSubscription();
-        EXPECT_EQ(parser.isParsingError, isParsingError) << answer;
-        EXPECT_EQ(parser.isHTMLServerError, isHTMLServerError) << answer;
-        EXPECT_EQ(parser.cleanUpAnyErrors("anything"), isHTMLServerError) << answer;
-    }
-}
-
 } // namespace
 } // namespace store
