@@ -12,10 +12,12 @@ if(NOT CMAKE_SCRIPT_MODE_FILE)
             "-DDESKTOP=$<TARGET_FILE:desktop-module>"
             "-DARCHIVES=$<TARGET_FILE:CURL::libcurl>:${OPENSSL_SSL_LIBRARY}:${OPENSSL_CRYPTO_LIBRARY}"
             "-DQT_PLUGINS=${QT6_INSTALL_PREFIX}/${QT6_INSTALL_PLUGINS}" "-DCONTENTS=${HELPER_BUNDLE_CONTENTS}"
-            "-DEXPAT=${EXPAT_LIBRARY}" "-DPATCHELF=${PATCHELF}" "-DCOMPILER=${CMAKE_CXX_COMPILER}" "-DORIGINS=${origins}" -P "${CMAKE_CURRENT_LIST_FILE}"
+            "-DEXPAT=${EXPAT_LIBRARY}" "-DPATCHELF=${PATCHELF}" "-DCOMPILER=${CMAKE_CXX_COMPILER}"
+            "-DORIGINS=${origins}" -P "${CMAKE_CURRENT_LIST_FILE}"
         COMMAND ${Python3_EXECUTABLE} "${licenses}" "${HELPER_BUNDLE_CONTENTS}" "${origins}"
             "${HELPER_IDENTIFIER}" "${HELPER_VERSION}" "${HELPER_COMPANY_NAME}" "${HELPER_LICENSE}"
-        DEPENDS helper application fetch-module desktop-module curl "${CMAKE_CURRENT_LIST_FILE}" "${licenses}" ${HELPER_LICENSE}
+        DEPENDS helper application fetch-module desktop-module curl "${CMAKE_CURRENT_LIST_FILE}" "${licenses}"
+            ${HELPER_LICENSE}
         COMMENT "Putting libraries, plugins and their licenses into the bundle"
         VERBATIM)
     add_custom_target(self-contained DEPENDS "${origins}")
@@ -100,7 +102,7 @@ foreach(file ${files})
     string(REGEX MATCHALL "Name: GLIBC(XX)?_[0-9.]+" versions "${versions}")
     foreach(version ${versions})
         string(REGEX MATCH "(GLIBC|GLIBCXX)_(.*)" version "${version}")
-        if(CMAKE_MATCH_2 VERSION_GREATER newest_${CMAKE_MATCH_1})
+        if(CMAKE_MATCH_2 VERSION_GREATER "${newest_${CMAKE_MATCH_1}}")
             message(FATAL_ERROR "${file} needs ${version}, but the package must run with ${newest_${CMAKE_MATCH_1}}")
         endif()
     endforeach()
