@@ -94,11 +94,17 @@ class InstallerTest(TestCase):
         (helper / "locked").chmod(0o555)
         package = self.folder / f"{name}.tar.gz"
         subprocess.run(["tar", "-czf", package, "-C", helper.parent, BUNDLE], check=True)
+        self.sum_up(package)
         return package
+
+    def sum_up(self, package: pathlib.Path) -> None:
+        digest = hashlib.sha256(package.read_bytes()).hexdigest()
+        package.with_name(package.name + ".sha256").write_text(f"{digest}  {package.name}\n")
 
     def test_an_installer_changes_nothing_before_it_knows_that_it_can(self) -> None:
         home, cut = self.folder / "home", self.package("cut", "1")
         cut.write_bytes(cut.read_bytes()[:-30])
+        self.sum_up(cut)
         new = self.package("new", "2")
         good = rows(self.package("old", "1"), home / "Applications", "com.globex.draw", "REF")
         (home / ".config/com.globex.broken.conf").mkdir(parents=True)
@@ -121,8 +127,6 @@ class InstallerTest(TestCase):
                 ({"key": option["none"]}, "--key"), ({"key": option["key"]}, "the signature of"),
                 ({0: new, "key": option["stranger"]}, "the signature of"), ({0: new, "key": option["key"]}, None)):
             words = [change.get(index, word) for index, word in enumerate(good)]
-            digest = hashlib.sha256(words[0].read_bytes()).hexdigest()
-            words[0].with_name(words[0].name + ".sha256").write_text(f"{digest}  {words[0].name}\n")
             before = content(home)
             result = subprocess.run([*installer, *change.get("key", []), *words], text=True, check=False,
                                     capture_output=True, env=environment)
@@ -138,21 +142,25 @@ class InstallerTest(TestCase):
         for name in (".config/com.globex.leave.lock", f".cache/com.globex.leave-{65534 if user else os.getuid()}/copy"):
             (home / name).parent.mkdir(parents=True, exist_ok=True)
             (home / name).touch()
-        as_ordinary_user(self.folder)
-        subprocess.run([*installer, "--remove", *good[1:3], "com.globex.leave"], check=True,
-                       env=environment)
+        as_ordinary_user(self.folder)  # who also owns the new files
+        subprocess.run([*installer, "--remove", *good[1:3], "com.globex.leave"], check=True, env=environment)
         self.assertEqual([path.name for path in home.rglob("*") if path.is_file()], [settings.name])
         self.assertEqual(settings.read_text(), "colour=1")
 
-        root, product = self.folder / "root", self.folder / "product.deb"
+    def test_a_debian_package_installs_the_helper_for_a_customer(self) -> None:
+        home, root, product = (self.folder / name for name in ("home", "root", "product.deb"))
+        home.mkdir()
         (root / "var/lib/dpkg").mkdir(parents=True)
         (root / "var/lib/dpkg/status").touch()
+        new = self.package("new", "2")
+        user = as_ordinary_user(self.folder)
+        self.addCleanup(subprocess.run, ["chmod", "-R", "u+w", self.folder], check=True, text=True)
         for command in rows(
                 [PROJECT / "examples/make-deb", new, product],
                 ["dpkg", "--root", root, "--log", "/dev/null", "--force-depends,not-root", "--install", product],
                 [*user, root / "usr/bin/globex-leave", "REF"]):
-            result = subprocess.run(command, text=True, capture_output=True, check=False,
-                                    env=environment | {"PATH": f"{os.environ['PATH']}:/usr/sbin:/sbin"})
+            result = subprocess.run(command, text=True, capture_output=True, check=False, env={
+                "HOME": str(home), "PATH": f"{os.environ['PATH']}:/usr/sbin:/sbin"})
             self.assertEqual(result.returncode, 0, result.stderr)
         self.assertEqual((home / ".local/lib/globex" / BUNDLE / "version").read_text(), "2")
 
@@ -281,6 +289,13 @@ class PackagingTest(TestCase):
             self.assertTrue((folder / f"{package['name']}.txt").exists(), package["name"])
         for word in ("You may leave.", "pkg:deb/debian/curl@", "pkg:deb/debian/gcc-12@"):
             self.assertIn(word, str(listed))
+        for package in listed["packages"]:
+            package["versionInfo"] = "0" if package["name"] == "curl" else "9999"
+        (self.folder / "old.json").write_text(json.dumps(listed))
+        result = subprocess.run([PROJECT / "scripts/check-updates", self.folder / "old.json"], text=True, check=False,
+                                stdout=subprocess.PIPE)
+        self.assertEqual(result.returncode, 1)
+        self.assertRegex(result.stdout, r"^curl: 0 is shipped, \S+ is newer\n$")
 
     def test_a_file_without_a_license_ends_the_build(self) -> None:
         contents, origins = self.folder / "Contents", self.folder / "origins"
