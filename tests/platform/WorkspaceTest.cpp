@@ -190,7 +190,8 @@ TEST_F(WorkspaceTest, TakesTheFirstPlaceThatIsTheUsersOwn) {
     const auto tmp = TestHome::path() / "tmp";
     const auto runtime = TestHome::path() / "runtime";
     const auto elsewhere = TestHome::path() / "elsewhere";
-    const std::string owner = "com.example.place";
+    // Of this process alone, because one row uses /tmp.
+    const std::string owner = "com.example.place-" + std::to_string(getpid());
     const auto own = tmp / (owner + "-" + std::to_string(geteuid()));
     const auto next = runtime / own.filename();
     const auto second = own.native() + "-1";
@@ -249,8 +250,7 @@ TEST_F(WorkspaceTest, TakesTheFirstPlaceThatIsTheUsersOwn) {
         setenv("TMPDIR", tmp.c_str(), 1);
     }
     unsetenv("XDG_RUNTIME_DIR");
-    std::error_code isNotEmpty;
-    fs::remove("/tmp" / own.filename(), isNotEmpty);
+    fs::remove_all("/tmp" / own.filename());
 }
 
 } // namespace
