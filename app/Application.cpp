@@ -60,10 +60,11 @@ void useOwnPlugins() {
     }
 }
 
-/// Makes Qt's own style dark where GNOME prefers it. Qt 6.4 looks only at the name of the GTK
+/// Makes Qt's own style dark while GNOME prefers it. Qt 6.4 looks only at the name of the GTK
 /// theme, which GNOME's dark style leaves as it is.
 void followDarkStyle() {
     constexpr int kHalf = 128;
+    QApplication::setPalette(QPalette()); // the desktop's
     const bool isLight = QApplication::palette().color(QPalette::Window).lightness() > kHalf;
     if (!isLight || QApplication::style()->name() != QLatin1String("fusion") ||
         !platform::prefersDark()) {
@@ -143,5 +144,6 @@ int subscriptionHelperApplicationMain(const app::Options& options, int argumentC
     }
     qInstallMessageHandler(logMessage);
     followDarkStyle();
+    platform::observeDarkPreference(followDarkStyle);
     return runUntilExit();
 }

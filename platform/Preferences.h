@@ -14,4 +14,9 @@ namespace platform {
 /// any thread.
 [[nodiscard]] bool prefersDark();
 
+/// Calls a function on the main thread each time the value of prefersDark() may have changed, until
+/// the process ends. macOS never calls it. Call once, on the main thread, which must run an event
+/// loop of GLib or Qt.
+void observeDarkPreference(void (*changed)());
+
 } // namespace platform

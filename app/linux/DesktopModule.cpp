@@ -2,4 +2,4 @@
 
 extern "C" __attribute__((visibility("default"))) const app::DesktopModule subscriptionHelperModule{
     platform::desktop::moveToTrash, platform::desktop::checkTrash, platform::wantsReducedMotion,
-    platform::prefersDark};
+    platform::prefersDark, platform::observeDarkPreference};

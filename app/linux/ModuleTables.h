@@ -17,6 +17,7 @@ struct DesktopModule {
     decltype(&platform::desktop::checkTrash) checkTrash;
     decltype(&platform::wantsReducedMotion) wantsReducedMotion;
     decltype(&platform::prefersDark) prefersDark;
+    decltype(&platform::observeDarkPreference) observeDarkPreference;
 };
 
 /// The symbol name of each module's exported table.

@@ -66,6 +66,12 @@ bool isLoaded(const char* library) {
     return dlopen(library, RTLD_LAZY | RTLD_NOLOAD) != nullptr;
 }
 
+/// Returns the desktop module, or null unless Qt's GTK theme has loaded GIO, because loading it
+/// here would delay the window. Qt itself follows the dark style of desktops without GTK.
+const DesktopModule* moduleOfGnome() {
+    return isLoaded("libgio-2.0.so.0") ? desktopModule().table() : nullptr;
+}
+
 /// Returns true if the files of the desktop module and of GIO exist. GIO is in the directory of
 /// GLib, which Qt has loaded, because both belong to one package.
 bool isDesktopThere() {
@@ -115,10 +121,13 @@ bool platform::wantsReducedMotion() {
     return module != nullptr && module->wantsReducedMotion();
 }
 
-/// Returns false unless Qt's GTK theme has loaded GIO, because loading it here would delay the
-/// window. Qt itself follows the dark style of other desktops.
 bool platform::prefersDark() {
-    const auto* const module =
-        app::isLoaded("libgio-2.0.so.0") ? app::desktopModule().table() : nullptr;
+    const auto* const module = app::moduleOfGnome();
     return module != nullptr && module->prefersDark();
+}
+
+void platform::observeDarkPreference(void (*changed)()) {
+    if (const auto* const module = app::moduleOfGnome()) {
+        module->observeDarkPreference(changed);
+    }
 }

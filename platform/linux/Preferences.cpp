@@ -9,6 +9,8 @@
 namespace platform {
 namespace {
 
+constexpr const char* kColorScheme = "color-scheme";
+
 using Settings = base::Handle<GSettings, g_object_unref>;
 
 /// Returns the settings that have a key, or null. Looks before, because GIO aborts the process if a
@@ -31,11 +33,21 @@ bool wantsReducedMotion() {
 }
 
 bool prefersDark() {
-    constexpr const char* kKey = "color-scheme";
-    const Settings settings = settingsWith(kKey);
-    const base::Handle<char, g_free> scheme(settings ? g_settings_get_string(settings.get(), kKey)
-                                                     : nullptr);
+    const Settings settings = settingsWith(kColorScheme);
+    const base::Handle<char, g_free> scheme(
+        settings ? g_settings_get_string(settings.get(), kColorScheme) : nullptr);
     return scheme && std::string_view(scheme.get()) == "prefer-dark";
+}
+
+void observeDarkPreference(void (*changed)()) {
+    // The settings live until the process ends, because their end would end the signals.
+    GSettings* const settings = settingsWith(kColorScheme).release();
+    if (settings == nullptr) {
+        return;
+    }
+    g_signal_connect_swapped(settings, "changed::color-scheme", G_CALLBACK(changed), nullptr);
+    g_free(
+        g_settings_get_string(settings, kColorScheme)); // GIO reports keys only once they were read
 }
 
 } // namespace platform

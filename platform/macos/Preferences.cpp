@@ -15,4 +15,6 @@ bool prefersDark() {
     return false;
 }
 
+void observeDarkPreference(void (* /*changed*/)()) {}
+
 } // namespace platform

@@ -357,10 +357,13 @@ class DesktopTest(TestCase):
         settings.parent.mkdir(parents=True)
         still = None
         for animations in ("false", "true"):
-            settings.write_text(f"[org/gnome/desktop/interface]\nenable-animations={animations}\n"
-                                "color-scheme='prefer-dark'\n")
+            text = f"[org/gnome/desktop/interface]\nenable-animations={animations}\ncolor-scheme='prefer-dark'\n"
+            settings.write_text(text)
             with Store(BUILD, "--delay", "20000") as store:
                 process = self.begin(stage, GSETTINGS_BACKEND="keyfile", QT_QPA_PLATFORMTHEME="gtk3")
+                for scheme, is_dark in (("default", False), ("prefer-dark", True)):  # changed while it is open
+                    settings.write_text(text.replace("prefer-dark", scheme))
+                    self.assertTrue(wait_for(lambda: (self.window.picture()[-1] < 60) == is_dark, 5), scheme)
                 self.window.press_remove()
                 # The corner of a dark window in the sheet's shade, which turns 50 to 32.
                 self.assertTrue(wait_for(lambda: self.window.picture()[-1] < 40, 5))
