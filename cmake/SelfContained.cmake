@@ -11,9 +11,10 @@ if(NOT CMAKE_SCRIPT_MODE_FILE)
         COMMAND ${CMAKE_COMMAND} "-DAPPLICATION=$<TARGET_FILE:application>" "-DFETCH=$<TARGET_FILE:fetch-module>"
             "-DDESKTOP=$<TARGET_FILE:desktop-module>"
             "-DARCHIVES=$<TARGET_FILE:CURL::libcurl>:${OPENSSL_SSL_LIBRARY}:${OPENSSL_CRYPTO_LIBRARY}"
-            "-DQT_PLUGINS=${QT6_INSTALL_PREFIX}/${QT6_INSTALL_PLUGINS}" "-DCONTENTS=${HELPER_BUNDLE_CONTENTS}"
+            "-DQT_PLUGINS=${QT6_INSTALL_PREFIX}/${QT6_INSTALL_PLUGINS}" "-DQT_LIBRARIES=$<TARGET_FILE_DIR:Qt6::Core>"
+            "-DCONTENTS=${HELPER_BUNDLE_CONTENTS}"
             "-DEXPAT=${EXPAT_LIBRARY}" "-DPATCHELF=${PATCHELF}" "-DCOMPILER=${CMAKE_CXX_COMPILER}"
-            "-DORIGINS=${origins}" -P "${CMAKE_CURRENT_LIST_FILE}"
+            "-DORIGINS=${origins}" "-DQT=${HELPER_QT}" -P "${CMAKE_CURRENT_LIST_FILE}"
         COMMAND ${Python3_EXECUTABLE} "${licenses}" "${HELPER_BUNDLE_CONTENTS}" "${origins}"
             "${HELPER_IDENTIFIER}" "${HELPER_VERSION}" "${HELPER_COMPANY_NAME}" "${HELPER_LICENSE}"
         DEPENDS helper application fetch-module desktop-module curl "${CMAKE_CURRENT_LIST_FILE}" "${licenses}"
@@ -26,16 +27,18 @@ if(NOT CMAKE_SCRIPT_MODE_FILE)
 endif()
 
 # Plugins for X11 and Wayland, the desktop's colors and fonts, and input methods. The window does without image
-# formats, GL on X11 and printing. On Wayland, Qt needs the EGL plugin to draw the title bar.
+# formats, GL on X11 and printing. On Wayland, Debian's Qt needs the EGL plugin to draw the title bar.
 set(plugins
     platforms/libqxcb.so
     platforms/libqwayland-generic.so
     wayland-shell-integration/libxdg-shell.so
     wayland-decoration-client/libbradient.so
-    wayland-graphics-integration-client/libqt-plugin-wayland-egl.so
     platformthemes/libqgtk3.so
     platforminputcontexts/libcomposeplatforminputcontextplugin.so
     platforminputcontexts/libibusplatforminputcontextplugin.so)
+if(QT STREQUAL "system")
+    list(APPEND plugins wayland-graphics-integration-client/libqt-plugin-wayland-egl.so)
+endif()
 
 # Libraries that every desktop has and that must match the rest of its system. The list follows the AppImage
 # project's exclude list, with D-Bus, and with GTK for the desktops' theme. The bundle contains libOpenGL, because
@@ -61,6 +64,12 @@ function(take file destination)
     file(APPEND "${ORIGINS}" "${destination}\t${original}\n")
 endfunction()
 
+# Name Qt's libraries, because CMake would find the system's and not those of a lean Qt.
+foreach(module Core DBus Gui WaylandClient Widgets XcbQpa)
+    set(library "libQt6${module}.so.6")
+    take("${QT_LIBRARIES}/${library}" "Frameworks/${library}")
+    list(APPEND originals "${QT_LIBRARIES}/${library}")
+endforeach()
 foreach(plugin ${plugins})
     cmake_path(GET plugin PARENT_PATH folder)
     file(MAKE_DIRECTORY "${CONTENTS}/PlugIns/${folder}")
@@ -72,7 +81,7 @@ foreach(plugin ${plugins})
 endforeach()
 file(GET_RUNTIME_DEPENDENCIES
     LIBRARIES "${APPLICATION}" "${FETCH}" "${DESKTOP}" ${originals}
-    PRE_EXCLUDE_REGEXES "^(${of_system})\\.so(\\..*)?$"
+    PRE_EXCLUDE_REGEXES "^(${of_system})\\.so(\\..*)?$" "^libQt6"
     RESOLVED_DEPENDENCIES_VAR libraries)
 foreach(library ${libraries})
     cmake_path(GET library FILENAME name)

@@ -54,12 +54,13 @@ def output_of(*command: str) -> str:
 
 def package_of(origin: pathlib.Path) -> tuple[str, str, pathlib.Path]:
     """Returns the name, version and license file of the source package that a file came from."""
-    source = next((folder for folder in origin.parents if (folder / "src/curl/debian").is_dir()), None)
-    if source and origin.name == "libcurl.a":  # built from Debian's sources
-        debian = source / "src/curl/debian"
-        fields = {name: output_of("dpkg-parsechangelog", "-l", str(debian / "changelog"), "-S", name)
-                  for name in ("Source", "Version")}
-        return fields["Source"], fields["Version"], debian / "copyright"
+    for folder in origin.parents:  # built from Debian's sources
+        is_wayland = "wayland" in str(origin.relative_to(folder)).lower()
+        source = "curl" if origin.name == "libcurl.a" else "qt6-wayland" if is_wayland else "qt6-base"
+        texts = folder / "src" / source / "debian"
+        if texts.is_dir():
+            version = output_of("dpkg-parsechangelog", "-l", str(texts / "changelog"), "-S", "Version")
+            return source, version, texts / "copyright"
     # Some packages still list their files below /lib, which is now a part of /usr.
     for path in (str(origin), str(origin).removeprefix("/usr")):
         found = subprocess.run(["dpkg-query", "--search", path], text=True, capture_output=True, check=False)
