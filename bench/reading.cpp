@@ -51,8 +51,8 @@ std::string answerOf(std::size_t size) {
 }
 
 constexpr std::size_t kUsual = 0;
-constexpr std::size_t kLarge = 12'000'000;
-constexpr std::size_t kSizes[] = {1000, 10'000, 100'000, 1'000'000, kLarge, 100'000'000};
+constexpr std::size_t kLarge = 1U << 20U; // the largest answer that the helper fetches
+constexpr std::size_t kSizes[] = {1000, 10'000, 100'000, kLarge};
 
 // ---- the other parsers ----
 
