@@ -2,7 +2,6 @@
 #include "app/Options.h"
 #include "app/RunThrottle.h"
 #include "platform/Bundle.h"
-#include "platform/FontPreloader.h"
 #include "platform/Log.h"
 #include "platform/StandardStreams.h"
 #include "platform/UserDefaults.h"
@@ -37,7 +36,6 @@ using Application = decltype(&subscriptionHelperApplicationMain);
 /// the reason in dlerror().
 Application loadApplication(const platform::Bundle& bundle) {
     const std::filesystem::path library = bundle.frameworksPath() / HELPER_APPLICATION_LIBRARY;
-    const platform::FontPreloader fonts;
     // Resolve all symbols now, so a missing one fails here. The application itself looks for the
     // removal's libraries.
     void* const handle = dlopen(library.c_str(), RTLD_NOW | RTLD_LOCAL);

@@ -81,7 +81,6 @@ class Stage:
     def environment(self, base: Environment | None = None) -> Environment:
         """Returns the environment of a session of this home's user."""
         environment = dict(base if base is not None else os.environ)
-        environment.setdefault("LSAN_OPTIONS", os.environ.get("LSAN_OPTIONS", ""))  # of a build with sanitizers
         for name in list(environment):
             is_base_directory = name.startswith("XDG_") and name != "XDG_RUNTIME_DIR"
             if is_base_directory or name.lower().endswith("_proxy") or name == "LANGUAGE":

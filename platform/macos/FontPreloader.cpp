@@ -1,8 +1,0 @@
-#include "platform/FontPreloader.h"
-
-namespace platform {
-
-FontPreloader::FontPreloader() noexcept = default;
-FontPreloader::~FontPreloader() = default;
-
-} // namespace platform
