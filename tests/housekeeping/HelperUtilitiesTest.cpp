@@ -84,8 +84,6 @@ TEST_F(HelperUtilitiesTest, TellHowALaunchEnded) {
         {"", true, ""}, // the product lacks an uninstaller
         {"true", true, ""},
         {"missing", false, notFound + "(null)\n"},
-        {"..", false, notFound + "(null)\n"},
-        {"../Info.plist", false, notFound + "(null)\n"},
         {"dangling", false, notFound + bundle_.executable("dangling").native() + "\n"},
         {"large", false,
          "Cannot copy the uninstaller " + bundle_.executable("large").native() +
