@@ -1,5 +1,5 @@
-# Builds the lean Qt for a self-contained bundle, or takes it from the cache. The build uses Debian's tools, such as
-# moc.
+# Builds the lean Qt for a self-contained bundle, or takes it from the cache. Debian's tools, such as moc, serve both
+# builds: Qt's own and the bundle's.
 if(CMAKE_CROSSCOMPILING)
     message(FATAL_ERROR "HELPER_QT=lean works for this machine's processor only. Use -D HELPER_QT=system")
 endif()

@@ -41,8 +41,8 @@ if(QT STREQUAL "system")
 endif()
 
 # Libraries that every desktop has and that must match the rest of its system. The list follows the AppImage
-# project's exclude list, with D-Bus, and with GTK for the desktops' theme. The bundle contains libOpenGL, because
-# Qt needs it and GNOME, Xfce, MATE and Cinnamon of Debian 13 do not install it (their packages, 2026-11-24).
+# project's exclude list, with D-Bus, and with GTK for the desktops' theme. A bundle with Debian's Qt contains
+# libOpenGL, because GNOME, Xfce, MATE and Cinnamon of Debian 13 do not install it (their packages, 2026-11-24).
 set(of_system
     ld-linux[^.]* libc libm libdl libpthread librt libresolv libutil libstdc\\+\\+ libgcc_s libz
     libX11 libX11-xcb libxcb libICE libSM libwayland-client libEGL libGL libGLX libGLdispatch

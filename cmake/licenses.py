@@ -54,7 +54,8 @@ def output_of(*command: str) -> str:
 
 def package_of(origin: pathlib.Path) -> tuple[str, str, pathlib.Path]:
     """Returns the name, version and license file of the source package that a file came from."""
-    for folder in origin.parents:  # built from Debian's sources
+    # Our own builds keep the texts of their sources in src/. Those of Qt are told apart by their files' names.
+    for folder in origin.parents:
         is_wayland = "wayland" in str(origin.relative_to(folder)).lower()
         source = "curl" if origin.name == "libcurl.a" else "qt6-wayland" if is_wayland else "qt6-base"
         texts = folder / "src" / source / "debian"

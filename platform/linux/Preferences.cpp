@@ -46,8 +46,7 @@ void observeDarkPreference(void (*changed)()) {
         return;
     }
     g_signal_connect_swapped(settings, "changed::color-scheme", G_CALLBACK(changed), nullptr);
-    g_free(
-        g_settings_get_string(settings, kColorScheme)); // GIO reports keys only once they were read
+    g_free(g_settings_get_string(settings, kColorScheme)); // GIO reports only keys that were read
 }
 
 } // namespace platform
