@@ -157,7 +157,7 @@ def check(build: pathlib.Path, root: pathlib.Path, style: str, pictures: pathlib
                                                         **session.variables)
         if facts["window"]:
             facts["style"] = seen_style(window) == style
-            facts["removal"] = use(machine, store.requests, process, window, f"{pictures}-")
+            facts["removal"] = use(machine, store, process, window, f"{pictures}-")
             facts["restore path"] = machine.stage.restore_path() == machine.inside(machine.stage.bundle)
         else:
             end(process)

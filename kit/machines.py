@@ -108,7 +108,7 @@ def shown_on_wayland(machine: Machine, environment: Environment, picture: pathli
     return process, window, bool(is_shown)
 
 
-def use(machine: Machine, requests: list[str], process: Process, window: Window, pictures: str | None = None) -> bool:
+def use(machine: Machine, store: Store, process: Process, window: Window, pictures: str | None = None) -> bool:
     """Runs a removal by keyboard, and prints the helper's log. Returns whether every step succeeded.
 
     @param pictures see Window.remove().
@@ -123,7 +123,7 @@ def use(machine: Machine, requests: list[str], process: Process, window: Window,
         end(process)
     uninstalled = not machine.stage.is_demo() or machine.stage.note.exists()
     print(log, file=sys.stderr, end="")
-    return bool(machine.stage.trashed_bundle()) and uninstalled and len(requests) == 2 and process.returncode == 0
+    return bool(machine.stage.trashed_bundle()) and uninstalled and len(store.requests) == 2 and process.returncode == 0
 
 
 def check(build: pathlib.Path, root: pathlib.Path, pictures: pathlib.Path
@@ -145,7 +145,7 @@ def check(build: pathlib.Path, root: pathlib.Path, pictures: pathlib.Path
                 run("chown", "-R", f"{CUSTOMER}:{CUSTOMER}", runtime)
                 process, window, is_shown = shown_on_wayland(machine, environment, picture, "wayland-own")
             libraries = machine.libraries()
-            is_removed = use(machine, store.requests, process, window)
+            is_removed = use(machine, store, process, window)
         yield machine.system(), session, is_shown, is_removed, libraries
 
 

@@ -6,7 +6,7 @@ import pathlib
 import re
 import shutil
 import subprocess
-import threading
+import tempfile
 import time
 import urllib.parse
 from collections.abc import Callable
@@ -20,29 +20,32 @@ HELPER_DOMAIN = "com.example.subscription-helper"  # of the demo product's helpe
 
 
 class Store:
-    """A running demo store service and the requests that it has printed."""
+    """A running demo store service, which prints each request before it answers."""
 
     def __init__(self, build: str | pathlib.Path, *arguments: str) -> None:
-        self.process = subprocess.Popen([f"{build}/demo/demo-store", *arguments], text=True,
-                                        stdout=subprocess.PIPE)
-        self.requests: list[str] = []
-        self.address = self.process.stdout.readline().strip().removeprefix("Listening on ")
-        if not self.address:
+        self.output = tempfile.NamedTemporaryFile()
+        self.process = subprocess.Popen([f"{build}/demo/demo-store", *arguments], stdout=self.output)
+        if not wait_for(lambda: self._lines() or self.process.poll() is not None):
+            end(self.process)
+        if not self._lines():
             raise RuntimeError("cannot start the demo store")
-        self._reader = threading.Thread(target=self._read, daemon=True)
-        self._reader.start()
+        self.address = self._lines()[0].removeprefix("Listening on ")
 
-    def _read(self) -> None:
-        for line in self.process.stdout:
-            self.requests.append(line.strip())
+    def _lines(self) -> list[str]:
+        text = pathlib.Path(self.output.name).read_text()
+        return text[:text.rfind("\n") + 1].splitlines()
+
+    @property
+    def requests(self) -> list[str]:
+        """The requests until now."""
+        return self._lines()[1:]
 
     def __enter__(self) -> "Store":
         return self
 
     def __exit__(self, *_: object) -> None:
         end(self.process)
-        self._reader.join()
-        self.process.stdout.close()
+        self.output.close()
 
 
 class Stage:
