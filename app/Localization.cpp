@@ -2,15 +2,35 @@
 
 #include "base/Format.h"
 #include "platform/Bundle.h"
+#include "platform/StringsTable.h"
+
+#include <filesystem>
+#include <mutex>
+#include <optional>
+#include <utility>
 
 #include <QLocale>
 
 namespace app {
 namespace {
 
-std::string entry(std::string_view key) {
+std::optional<std::filesystem::path> tableFile() {
     const auto bundle = platform::Bundle::mainBundle();
-    return bundle ? bundle->localizedString(key) : std::string(key);
+    return bundle ? bundle->pathForResource("Localizable.strings") : std::nullopt;
+}
+
+std::string entry(std::string_view key) {
+    // Keep the table, because the window looks up some 30 texts before it appears.
+    static std::mutex mutex;
+    static std::optional<std::filesystem::path> file;
+    static platform::StringsTable table;
+    const std::lock_guard lock(mutex);
+    if (auto current = tableFile(); current != file) {
+        table = current ? platform::readStringsTable(*current) : platform::StringsTable();
+        file = std::move(current);
+    }
+    const auto found = table.find(key);
+    return found != table.end() ? found->second : std::string(key);
 }
 
 } // namespace
@@ -32,8 +52,7 @@ std::string productName() {
 }
 
 Qt::LayoutDirection textDirection() {
-    const auto bundle = platform::Bundle::mainBundle();
-    const auto table = bundle ? bundle->pathForResource("Localizable.strings") : std::nullopt;
+    const auto table = tableFile();
     const auto language = table ? table->parent_path().stem().native() : std::string();
     return QLocale(QString::fromStdString(language)).textDirection();
 }

@@ -23,7 +23,7 @@ from typing import Any
 from kit.desktop import Environment, desktop, end, wait_for
 from kit.stage import Stage, Store, Window
 
-MOST_INSTRUCTIONS = 122  # in millions until the window is on the screen, with Debian's libcurl
+MOST_INSTRUCTIONS = 116  # in millions until the window is on the screen, with Debian's libcurl
 
 
 class Bench:
