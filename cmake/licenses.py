@@ -24,6 +24,7 @@ LICENSES = {
     "double-conversion": "BSD-3-Clause",
     "expat": "MIT",
     "gcc-12": "GPL-3.0-or-later WITH GCC-exception-3.1",
+    "gcc-12-cross": "GPL-3.0-or-later WITH GCC-exception-3.1",
     "icu": "Unicode-DFS-2016",
     "libb2": "CC0-1.0",
     "libglvnd": "MIT AND BSD-1-Clause",
