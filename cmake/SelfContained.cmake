@@ -17,8 +17,8 @@ if(NOT CMAKE_SCRIPT_MODE_FILE)
             "-DORIGINS=${origins}" "-DQT=${HELPER_QT}" -P "${CMAKE_CURRENT_LIST_FILE}"
         COMMAND ${Python3_EXECUTABLE} "${licenses}" "${HELPER_BUNDLE_CONTENTS}" "${origins}"
             "${HELPER_IDENTIFIER}" "${HELPER_VERSION}" "${HELPER_COMPANY_NAME}" "${HELPER_LICENSE}"
-        DEPENDS helper application fetch-module desktop-module curl "${CMAKE_CURRENT_LIST_FILE}" "${licenses}"
-            ${HELPER_LICENSE}
+        DEPENDS helper application fetch-module desktop-module curl "${CMAKE_CURRENT_LIST_FILE}"
+            "${CMAKE_CURRENT_LIST_DIR}/join-qt" "${licenses}" ${HELPER_LICENSE}
         COMMENT "Putting libraries, plugins and their licenses into the bundle"
         VERBATIM)
     add_custom_target(self-contained DEPENDS "${origins}")
@@ -64,8 +64,13 @@ function(take file destination)
     file(APPEND "${ORIGINS}" "${destination}\t${original}\n")
 endfunction()
 
-# Name Qt's libraries, because CMake would find the system's and not those of a lean Qt.
-foreach(module Core DBus Gui WaylandClient Widgets XcbQpa)
+# Name Qt's libraries, because CMake would find the system's and not those of a lean Qt, which joins four of them.
+if(QT STREQUAL "lean")
+    set(modules ";WaylandClient;XcbQpa")
+else()
+    set(modules Core DBus Gui WaylandClient Widgets XcbQpa)
+endif()
+foreach(module IN LISTS modules)
     set(library "libQt6${module}.so.6")
     take("${QT_LIBRARIES}/${library}" "Frameworks/${library}")
     list(APPEND originals "${QT_LIBRARIES}/${library}")
@@ -79,6 +84,11 @@ foreach(plugin ${plugins})
         COMMAND "${PATCHELF}" --force-rpath --set-rpath $ORIGIN/../../Frameworks "${CONTENTS}/PlugIns/${plugin}")
     list(APPEND originals "${QT_PLUGINS}/${plugin}")
 endforeach()
+if(QT STREQUAL "lean")
+    execute_process(COMMAND_ERROR_IS_FATAL ANY
+        COMMAND ${CMAKE_COMMAND} -E env "CXX=${COMPILER}" "${CMAKE_CURRENT_LIST_DIR}/join-qt"
+            "${QT_LIBRARIES}" "${CONTENTS}/Frameworks/libQt6.so.6" "${APPLICATION}" "${DESKTOP}" ${originals})
+endif()
 file(GET_RUNTIME_DEPENDENCIES
     LIBRARIES "${APPLICATION}" "${FETCH}" "${DESKTOP}" ${originals}
     PRE_EXCLUDE_REGEXES "^(${of_system})\\.so(\\..*)?$" "^libQt6"

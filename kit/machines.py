@@ -72,7 +72,7 @@ class Machine:
         for maps in pathlib.Path("/proc").glob("[0-9]*/maps"):
             with contextlib.suppress(OSError):
                 lines = maps.read_text()
-                if "SubscriptionHelperApplication.so" in lines:
+                if "SubscriptionHelperApplication.so" in lines and maps.with_name("root").readlink() == self.root:
                     files = {line.split(None, 5)[5] for line in lines.splitlines() if ".so" in line}
                     return {pathlib.Path(file).name.split(".so")[0] for file in files if ".app/" not in file}
         return set()
