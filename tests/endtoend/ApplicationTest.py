@@ -12,12 +12,11 @@ import subprocess
 import sys
 import time
 import unittest
-from collections.abc import Callable
 from typing import Any
 
 from tests.endtoend.support import BUILD, SANITIZE, TestCase, rows
 from kit.desktop import Environment, Process, desktop, end, start_bus, wait_for, wayland_desktop
-from kit.stage import HELPER_DOMAIN, Stage, Store, Window
+from kit.stage import BUNDLE, HELPER_DOMAIN, Stage, Store, Window
 
 NO_DISPLAY = "No window can be shown: .*"
 
@@ -26,6 +25,16 @@ def answering(answer: str | None) -> contextlib.AbstractContextManager[Any]:
     if answer is None:
         return contextlib.nullcontext()
     return Store(BUILD, "--answer", answer)
+
+
+def put(file: pathlib.Path, text: str | None) -> None:
+    """Replaces a file by a text, by a directory if the text is "/", or by nothing if it is None."""
+    file.unlink(missing_ok=True)
+    file.parent.mkdir(parents=True, exist_ok=True)
+    if text == "/":
+        file.mkdir()
+    elif text is not None:
+        file.write_text(text)
 
 
 class StartTest(TestCase):
@@ -52,82 +61,59 @@ class StartTest(TestCase):
                 (["--help"], {}, 0, "Helps a customer to leave Acme Studio: ", False)):
             with self.subTest(words=words, variables=variables):
                 stage.forget_last_run()
-                result = subprocess.run([stage.program(), *words], text=True, capture_output=True, check=False,
-                                        env=stage.environment({"PATH": "/usr/bin"}) | variables)
-                self.assertEqual(result.returncode, status, result.stderr)
+                result = self.run_command(stage.program(), *words, status=status,
+                                          env=stage.environment({"PATH": "/usr/bin"}) | variables)
                 self.assertRegex(result.stdout + result.stderr, said)
                 self.assertEqual(stage.last_run() is not None, counts)
                 self.assertEqual(len(result.stderr.splitlines()), min(status, 1) + ("HOME" in variables))
         stage.forget_last_run()
         for words in ([], ["--check", "--json"]):
-            result = subprocess.run([lonely, *words], env=stage.environment(), text=True, capture_output=True,
-                                    check=False)
-            self.assertEqual((result.returncode, result.stdout, stage.last_run(), lonely.exists()), (1, "", None, True))
+            result = self.run_command(lonely, *words, status=1, env=stage.environment())
+            self.assertEqual((result.stdout, stage.last_run(), lonely.exists()), ("", None, True))
             self.assertRegex(result.stderr, "^[^\n]* Cannot start outside of an application bundle: [^\n]*\n$")
 
     def test_a_check_names_each_failure_and_the_next_step(self) -> None:
-        def missing(name: str) -> Callable[[Stage], None]:
-            return lambda stage: (stage.bundle / f"Contents/Frameworks/SubscriptionHelper{name}.so").unlink()
-
-        def cut(stage: Stage) -> None:
-            (stage.bundle / "Contents/Frameworks/SubscriptionHelperDesktop.so").write_text("")
-
-        def spoil_trash(stage: Stage) -> None:
-            (stage.home / ".local/share").mkdir(parents=True)
-            (stage.home / ".local/share/Trash").touch()
-
-        def fill(stage: Stage) -> None:
-            (stage.config / f"{HELPER_DOMAIN}.conf").write_text("=" * 65537)
-
-        def occupy(suffix: str) -> Callable[[Stage], None]:
-            return lambda stage: (stage.config / (HELPER_DOMAIN + suffix)).mkdir()
-
-        def tell(reference: str | None) -> Callable[[Stage], None]:
-            return lambda stage: stage.set_reference(reference)
-
-        def set_page(stage: Stage) -> None:
-            file = stage.bundle / "Contents/Resources/Configuration.strings"
-            file.write_text(f'"Account Page" = "http://host/";\n{file.read_text()}')
-
-        def spoil_uninstaller(stage: Stage) -> None:
-            stage.program().with_name("Uninstall Acme Studio").chmod(0o644)
-
-        def record(fields: str) -> str:
-            return f"<subscription>{fields}</subscription>"
-
+        contents = f"Applications/{BUNDLE}/Contents/"
+        library = (contents + "Frameworks/SubscriptionHelper{}.so").format
+        record = "<subscription>{}</subscription>".format
+        settings, product = f".config/{HELPER_DOMAIN}", ".config/com.example.acme-studio.conf"
         own, account, store, reference = {"last run"}, {"account page"}, {"store service"}, {"subscription reference"}
         libraries = {"application libraries"}
-        for number, (spoil, variables, answer, wrong) in enumerate(rows(
-                (None, {}, None, set()), (None, {}, record("<customerUrl>http://host/</customerUrl>"), set()),
-                (None, {}, record("<customerUrl>file:///x</customerUrl>"), account), (None, {}, record(""), account),
-                (set_page, {}, record("<customerUrl/>"), set()),
-                (None, {"PATH": "/nowhere"}, None, account), (None, {}, "<html/>", store),
-                (None, {}, record("<end>2026-01-31</end>"), store),
-                (None, {"http_proxy": "127.0.0.1:9"}, record(""), store),
-                (None, {"XDG_DATA_HOME": "relative"}, None, {"Trash"}), (spoil_trash, {}, None, {"Trash"}),
-                (None, {"TMPDIR": "/proc", "HOME": "/proc", "XDG_RUNTIME_DIR": str(self.folder)}, None,
+        for number, (files, variables, answer, wrong) in enumerate(rows(
+                ({}, {}, None, set()), ({}, {}, record("<customerUrl>http://host/</customerUrl>"), set()),
+                ({}, {}, record("<customerUrl>file:///x</customerUrl>"), account), ({}, {}, record(""), account),
+                ({contents + "Resources/Configuration.strings": '"Account Page" = "http://host/"; "Application '
+                  'Uninstaller" = "Uninstall Acme Studio";'}, {}, record("<customerUrl/>"), set()),
+                ({}, {"PATH": "/nowhere"}, None, account), ({}, {}, "<html/>", store),
+                ({}, {}, record("<end>2026-01-31</end>"), store),
+                ({}, {"http_proxy": "127.0.0.1:9"}, record(""), store),
+                ({}, {"XDG_DATA_HOME": "relative"}, None, {"Trash"}), ({".local/share/Trash": ""}, {}, None, {"Trash"}),
+                ({}, {"TMPDIR": "/proc", "HOME": "/proc", "XDG_RUNTIME_DIR": str(self.folder)}, None,
                  {"Trash"} | reference | own),
-                (fill, {}, None, own), (occupy(".conf.new"), {}, None, own), (occupy(".lock"), {}, None, own),
-                (tell(" \t"), {}, None, reference), (tell("A B"), {}, record(""), reference),
-                (spoil_uninstaller, {}, None, {"uninstaller"}), (None, {}, None, {"bundle"}),
-                (None, {"QT_QPA_PLATFORM": "nosuch"}, None, {"display"}), (cut, {}, None, libraries),
-                (missing("Desktop"), {}, None, libraries), (missing("Fetch"), {}, None, libraries))):
+                ({settings + ".conf": "=" * 65537}, {}, None, own), ({settings + ".conf.new": "/"}, {}, None, own),
+                ({settings + ".lock": "/"}, {}, None, own),
+                ({product: "subscriptionReference= \t"}, {}, None, reference),
+                ({product: "subscriptionReference=A B"}, {}, record(""), reference),
+                ({contents + "Linux/Uninstall Acme Studio": "no program"}, {}, None, {"uninstaller"}),
+                ({}, {}, None, {"bundle"}), ({}, {"QT_QPA_PLATFORM": "nosuch"}, None, {"display"}),
+                ({library("Desktop"): ""}, {}, None, libraries), ({library("Desktop"): None}, {}, None, libraries),
+                ({library("Fetch"): None}, {}, None, libraries))):
             place = "no UTF-8: \udce9" if wrong == {"bundle"} else "Applications"
             stage = self.make_stage(str(number), applications=place)
-            if spoil:
-                spoil(stage)
+            for name, text in files.items():
+                put(stage.home / name, text)
             environment = stage.environment({"PATH": "/usr/bin", "QT_QPA_PLATFORM": "offscreen"}) | variables
             with self.subTest(number), answering(answer):
-                result = subprocess.run([stage.program(), "--json", "--check", *(["--ask"] if answer else [])],
-                                        text=True, capture_output=True, check=False, env=environment)
+                result = self.run_command(stage.program(), "--json", "--check", *(["--ask"] if answer else []),
+                                          status=bool(wrong), env=environment)
                 found = json.loads(result.stdout)
                 self.assertEqual({each["name"] for each in found if each["passed"] is False}, wrong, found)
                 self.assertEqual({each["name"] for each in found if ". Next step: " in each["detail"]}, wrong)
-                self.assertEqual((result.returncode, result.stderr, stage.last_run()), (bool(wrong), "", None))
-                if wrong == libraries and spoil != cut:  # missed before there is a window
+                self.assertEqual((result.stderr, stage.last_run()), ("", None))
+                if None in files.values():  # missed before there is a window
                     said = stage.run({"PATH": "/usr/bin"})[1]
                     self.assertRegex(said, "^[^\n]*The application cannot be loaded: .*\n$")
-        missing("Application")(stage)
+        put(stage.home / library("Application"), None)
         stage.forget_last_run()
         self.assertRegex(stage.run({"PATH": "/usr/bin"})[1], "^[^\n]*The application cannot be loaded: .*\n$")
 
@@ -149,8 +135,8 @@ class StartTest(TestCase):
             file.write("x" * 60000)  # needs one large piece of memory, whose failure leaves some for the log line
         ends = set()
         for kibibytes in range(192, 480, 8):  # with far less, the dynamic linker fails
-            result = subprocess.run(["prlimit", f"--data={kibibytes * 1024}", stage.program()], text=True,
-                                    env=stage.environment(), capture_output=True, check=False)
+            result = self.run_command("prlimit", f"--data={kibibytes * 1024}", stage.program(), status=None,
+                                      env=stage.environment())
             ends.add((result.returncode, result.stderr.partition("] ")[2]))
         named = (-signal.SIGABRT, "Uncaught failure: std::bad_alloc\n")
         self.assertLessEqual(ends, {named, (0, ""), (-signal.SIGABRT, "")})
@@ -172,19 +158,13 @@ class StartTest(TestCase):
 class DesktopTest(TestCase):
     """Tests runs on a desktop."""
 
-    stack: contextlib.ExitStack
     desktop: Environment
     window: Window
 
     @classmethod
     def setUpClass(cls) -> None:
-        cls.stack = contextlib.ExitStack()
-        cls.desktop = cls.stack.enter_context(desktop())
+        cls.desktop = cls.enterClassContext(desktop())
         cls.window = Window(cls.desktop)
-
-    @classmethod
-    def tearDownClass(cls) -> None:
-        cls.stack.close()
 
     def begin(self, stage: Stage, command: list[Any] | None = None, stderr: int = subprocess.PIPE,
               **variables: str) -> Process:
@@ -193,8 +173,7 @@ class DesktopTest(TestCase):
                                    text=True, cwd=stage.home, stderr=stderr)
         if process.stderr:
             self.addCleanup(process.stderr.close)
-        self.addCleanup(process.wait)
-        self.addCleanup(process.kill)
+        self.addCleanup(end, process)
         self.assertTrue(self.window.wait())
         return process
 
@@ -247,10 +226,8 @@ class DesktopTest(TestCase):
         entry.write_text((share / f"applications/{HELPER_DOMAIN}.desktop").read_text()
                          .replace("@BUNDLE@", str(stage.bundle)))
         self.assertIn(f'Exec="{stage.program()}"', entry.read_text())
-        for command in rows(["desktop-file-validate", entry],
-                            ["appstreamcli", "validate", "--no-net", *share.glob("metainfo/*.xml")]):
-            result = subprocess.run(command, text=True, capture_output=True, check=False)
-            self.assertEqual(result.returncode, 0, result.stdout + result.stderr)
+        self.run_command("desktop-file-validate", entry)
+        self.run_command("appstreamcli", "validate", "--no-net", *share.glob("metainfo/*.xml"))
         for side in (16, 32, 48, 128, 256):
             icon = share / f"icons/hicolor/{side}x{side}/apps/{HELPER_DOMAIN}.png"
             self.assertEqual(struct.unpack(">II", icon.read_bytes()[16:24]), (side, side))
@@ -266,8 +243,7 @@ class DesktopTest(TestCase):
             log = self.folder / "wayland"
             with wayland_desktop(self.folder / "runtime") as environment, log.open("w") as file:
                 process = stage.start(environment | {"WAYLAND_DEBUG": "1"}, log=file)
-                self.addCleanup(process.wait)
-                self.addCleanup(process.kill)
+                self.addCleanup(end, process)
                 self.assertTrue(wait_for(lambda: "set_title(" in log.read_text()), log.read_text())
             self.assertRegex(log.read_text(), rf'set_app_id\("{HELPER_DOMAIN}"\)')
             self.assertRegex(log.read_text(), r'set_title\("Acme Studio"\)')

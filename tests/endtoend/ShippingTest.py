@@ -12,7 +12,7 @@ import tempfile
 import unittest
 
 from tests.endtoend.support import BUILD, LONG, SANITIZE, TestCase, as_ordinary_user, content, rows
-from kit.desktop import Environment, Process, desktop, wait_for
+from kit.desktop import Process, desktop, wait_for
 from kit.stage import BUNDLE, PROJECT, Store, Window
 
 CONTENTS = pathlib.Path(BUILD) / BUNDLE / "Contents"
@@ -29,40 +29,25 @@ BRAND = {
 LARGEST = {"packed": 30.2, "unpacked": 76.8, "small": 0.30, "entry": 0.23}  # in millions of bytes
 
 
-def readelf(option: str, file: pathlib.Path) -> str:
-    return subprocess.run(["readelf", "--wide", option, file], text=True, capture_output=True,
-                          check=True).stdout
-
-
 @unittest.skipIf(SANITIZE, "sanitizer builds are not hardened")
-class HardeningTest(unittest.TestCase):
+class HardeningTest(TestCase):
     def test_each_file_is_hardened(self) -> None:
         for file in BUILT:
             with self.subTest(file.name):
-                self.assertRegex(readelf("--file-header", file), r"Type:\s+DYN")
-                segments = readelf("--segments", file)
-                self.assertIn("GNU_RELRO", segments)
-                self.assertRegex(segments, r"GNU_STACK .* RW ")
-                self.assertRegex(readelf("--dynamic", file), r"FLAGS.*NOW")
-                symbols = readelf("--dyn-syms", file)
-                self.assertIn("__stack_chk_fail", symbols)
+                found = self.run_command("readelf", "--wide", "--file-header", "--segments", "--dynamic", "--dyn-syms",
+                                         file).stdout
+                for pattern in (r"Type:\s+DYN", "GNU_RELRO", r"GNU_STACK .* RW ", "FLAGS.*NOW", "__stack_chk_fail"):
+                    self.assertRegex(found, pattern)
                 if FRAMEWORKS.get(file.name) != "subscriptionHelperModule":  # modules lack calls that could be checked
-                    self.assertRegex(symbols, r"__\w+_chk@")
+                    self.assertRegex(found, r"__\w+_chk@")
 
     def test_each_library_of_the_bundle_exports_one_name(self) -> None:
         for file, name in FRAMEWORKS.items():
-            symbols = subprocess.run(["nm", "--dynamic", "--defined-only", CONTENTS / "Frameworks" / file], text=True,
-                                     capture_output=True, check=True).stdout.split()
-            self.assertEqual(symbols[2:], [name])
+            found = self.run_command("nm", "--dynamic", "--defined-only", CONTENTS / "Frameworks" / file).stdout
+            self.assertEqual(found.split()[2:], [name])
 
 
 class InstallationTest(TestCase):
-    def run_command(self, *words: object, status: int = 0) -> str:
-        result = subprocess.run([str(word) for word in words], text=True, capture_output=True,
-                                check=False)
-        self.assertEqual(result.returncode, status, result.stderr)
-        return result.stdout
-
     def test_another_program_finds_and_uses_the_store_client(self) -> None:
         build, prefix = self.folder / "build", self.folder / "prefix"
         flags = f"-fsanitize={SANITIZE}" if SANITIZE else ""
@@ -72,12 +57,12 @@ class InstallationTest(TestCase):
         self.run_command("cmake", "--build", build)
         example = build / "subscription-status"
         with Store(BUILD):
-            self.assertEqual(self.run_command(example, "DEMO-1001"), "active\n")
-            self.assertEqual(self.run_command(example, "NO-SUCH", status=1), "none\n")
+            self.assertEqual(self.run_command(example, "DEMO-1001").stdout, "active\n")
+            self.assertEqual(self.run_command(example, "NO-SUCH", status=1).stdout, "none\n")
         self.assertTrue((prefix / "bin" / "storectl").exists())
         self.assertEqual({folder.name for folder in (prefix / "include/subscription-store").iterdir()},
                          {"base", "store"})
-        self.assertNotRegex(self.run_command("ldd", example), "lib(glib|gio|Qt)")
+        self.assertNotRegex(self.run_command("ldd", example).stdout, "lib(glib|gio|Qt)")
 
 
 class InstallerTest(TestCase):
@@ -93,7 +78,7 @@ class InstallerTest(TestCase):
         program.chmod(0o755 if version else 0o644)
         (helper / "locked").chmod(0o555)
         package = self.folder / f"{name}.tar.gz"
-        subprocess.run(["tar", "-czf", package, "-C", helper.parent, BUNDLE], check=True)
+        self.run_command("tar", "-czf", package, "-C", helper.parent, BUNDLE)
         self.sum_up(package)
         return package
 
@@ -111,14 +96,12 @@ class InstallerTest(TestCase):
         settings = home / ".config/com.globex.draw.conf"
         settings.write_text("\ufeffsubscriptionReference = OLD\ncolour=1")
         for key in ("key", "stranger"):
-            subprocess.run(["ssh-keygen", "-q", "-t", "ed25519", "-N", "", "-f", self.folder / key], check=True)
-        signed = rows("ssh-keygen", "-q", "-Y", "sign", "-f", self.folder / "key", "-n", "subscription-helper", new)
-        subprocess.run(signed, check=True, stderr=subprocess.DEVNULL)
+            self.run_command("ssh-keygen", "-q", "-t", "ed25519", "-N", "", "-f", self.folder / key)
+        self.run_command("ssh-keygen", "-Y", "sign", "-f", self.folder / "key", "-n", "subscription-helper", new)
         option = {name: rows("--key", self.folder / f"{name}.pub") for name in ("key", "stranger", "none")}
         user = as_ordinary_user(self.folder)
         installer = rows(*user, PROJECT / "examples/install-helper")
         environment = {"HOME": str(home), "PATH": os.environ["PATH"]}
-        self.addCleanup(subprocess.run, ["chmod", "-R", "u+w", self.folder], check=True, text=True)
         for change, said in rows(
                 ({}, None), ({0: cut}, "tar: "), ({0: self.package("empty", "")}, "no helper"), ({1: ""}, "realpath"),
                 ({1: home / "a\n"}, "DIRECTORY"), ({1: home / "a'"}, "DIRECTORY"), ({2: ""}, "PRODUCT_DOMAIN"),
@@ -128,9 +111,8 @@ class InstallerTest(TestCase):
                 ({0: new, "key": option["stranger"]}, "the signature of"), ({0: new, "key": option["key"]}, None)):
             words = [change.get(index, word) for index, word in enumerate(good)]
             before = content(home)
-            result = subprocess.run([*installer, *change.get("key", []), *words], text=True, check=False,
-                                    capture_output=True, env=environment)
             with self.subTest(words=words):
+                result = self.run_command(*installer, *change.get("key", []), *words, status=None, env=environment)
                 self.assertEqual(result.returncode == 0, said is None, result.stderr)
                 self.assertIn(said or "", result.stderr)
                 self.assertEqual(content(home) == before, said is not None)
@@ -143,7 +125,7 @@ class InstallerTest(TestCase):
             (home / name).parent.mkdir(parents=True, exist_ok=True)
             (home / name).touch()
         as_ordinary_user(self.folder)  # who also owns the new files
-        subprocess.run([*installer, "--remove", *good[1:3], "com.globex.leave"], check=True, env=environment)
+        self.run_command(*installer, "--remove", *good[1:3], "com.globex.leave", env=environment)
         self.assertEqual([path.name for path in home.rglob("*") if path.is_file()], [settings.name])
         self.assertEqual(settings.read_text(), "colour=1")
 
@@ -154,14 +136,11 @@ class InstallerTest(TestCase):
         (root / "var/lib/dpkg/status").touch()
         new = self.package("new", "2")
         user = as_ordinary_user(self.folder)
-        self.addCleanup(subprocess.run, ["chmod", "-R", "u+w", self.folder], check=True, text=True)
         for command in rows(
                 [PROJECT / "examples/make-deb", new, product],
                 ["dpkg", "--root", root, "--log", "/dev/null", "--force-depends,not-root", "--install", product],
                 [*user, root / "usr/bin/globex-leave", "REF"]):
-            result = subprocess.run(command, text=True, capture_output=True, check=False, env={
-                "HOME": str(home), "PATH": f"{os.environ['PATH']}:/usr/sbin:/sbin"})
-            self.assertEqual(result.returncode, 0, result.stderr)
+            self.run_command(*command, env={"HOME": str(home), "PATH": f"{os.environ['PATH']}:/usr/sbin:/sbin"})
         self.assertEqual((home / ".local/lib/globex" / BUNDLE / "version").read_text(), "2")
 
 
@@ -171,13 +150,10 @@ class DemoTest(TestCase):
         manager.write_text('#!/bin/sh\nexec strace -D -o /dev/null -e inject=openat:delay_enter=1000 '
                            f'{shutil.which("openbox")} "$@"\n')
         manager.chmod(0o755)
-        environment = {name: value for name, value in os.environ.items()
-                       if name not in ("DISPLAY", "WAYLAND_DISPLAY")}
-        result = subprocess.run([sys.executable, "-m", "demo.demo", BUILD, self.folder / "demo"], text=True,
-                                cwd=PROJECT, env=environment | {"PATH": f"{self.folder}:{os.environ['PATH']}"},
-                                capture_output=True, timeout=120, check=False)
-        self.assertEqual(result.returncode, 0, result.stdout + result.stderr)
-        self.assertEqual(result.stdout.count("[ok]"), 8, result.stdout)
+        shown = self.run_command(
+            "env", "--unset=DISPLAY", "--unset=WAYLAND_DISPLAY", f"PATH={self.folder}:{os.environ['PATH']}",
+            sys.executable, "-m", "demo.demo", BUILD, self.folder / "demo", cwd=PROJECT, timeout=120).stdout
+        self.assertEqual(shown.count("[ok]"), 8, shown)
         for name in ("window", "sheet", "end"):
             self.assertTrue((self.folder / "demo" / f"{name}.png").exists(), name)
 
@@ -234,11 +210,9 @@ class PackagingTest(TestCase):
                 ("TEXTS", self.texts("de", '"Not Now" = " ";'), "is empty"),
                 ("TEXTS", self.texts("xx", '"Not Now" = "x";'), "needs all texts")):
             with self.subTest(setting=setting, value=value):
-                result = subprocess.run(
-                    ["cmake", f"-DHELPER_BRAND={self.brand(**{setting: value})}", "-P",
-                     PROJECT / "cmake/Branding.cmake"], text=True, capture_output=True, check=False)
-                self.assertNotEqual(result.returncode, 0)
-                text = " ".join(result.stderr.split())
+                brand = self.brand(**{setting: value})
+                text = " ".join(self.run_command("cmake", f"-DHELPER_BRAND={brand}", "-P", "cmake/Branding.cmake",
+                                                 status=1, cwd=PROJECT).stderr.split())
                 self.assertIn(message, text)
                 self.assertIn(f"HELPER_{setting}", text)
 
@@ -248,14 +222,6 @@ class PackagingTest(TestCase):
         (folder / f"{language}.strings").write_text(content)
         return folder.name
 
-    def run_commands(self, *commands: list[str | pathlib.Path], environment: Environment | None = None) -> str:
-        """Runs commands, which must succeed, and returns the output of the last one."""
-        for command in commands:
-            result = subprocess.run(command, cwd=PROJECT, env=environment, check=False, text=True,
-                                    capture_output=True)
-            self.assertEqual(result.returncode, 0, result.stdout[-3000:] + result.stderr)
-        return result.stdout
-
     def package(self, name: str, host: str, *options: str) -> pathlib.Path:
         """Builds a package in a new build directory, and returns its path."""
         build = self.folder / name
@@ -263,15 +229,14 @@ class PackagingTest(TestCase):
                            TEXTS=self.texts("en", '// "Product Name" = "";\n'
                                             r'/***/ "Product Name" = "Globex \"Draw\" 4";'
                                             r'"Cancel %@ Subscription" = "\U00c9cole @globex@: %@";'))
-        environment = os.environ | {"HELPER_BRAND": str(brand)}
-        self.run_commands(["cmake", "--preset", "brand", "-B", build, "-DHELPER_QT=system", *options],
-                          ["cmake", "--build", build, "--target", "bundle"],
-                          ["cpack", "--config", build / "CPackConfig.cmake"], environment=environment)
+        for command in rows(["cmake", "--preset", "brand", "-B", build, "-DHELPER_QT=system", *options],
+                            ["cmake", "--build", build, "--target", "bundle"],
+                            ["cpack", "--config", build / "CPackConfig.cmake"]):
+            self.run_command(*command, cwd=PROJECT, env=os.environ | {"HELPER_BRAND": str(brand)})
         return next(build.glob("dist/*-3.1-*.tar.gz"))
 
     def check_size(self, what: str, file: pathlib.Path) -> None:
-        size = int(subprocess.run(["du", "--apparent-size", "--bytes", "--summarize", file], text=True,
-                                  check=True, stdout=subprocess.PIPE).stdout.split()[0]) / 1e6
+        size = int(self.run_command("du", "--apparent-size", "--bytes", "--summarize", file).stdout.split()[0]) / 1e6
         self.assertTrue(LARGEST[what] * 0.8 < size < LARGEST[what], f"{what}: {size} MB")
 
     def check_licenses(self, contents: pathlib.Path) -> None:
@@ -292,10 +257,8 @@ class PackagingTest(TestCase):
         for package in listed["packages"]:
             package["versionInfo"] = "0" if package["name"] == "curl" else "9999"
         (self.folder / "old.json").write_text(json.dumps(listed))
-        result = subprocess.run([PROJECT / "scripts/check-updates", self.folder / "old.json"], text=True, check=False,
-                                stdout=subprocess.PIPE)
-        self.assertEqual(result.returncode, 1)
-        self.assertRegex(result.stdout, r"^curl: 0 is shipped, \S+ is newer\n$")
+        outdated = self.run_command(PROJECT / "scripts/check-updates", self.folder / "old.json", status=1).stdout
+        self.assertRegex(outdated, r"^curl: 0 is shipped, \S+ is newer\n$")
 
     def test_a_file_without_a_license_ends_the_build(self) -> None:
         contents, origins = self.folder / "Contents", self.folder / "origins"
@@ -303,9 +266,8 @@ class PackagingTest(TestCase):
         for origin, message in ((self.folder / "not.svg", "cannot find the Debian package"),
                                 ("/usr/bin/env", "unknown license")):
             origins.write_text(f"Frameworks/some.so\t{origin}\n")
-            result = subprocess.run([sys.executable, PROJECT / "cmake/licenses.py", contents, origins, "id", "1", "Co"],
-                                    text=True, capture_output=True, check=False)
-            self.assertEqual((result.returncode, message in result.stderr), (1, True), result.stderr)
+            self.assertIn(message, self.run_command(sys.executable, PROJECT / "cmake/licenses.py", contents, origins,
+                                                    "id", "1", "Co", status=1).stderr)
 
     def check_libraries(self, process: Process) -> None:
         """Checks that libraries that a desktop may lack are loaded from the bundle, whatever the environment."""
@@ -316,17 +278,16 @@ class PackagingTest(TestCase):
     def check_fetch(self) -> None:
         """Checks that a fetch works with the packaged libcurl."""
         build = self.folder / "one"
-        self.run_commands(["cmake", "-D", "BUILD_TESTING=ON", build],
-                          ["cmake", "--build", build, "--target", "base-test"])
-        self.assertNotIn("libcurl", self.run_commands(["ldd", build / "tests/base-test"]))
-        self.run_commands([build / "tests/base-test", "--gtest_filter=Fetch*"])
+        self.run_command("cmake", "-D", "BUILD_TESTING=ON", build)
+        self.run_command("cmake", "--build", build, "--target", "base-test")
+        self.assertNotIn("libcurl", self.run_command("ldd", build / "tests/base-test").stdout)
+        self.run_command(build / "tests/base-test", "--gtest_filter=Fetch*")
 
     @unittest.skipUnless(LONG, "it builds once more")
     def test_the_demonstration_shows_ones_own_brand(self) -> None:
-        environment = {name: value for name, value in os.environ.items() if name != "DISPLAY"}
-        result = subprocess.run([PROJECT / "scripts/demo"], text=True, capture_output=True, check=False,
-                                env=environment | {"HELPER_BRAND": str(self.brand())})
-        self.assertEqual((result.returncode, result.stdout.count("[ok]")), (0, 6), result.stdout + result.stderr)
+        shown = self.run_command("env", "--unset=DISPLAY", f"HELPER_BRAND={self.brand()}",
+                                 PROJECT / "scripts/demo").stdout
+        self.assertEqual(shown.count("[ok]"), 6, shown)
 
     def test_a_package_is_the_same_each_time_and_runs_where_it_is_unpacked(self) -> None:
         with desktop() as environment, Store(BUILD, "0") as store:
@@ -343,7 +304,7 @@ class PackagingTest(TestCase):
             again = self.package("another folder", host, *([] if LONG else options))
             self.assertTrue(filecmp.cmp(package if LONG else small, again, shallow=False))
             self.brand(IDENTIFIER="org.example.other", UNINSTALLER="")
-            self.run_commands(["cmake", self.folder / "small"])
+            self.run_command("cmake", self.folder / "small")
             left = [file.name for file in (self.folder / "small" / BUNDLE / "Contents").rglob("*")]
             self.assertFalse({name for name in left if "globex" in name.lower()}, left)
 
@@ -361,9 +322,9 @@ class PackagingTest(TestCase):
             self.assertTrue(window.wait())
             self.check_libraries(process)
             self.assertEqual(settings.read_bytes(), b"subscriptionReference=DEMO-1001\ncolour=caf\xe9\n")
-            self.assertIn('leave Globex "Draw" #3; $<1:x>: ', self.run_commands([stage.program(), "--help"]))
+            self.assertIn('leave Globex "Draw" #3; $<1:x>: ', self.run_command(stage.program(), "--help").stdout)
             entry = stage.home / f".local/share/applications/{BRAND['IDENTIFIER']}.desktop"
-            subprocess.run(["desktop-file-validate", entry], check=True)
+            self.run_command("desktop-file-validate", entry)
             self.assertIn(f"\nTryExec={stage.program()}\n", entry.read_text())
             self.assertIn('\nName[en]=École @globex@: Globex "Draw" 4\n', entry.read_text())
             self.check_size("unpacked", stage.bundle)

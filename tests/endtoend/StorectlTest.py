@@ -1,13 +1,13 @@
 """The command line of the store client, against the demo store and a store that answers anything."""
 
 import contextlib
+import http.server
 import json
 import os
 import pty
 import re
 import select
 import signal
-import socketserver
 import subprocess
 import textwrap
 import threading
@@ -25,10 +25,10 @@ PROGRAM = f"{BUILD}/tools/storectl"
 ACTIVE = "<subscription><status>active</status></subscription>"
 
 
-def run(*words: str, given: str = "", **options: Any) -> tuple[int, str, str]:
-    """Runs the program without a terminal, even if the tests have one."""
-    result = subprocess.run([PROGRAM, *words], text=True, capture_output=True, input=given, check=False,
-                            start_new_session=True, **options)
+def run(*words: str, given: str = "", redirection: str = "", **options: Any) -> tuple[int, str, str]:
+    """Runs the program without a terminal, even if the tests have one, with a redirection of the shell."""
+    result = subprocess.run(["bash", "-c", f'exec "$0" "$@" {redirection}', PROGRAM, *words], text=True, input=given,
+                            capture_output=True, check=False, start_new_session=True, **options)
     return result.returncode, result.stdout, result.stderr
 
 
@@ -36,10 +36,9 @@ def references_of(store: Store) -> list[str]:
     return [re.sub(r".*Ref=(.*) \d+$", r"\1", line) for line in store.requests]
 
 
-class AnyStore(socketserver.ThreadingTCPServer):
+class AnyStore(http.server.ThreadingHTTPServer):
     """A store at the address of the build. `reply` gets a reference and the number of the request on its connection.
     It returns the status and the body, or None to close the connection."""
-    allow_reuse_address = daemon_threads = True
 
     def __init__(self, reply: Reply) -> None:
         self.reply = reply
@@ -55,19 +54,17 @@ class AnyStore(socketserver.ThreadingTCPServer):
         self.shutdown()
         self.server_close()
 
-    class Handler(socketserver.StreamRequestHandler):
+    class Handler(http.server.BaseHTTPRequestHandler):
         server: "AnyStore"
+        protocol_version = "HTTP/1.1"
+        number = 0
 
-        def handle(self) -> None:
-            number = 0
-            while line := self.rfile.readline():
-                while self.rfile.readline().strip():
-                    pass
-                self.server.targets.append(line.split()[1].decode())
-                reply = self.server.reply(self.server.targets[-1].split("Ref=")[1], number)
-                if reply is None:
-                    break
-                number += 1
+        def do_GET(self) -> None:
+            self.server.targets.append(self.path)
+            reply = self.server.reply(self.path.split("Ref=")[1], self.number)
+            self.number += 1
+            self.close_connection = reply is None
+            if reply is not None:
                 self.wfile.write(f"HTTP/1.1 {reply[0]}\r\nContent-Length: {len(reply[1].encode())}\r\n\r\n"
                                  f"{reply[1]}".encode())
 
@@ -167,12 +164,9 @@ class StorectlTest(TestCase):
                                  r"127\.0\.0\.1:\d+: A, DEMO-1001, DEMO-KEEP and 1 more\? \[y/N\] ")
                 self.assertIn("nothing was canceled" if status == USAGE else "2 confirmed, 2 refused", terminal.shown)
             self.assertEqual(references_of(store)[1:], ["A", "DEMO-1001", "DEMO-KEEP", "DEMO-1002"])
-            with open("/dev/full", "wb") as full:
-                result = subprocess.run([PROGRAM, "cancel", "-y", "DEMO-1001", "A"], stdout=full, check=False,
-                                        stderr=subprocess.PIPE)
-            self.assertEqual(result.returncode, FAILURE)
-            self.assertIn(b"No space left on device. The request to cancel DEMO-1001 was sent: confirmed",
-                          result.stderr)
+            code, _, errors = run("cancel", "-y", "DEMO-1001", "A", redirection=">/dev/full")
+            self.assertEqual(code, FAILURE)
+            self.assertIn("No space left on device. The request to cancel DEMO-1001 was sent: confirmed", errors)
             self.assertTrue(wait_for(lambda: len(store.requests) == 6))
 
     def test_answers_of_others_are_failures(self) -> None:
@@ -225,9 +219,7 @@ class StorectlTest(TestCase):
             store.targets.clear()
             self.assertEqual(run("cancel", "A", "B", "C", "--yes")[0], RECORD)
             self.assertEqual(len(store.targets), 3)
-            with open("/dev/full", "wb") as full:
-                self.assertEqual(subprocess.run([PROGRAM, "order", "-", "--jobs=8"], input=b"A\n" * 2000, check=False,
-                                                stdout=full, stderr=subprocess.DEVNULL).returncode, FAILURE)
+            self.assertEqual(run("order", "-", "--jobs=8", given="A\n" * 2000, redirection=">/dev/full")[0], FAILURE)
             self.assertLess(len(store.targets), 1000)
 
     def test_a_signal_waits_for_the_outcome_of_a_cancellation(self) -> None:
@@ -287,16 +279,13 @@ class StorectlTest(TestCase):
                                        ("<a><total/><statusChanged/></a>", FAILURE, "out_of_range")):
             code, output, _ = run("parse", "order", "-", given=answer)
             self.assertEqual((code, json.loads(output).get("reason")), (status, reason), answer)
-        for reader, reason in (("/dev/full", "No space left"), (None, "Broken pipe")):
-            pipe = os.pipe()
-            os.close(pipe[0])
-            with open(reader, "wb") if reader else os.fdopen(pipe[1], "wb") as closed:
-                result = subprocess.run([PROGRAM, "parse", "order", "-"], input=b"<order/>", stdout=closed,
-                                        stderr=subprocess.PIPE, check=False)
-            self.assertEqual(result.returncode, FAILURE)
-            self.assertIn(b"storectl: cannot write the result: " + reason.encode(), result.stderr)
-        result = subprocess.run(["sh", "-c", '"$0" subscription A >&-', PROGRAM], stderr=subprocess.PIPE, check=False)
-        self.assertEqual((result.returncode, b"cannot write" in result.stderr), (FAILURE, True))
+        reading, writing = os.pipe()
+        os.close(reading)
+        self.addCleanup(os.close, writing)
+        for redirection, reason in ((">/dev/full", "No space left"), (f">&{writing}", "Broken pipe"), (">&-", "")):
+            code, _, errors = run("subscription", "A", redirection=redirection, pass_fds=[writing])
+            self.assertEqual(code, FAILURE)
+            self.assertIn(f"storectl: cannot write the result: {reason}", errors)
 
     def test_wrong_usage_names_the_word_that_is_wrong(self) -> None:
         for words, message in (
@@ -321,8 +310,7 @@ class StorectlTest(TestCase):
                 (("parse", "order", "a", "b"), "parse does not take b"),
                 (("parse", "order", "/tmp"), "cannot read /tmp"), (("parse", "order", "--", "-n"), "cannot read -n")):
             self.assertEqual(run(*words), (USAGE, "", f"storectl: {message}\n"), words)
-        directory = subprocess.run(["sh", "-c", '"$0" order - </', PROGRAM], capture_output=True, check=False)
-        self.assertEqual((directory.returncode, directory.stderr), (USAGE, b"storectl: cannot read standard input\n"))
+        self.assertEqual(run("order", "-", redirection="</"), (USAGE, "", "storectl: cannot read standard input\n"))
 
     def test_manual_and_shells_know_every_option(self) -> None:
         manual = (PROJECT / "tools/storectl.1").read_text().replace("\\-", "-")

@@ -2,7 +2,6 @@
 
 import os
 import pathlib
-import shutil
 import subprocess
 import tempfile
 import unittest
@@ -45,8 +44,15 @@ class TestCase(unittest.TestCase):
     """A test with its own temporary directory."""
 
     def setUp(self) -> None:
-        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="helper-endtoend-"))
-        self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
+        self.folder = pathlib.Path(self.enterContext(
+            tempfile.TemporaryDirectory(prefix="helper-endtoend-", ignore_cleanup_errors=True)))
 
     def make_stage(self, name: str = "home", **options: Any) -> Stage:
         return Stage(BUILD, self.folder / name, **options)
+
+    def run_command(self, *words: object, status: int | None = 0, **options: Any) -> subprocess.CompletedProcess[str]:
+        """Runs a command to its end. Its status must be `status`, unless that is None."""
+        result = subprocess.run([*map(str, words)], text=True, capture_output=True, check=False, **options)
+        if status is not None:
+            self.assertEqual(result.returncode, status, result.stdout[-3000:] + result.stderr)
+        return result
