@@ -200,13 +200,13 @@ class StorectlTest(TestCase):
                 self.assertEqual((result, output), (code, body * 2))
 
     def test_lookups_run_at_the_same_time_and_cancellations_do_not(self) -> None:
-        second = threading.Event()
+        ahead = 0  # the requests during that for the first reference
 
         def reply(reference: str, number: int) -> tuple[str, str] | None:
-            if reference == "second":
-                second.set()
-            if reference == "first" and not second.wait(20):
-                return None
+            nonlocal ahead
+            if reference == "first":
+                wait_for(lambda: len(store.targets) > 100, 2)
+                ahead = len(store.targets)
             return ("200 OK", ACTIVE) if number == 0 else None  # a kept connection closes without an answer
         with AnyStore(reply) as store:
             code, output, _ = run("subscription", "first", "second", "third", "-", "--jobs", "2",
@@ -216,6 +216,7 @@ class StorectlTest(TestCase):
                              (RECORD, ["first", "second", "third", *map(str, range(200))]))
             self.assertEqual({line["result"] for line in lines}, {"record"})
             self.assertGreater(len(store.targets), 203)  # repeated, so connections were kept
+            self.assertTrue(1 < ahead <= 100, ahead)
             store.targets.clear()
             self.assertEqual(run("cancel", "A", "B", "C", "--yes")[0], RECORD)
             self.assertEqual(len(store.targets), 3)
