@@ -278,6 +278,16 @@ class DesktopTest(TestCase):
             status, log, _ = stage.run(self.desktop, bundle=stage.trashed_bundle())
             self.assertEqual((status, log, len(store.requests)), (0, "", 2))
 
+    def test_a_removal_without_the_desktop_library_says_why(self) -> None:
+        stage = self.make_stage()
+        with Store(BUILD):
+            process = self.begin(stage)
+            (stage.bundle / "Contents/Frameworks/SubscriptionHelperDesktop.so").write_text("")  # by a broken update
+            self.window.press_remove()
+            self.assertTrue(wait_for(stage.note.exists))
+            self.window.press_until_ended(process)
+            self.assertRegex(self.finish(process), r"(?s)needs cannot be loaded: .*: file too short\n.*Could not trash")
+
     def test_a_removal_goes_on_whatever_its_launcher_does(self) -> None:
         def broken_pipe() -> int:
             reader, writer = os.pipe()
