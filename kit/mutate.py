@@ -32,7 +32,7 @@ def faults_of(file: str) -> Iterator[Fault]:
     """Yields all faults of a source."""
     lines = (PROJECT / file).read_text().splitlines()
     for number, line in enumerate(lines):
-        code = re.sub(r"(^| )// .*", "", line).rstrip()
+        code = re.sub(r"(^| )///?<? .*", "", line).rstrip()
         if code.lstrip().startswith(("#", "*", "static_assert")):
             continue
         for kind, (pattern, replacements) in KINDS.items():
@@ -106,8 +106,10 @@ class Copy:
 
 
 def main() -> None:
-    parser = argparse.ArgumentParser(prog="scripts/mutate", description="Plants faults in a copy of the project, one "
-                                     "after the other, and reports those that no test notices.")
+    parser = argparse.ArgumentParser(
+        prog="scripts/mutate", description="Plants faults in a copy of the project, one after the other, and reports "
+        "those that no test notices. A fault in a path check can delete all files that its user may delete. So root is "
+        "refused. Run it as a user without valuable files, who owns the clone.")
     parser.add_argument("paths", nargs="*", help="files and directories. Default: files that differ from --since")
     parser.add_argument("--since", default="origin/main", help="commit to compare with (default: %(default)s)")
     parser.add_argument("--count", type=int, default=20, help="number of faults (default: %(default)s)")
@@ -117,6 +119,9 @@ def main() -> None:
     parser.add_argument("--tests", default="-E ^form|Shipping|bench|Faults",
                         help="arguments for ctest (default: %(default)s)")
     given = parser.parse_args()
+    if os.geteuid() == 0:
+        sys.exit("mutate: cannot run as root, because a fault in a path check could delete any file. "
+                 "Run it as an ordinary user")
     end = time.monotonic() + given.minutes * 60
     faults = [fault for file in sources(given.paths or changed(given.since)) for fault in faults_of(file)]
     faults = selected(faults, given.seed)[:given.count]
