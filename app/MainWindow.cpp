@@ -242,6 +242,11 @@ void MainWindow::stayOnScreen() {
 void MainWindow::endProgress(int returnCode) {
     ui_->progressSheet->endSheet(returnCode);
     ui_->mainButton->setFocus();
+    emit progressEnded();
+}
+
+bool MainWindow::isInProgress() const {
+    return ui_->progressSheet->isSessionRunning();
 }
 
 void MainWindow::changeEvent(QEvent* event) {
@@ -263,7 +268,7 @@ void MainWindow::changeEvent(QEvent* event) {
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
-    if (ui_->progressSheet->isSessionRunning()) {
+    if (isInProgress()) {
         event->ignore();
     } else {
         emit quitRequested();

@@ -43,6 +43,8 @@ class MainWindow final : public QDialog {
     void beginProgress();
     /// Shows `text` on the progress sheet and announces it to assistive technology.
     void showProgress(const QString& text);
+    /// Returns true during the sheet's modal session.
+    [[nodiscard]] bool isInProgress() const;
     /// Ends the sheet's modal session. The sheet stays visible with its turning spinner, and the
     /// main button gets the focus.
     void endProgress(int returnCode);
@@ -53,6 +55,8 @@ class MainWindow final : public QDialog {
     void cancelButtonPressed();
     /// Emitted by the remove button, once until the removal is offered again.
     void removalRequested();
+    /// Emitted when the sheet's modal session has ended.
+    void progressEnded();
     /// Emitted when the user closes the window or presses the desktop's key for quitting.
     void quitRequested();
 

@@ -4,8 +4,10 @@
 #include "app/MainWindow.h"
 #include "app/Modules.h"
 #include "app/SubscriptionReference.h"
+#include "Brand.h"
 #include "housekeeping/HelperUtilities.h"
 #include "platform/Bundle.h"
+#include "platform/Desktop.h"
 #include "platform/HeldSignals.h"
 #include "platform/Log.h"
 #include "platform/Workspace.h"
@@ -15,6 +17,8 @@
 #include <thread>
 
 #include <QApplication>
+#include <QEventLoop>
+#include <QSessionManager>
 
 namespace app {
 
@@ -70,6 +74,9 @@ SubscriptionHelperAppDelegate::SubscriptionHelperAppDelegate()
     connect(window_.get(), &MainWindow::cancelButtonPressed, this, &Delegate::cancelButton);
     connect(window_.get(), &MainWindow::removalRequested, this, &Delegate::startCancellation);
     connect(window_.get(), &MainWindow::quitRequested, this, &Delegate::exitApp);
+    for (const auto request : {&QApplication::commitDataRequest, &QApplication::saveStateRequest}) {
+        connect(qApp, request, this, &Delegate::finishRemoval);
+    }
 }
 
 SubscriptionHelperAppDelegate::~SubscriptionHelperAppDelegate() = default;
@@ -130,7 +137,7 @@ void SubscriptionHelperAppDelegate::startCancellation() noexcept {
 // Like its thread, this function aborts the process on an uncaught failure: an unreadable date in
 // the store service's answer.
 void SubscriptionHelperAppDelegate::cancelSubscriptionAndLaunchUninstaller() noexcept {
-    const platform::HeldSignals untilTheEnd;
+    const platform::HeldSignals heldSignals;
     const auto begin = [this](const Step& step) {
         runningStep = step.name;
         postProgress(step.progress);
@@ -139,6 +146,8 @@ void SubscriptionHelperAppDelegate::cancelSubscriptionAndLaunchUninstaller() noe
     if (const std::string failure = loadModules(true); !failure.empty()) {
         platform::log("What the removal needs cannot be loaded: %@", {failure});
     }
+    const auto heldLogout =
+        platform::desktop::holdLogout(HELPER_IDENTIFIER, localized(kCancel.progress).toStdString());
     const std::string store = HelperUtilities::storeID();
     const bool isCanceled =
         store::FastSpringUtilities::cancelSubscriptionForStore(store, subscriptionReference());
@@ -161,6 +170,17 @@ void SubscriptionHelperAppDelegate::cancelSubscriptionAndLaunchUninstaller() noe
     // Wait, because isRemoving() must be true until the window is usable again.
     QMetaObject::invokeMethod(this, &SubscriptionHelperAppDelegate::cancelProgress,
                               Qt::BlockingQueuedConnection);
+}
+
+void SubscriptionHelperAppDelegate::finishRemoval(QSessionManager& session) {
+    if (window_->isInProgress()) {
+        session.allowsInteraction(); // some session managers then wait without a limit
+    }
+    if (window_->isInProgress()) {
+        QEventLoop removal; // exit() also ends it
+        connect(window_.get(), &MainWindow::progressEnded, &removal, &QEventLoop::quit);
+        removal.exec();
+    }
 }
 
 void SubscriptionHelperAppDelegate::postProgress(std::string_view key) {

@@ -10,6 +10,8 @@
 
 #include <QObject>
 
+class QSessionManager;
+
 namespace app {
 
 class MainWindow;
@@ -53,10 +55,13 @@ class SubscriptionHelperAppDelegate final : public QObject {
     /// Runs a removal, on any thread but the main thread. Cancels the subscription at the store
     /// service, or opens the customer's account page if that fails. Then starts the uninstaller,
     /// and moves the helper's bundle to the Trash. Announces each step on the sheet, and runs each
-    /// whatever the outcome of the one before. Holds back the signals of a session's end
-    /// (platform::HeldSignals). Finally logs one line with the outcome of each step, and waits
-    /// until the sheet's modal session has ended.
+    /// whatever the outcome of the one before. Holds back the session's end
+    /// (platform::desktop::holdLogout()) and its signals (platform::HeldSignals). Finally logs one
+    /// line with the outcome of each step, and waits until the sheet's modal session has ended.
     void cancelSubscriptionAndLaunchUninstaller() noexcept;
+    /// Returns when no removal is in progress, and handles events until then. Called when an X11
+    /// session manager asks the application to prepare for the session's end.
+    void finishRemoval(QSessionManager& session);
     /// Shows a progress text on the sheet.
     void updateProgress(const QString& text);
     /// Ends the sheet's modal session with return code 1. The sheet stays visible with its turning

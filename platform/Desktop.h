@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <system_error>
 
@@ -17,6 +18,16 @@ namespace platform::desktop {
 /// @return why it cannot, or an empty error.
 [[nodiscard]] std::error_code checkTrash(const std::filesystem::path& item,
                                          std::filesystem::path& culprit);
+
+/// Asks the desktop to hold the session's end back until the returned object is destroyed. Never
+/// waits for the desktop, which may lack the service or not answer. Linux sends one call to GNOME's
+/// session manager, `org.gnome.SessionManager`, on a connection to the session bus of its own.
+/// macOS needs no call, because its logout waits for a window that refuses to close.
+/// @param identifier the name of the application's desktop entry.
+/// @param reason a text that the desktop shows to the user, in the user's language.
+/// @return the hold, or null if the thread for the call cannot be started, and on macOS.
+[[nodiscard]] std::shared_ptr<void> holdLogout(const std::string& identifier,
+                                               const std::string& reason);
 
 /// Opens a file like a double click. Starts an executable file, or the program of an application
 /// bundle (`<name>.app`, see Bundle::executableOf()), as a child process without waiting for its

@@ -15,6 +15,7 @@ struct FetchModule {
 struct DesktopModule {
     decltype(&platform::desktop::moveToTrash) moveToTrash;
     decltype(&platform::desktop::checkTrash) checkTrash;
+    decltype(&platform::desktop::holdLogout) holdLogout;
     decltype(&platform::wantsReducedMotion) wantsReducedMotion;
     decltype(&platform::prefersDark) prefersDark;
     decltype(&platform::observeDarkPreference) observeDarkPreference;

@@ -116,6 +116,12 @@ std::error_code platform::desktop::checkTrash(const std::filesystem::path& item,
                              : std::make_error_code(std::errc::function_not_supported);
 }
 
+std::shared_ptr<void> platform::desktop::holdLogout(const std::string& identifier,
+                                                    const std::string& reason) {
+    const auto* const module = app::desktopModule().table();
+    return module != nullptr ? module->holdLogout(identifier, reason) : nullptr;
+}
+
 bool platform::wantsReducedMotion() {
     const auto* const module = app::desktopModule().table();
     return module != nullptr && module->wantsReducedMotion();

@@ -25,6 +25,10 @@ std::error_code checkTrash(const std::filesystem::path& item, std::filesystem::p
     return errorUnless(QFileInfo(QString::fromStdString(culprit.native())).isWritable());
 }
 
+std::shared_ptr<void> holdLogout(const std::string& /*identifier*/, const std::string& /*reason*/) {
+    return nullptr;
+}
+
 std::error_code openFile(const std::filesystem::path& file) {
     return errorUnless(
         QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(file.native()))));

@@ -321,6 +321,43 @@ class DesktopTest(TestCase):
                 self.window.press_until_ended(process)
                 self.assertIn(-process.wait(15), signals or (0,))
 
+    def test_a_logout_waits_for_the_removal_only(self) -> None:
+        # GNOME's session manager never answers here. SIGTERM makes the X11 session manager log out.
+        def run(*words: str, log: int = subprocess.DEVNULL) -> Process:
+            process = subprocess.Popen(words, env=environment, stdout=log, stderr=subprocess.DEVNULL)
+            self.addCleanup(end, process)
+            return process
+
+        calls, address, stage = self.folder / "calls", self.folder / "address", self.make_stage()
+        environment = self.desktop | {"HOME": str(stage.home)}
+        (stage.home / ".xsmstartup").write_text(f"sh -c 'echo $SESSION_MANAGER >{address}; exec sleep 99'\n")
+        run("dbus-test-tool", "black-hole", "--session", "--name=org.gnome.SessionManager")
+        manager = run("xsm")
+        with calls.open("w") as file:
+            run("dbus-monitor", "member=Inhibit", "member=NameOwnerChanged", log=file.fileno())
+        self.assertTrue(wait_for(lambda: address.exists() and address.read_text()))
+        for has_logout in (False, True):
+            with Store(BUILD, "--delay", "2000"):
+                before = len(calls.read_text())
+                process = self.begin(stage, ["env", "LC_ALL=en_US.UTF-8", "LANGUAGE=de", stage.program()],
+                                     SESSION_MANAGER=address.read_text().strip())
+                sent = wait_for(lambda: self.window.keys("alt+d") or re.search(
+                    rf'sender=(\S+) .*Inhibit\n *string "{HELPER_DOMAIN}"\n *uint32 0\n *'
+                    r'string "Ihr Abonnement wird gekündigt\. .*"\n *uint32 1\n', calls.read_text()[before:]))
+                ended = f'string "{sent[1]}"\n   string "{sent[1]}"\n   string ""\n'
+                if has_logout:
+                    manager.terminate()
+                time.sleep(0.5)
+                self.assertEqual((ended in calls.read_text(), manager.poll()), (False, None))
+                self.assertTrue(wait_for(stage.trashed_bundle))
+                self.assertTrue(wait_for(lambda: ended in calls.read_text()))
+                if not has_logout:
+                    self.assertIsNone(process.poll())
+                    self.window.press_until_ended(process)
+                    stage.trashed_bundle().rename(stage.bundle)
+                    shutil.rmtree(stage.home / ".local")
+                self.assertIn("Bundle: moved to the Trash", self.finish(process))
+
     def test_a_display_that_goes_away_interrupts_the_removal(self) -> None:
         for kind in ("x11", "wayland"):
             stage = self.make_stage(kind)
