@@ -109,6 +109,9 @@ void MainWindow::present(const std::string& reference, bool hasAccountPage) {
          QRect({}, size() + estimatedFrameSize()).center());
     ui_->removeButton->setEnabled(false);
     show();
+    // Qt shows a scroll bar while it lays out the texts, and keeps it if they fit only without one.
+    ui_->scrollArea->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    ui_->scrollArea->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     windowHandle()->installEventFilter(this);
     raise();
     activateWindow();

@@ -196,7 +196,10 @@ TEST_F(Window, ShowsItsTextsWholeInEveryLanguage) {
         app::MainWindow window;
         present(window);
         EXPECT_EQ(window.windowTitle(), QStringLiteral("Acme Studio"));
-        EXPECT_EQ(child<QScrollArea>(window, "scrollArea").verticalScrollBar()->value(), 0);
+        const auto& scrollBar = *child<QScrollArea>(window, "scrollArea").verticalScrollBar();
+        EXPECT_EQ(scrollBar.value(), 0);
+        EXPECT_FALSE(scrollBar.maximum() > 0 && child<QLabel>(window, "iconLabel").isVisible())
+            << language;
         expectTextsOf(table, window);
         expectWhole(window, language);
         save(window, "window-" + language);
@@ -222,7 +225,6 @@ TEST_F(Window, ShowsItsTextsWholeInEveryLanguage) {
             expectWhole(window, language + ": " + key);
             EXPECT_TRUE(window.rect().contains(sheet.geometry())) << language;
             EXPECT_LT(sheet.geometry().bottom(), main.mapTo(&window, QPoint()).y()) << language;
-            EXPECT_EQ(child<QWidget>(window, "backdrop").geometry(), window.rect()) << language;
         }
         window.endProgress(1);
         save(window, "end-" + language);
@@ -302,6 +304,9 @@ TEST_F(Window, CanBeReadAndShowsItsFocusInEveryStyle) {
         auto& scrollBar = *child<QScrollArea>(window, "scrollArea").verticalScrollBar();
         scrollBar.setValue(scrollBar.maximum());
         EXPECT_LT(sheet.geometry().bottom(), main.mapTo(&window, QPoint()).y());
+        window.setFixedHeight(100); // some window managers ignore the fixed size
+        window.setFixedHeight(90);
+        EXPECT_EQ(child<QWidget>(window, "backdrop").geometry(), window.rect());
     }
 }
 
