@@ -44,7 +44,6 @@ void ProgressSheet::beginSheet(QWidget& content, QWidget& covered) {
     }
     updateGeometries();
     backdrop_->show();
-    backdrop_->raise();
     show();
     raise();
 }
