@@ -1,6 +1,7 @@
 """Tests the helper from outside, with the real bundle, store, window and Trash."""
 
 import contextlib
+import fnmatch
 import json
 import os
 import pathlib
@@ -79,6 +80,7 @@ class StartTest(TestCase):
         settings, product = f".config/{HELPER_DOMAIN}", ".config/com.example.acme-studio.conf"
         own, account, store, reference = {"last run"}, {"account page"}, {"store service"}, {"subscription reference"}
         libraries = {"application libraries"}
+        texts: set[str] = set()
         for number, (files, variables, answer, wrong) in enumerate(rows(
                 ({}, {}, None, set()), ({}, {}, record("<customerUrl>http://host/</customerUrl>"), set()),
                 ({}, {}, record("<customerUrl>file:///x</customerUrl>"), account), ({}, {}, record(""), account),
@@ -108,11 +110,15 @@ class StartTest(TestCase):
                                           status=bool(wrong), env=environment)
                 found = json.loads(result.stdout)
                 self.assertEqual({each["name"] for each in found if each["passed"] is False}, wrong, found)
-                self.assertEqual({each["name"] for each in found if ". Next step: " in each["detail"]}, wrong)
+                texts |= {f"{each['name']}: {each['detail']}" for each in found}
+                self.assertEqual(result.stdout.isascii(), place == "Applications")
                 self.assertEqual((result.stderr, stage.last_run()), ("", None))
                 if None in files.values():  # missed before there is a window
                     said = stage.run({"PATH": "/usr/bin"})[1]
                     self.assertRegex(said, "^[^\n]*The application cannot be loaded: .*\n$")
+        expected = pathlib.Path(__file__).with_name("check-results.txt").read_text().splitlines()
+        self.assertEqual([text for text in texts if not any(fnmatch.fnmatchcase(text, each) for each in expected)], [])
+        self.assertEqual([each for each in expected if not fnmatch.filter(texts, each)], [])
         put(stage.home / library("Application"), None)
         stage.forget_last_run()
         self.assertRegex(stage.run({"PATH": "/usr/bin"})[1], "^[^\n]*The application cannot be loaded: .*\n$")
@@ -306,7 +312,7 @@ class DesktopTest(TestCase):
 
         for number, (stderr, signals) in enumerate((
                 (broken_pipe(), ()), (full_pipe(), ()),
-                (subprocess.DEVNULL, (signal.SIGHUP, signal.SIGINT, signal.SIGTERM)))):
+                (subprocess.DEVNULL, (signal.SIGINT, signal.SIGTERM, signal.SIGHUP)))):
             stage = self.make_stage(str(number))
             stage.program().with_name("Uninstall Acme Studio").unlink()  # a line before the last step
             with self.subTest(number), Store(BUILD, "--delay", "1500"):
