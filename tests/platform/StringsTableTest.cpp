@@ -108,6 +108,9 @@ TEST(StringsTable, IsEmptyWithOneLineAboutTheFirstError) {
         EXPECT_THAT(log, HasSubstr(expected));
     }
     EXPECT_THAT(builtTables(documents), Each(std::nullopt));
+    testing::internal::CaptureStderr();
+    EXPECT_THAT(readStringsTable("/"), IsEmpty());
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("'/', line 1: expected a reg"));
 }
 
 } // namespace

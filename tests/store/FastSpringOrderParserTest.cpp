@@ -127,7 +127,7 @@ TEST(OrderParser, ConvertsAndFailsLikeEveryParser) {
         // Containers do not reset the gathered text.
         {"<city>a<customer>b</customer></city>", "{city:ab}"},
         {"<city>a<order>b</order></city>", "{city:ab}"},
-        {"<statusChanged>soonZ</statusChanged>", "{}"},
+        {"<statusChanged>2012-03-15Z</statusChanged><statusChanged>soonZ</statusChanged>", "{}"},
         {"<statusChanged/>", "(out_of_range)"},
         {"<city>1</city><order/><country>2</country>", "{country:2}"},
         {"<city>1</city><cut", "{city:1}"},

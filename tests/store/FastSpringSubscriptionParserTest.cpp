@@ -9,13 +9,6 @@ std::shared_ptr<FastSpringSubscription> parsed(const std::string& answer) {
     return FastSpringSubscriptionParser(answer).parseSubscription();
 }
 
-TEST(SubscriptionParser, LeavesOutWhatIsNotThere) {
-    EXPECT_EQ(
-        parsed("<subscription><end>2012-03-15Z</end><end>soonZ</end></subscription>")->endDate,
-        std::nullopt);
-    EXPECT_FALSE(parsed("<subscription/>")->isCancelable);
-}
-
 /// An answer and the status of its record. "(none)" stands for an absent status, "(no record)" for
 /// an absent record, "(fails)" for an unreadable date.
 struct Row {

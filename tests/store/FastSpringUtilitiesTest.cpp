@@ -48,21 +48,5 @@ TEST_F(Requests, AreNotSentWithoutWhatTheyNeed) {
     EXPECT_THAT(server.targets(), IsEmpty());
 }
 
-TEST_F(Requests, AnswerByWhatTheParserFound) {
-    const auto ask = [](const test::Reply& reply) {
-        const test::LoopbackServer server(reply);
-        test::setStorePort(server.port());
-        const bool confirmed = FastSpringUtilities::cancelSubscriptionForStore("a", "b");
-        EXPECT_EQ(FastSpringUtilities::subscriptionForStore("a", "b") != nullptr, confirmed);
-        return confirmed;
-    };
-    EXPECT_TRUE(ask(httpReply(kAnswer, "500 Oops")));
-    EXPECT_TRUE(ask(httpReply("<html><subscription/></html>")));
-    EXPECT_FALSE(ask(httpReply("<error>no such subscription</error>")));
-    EXPECT_FALSE(ask({""}));
-    const std::string unreadable = "<subscription><end>2012-03-15</end></subscription>";
-    EXPECT_THROW(ask(httpReply(unreadable)), std::out_of_range);
-}
-
 } // namespace
 } // namespace store
