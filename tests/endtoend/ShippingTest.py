@@ -26,7 +26,7 @@ BRAND = {
     "IDENTIFIER": "org.example.globex.leave", "PRODUCT_DOMAIN": "org.example.globex.draw",
     "STORE_HOST": "localhost:80", "STORE_ID": "globex", "UNINSTALLER": "Remove Globex",
     "ICON": "globex.svg"}
-LARGEST = {"packed": 30.2, "unpacked": 76.8, "small": 0.30, "entry": 0.23}  # in millions of bytes
+LARGEST = {"packed": 30.2, "unpacked": 76.8, "small": 0.33, "entry": 0.23}  # in millions of bytes
 
 
 @unittest.skipIf(SANITIZE, "sanitizer builds are not hardened")
