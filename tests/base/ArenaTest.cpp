@@ -2,6 +2,8 @@
 
 #include "tests/support/Test.h"
 
+#include <bit>
+
 namespace base {
 namespace {
 
@@ -9,6 +11,7 @@ TEST(Arena, KeepsEachPieceWhileItGrowsAndAfterAnInnerArenaEnded) {
     constexpr std::string_view kContent = "content";
     const Arena outer;
     auto* text = static_cast<char*>(Arena::allocate(kContent.size()));
+    EXPECT_EQ(std::bit_cast<std::uintptr_t>(text) % alignof(std::max_align_t), 0U);
     std::copy(kContent.begin(), kContent.end(), text);
     {
         const Arena inner;
