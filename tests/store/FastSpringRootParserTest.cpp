@@ -49,6 +49,7 @@ const std::pair<const char*, const char*> kDates[] = {
     {"", kFails},
     {" 2012-03-15Z", kNone},
     {"2012-3-15Z", kNone},
+    {"2012-03-5Z", kNone},
     {"2012-03-15T08:30:5Z", kNone},
     {"2012-03-15T24:00:00Z", kNone},
     {"2012-03-15T08:30:60Z", kNone},
