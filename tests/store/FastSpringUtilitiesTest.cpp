@@ -18,7 +18,7 @@ class Requests : public testing::Test {
 };
 
 TEST_F(Requests, AreSentWithTheReferenceAsItStands) {
-    const test::LoopbackServer server(httpReply(kAnswer));
+    const test::LoopbackServer server(httpReply(kAnswer, "500 Oops")); // the record counts
     test::setStorePort(server.port());
     const std::string get = "/fastspring.php?f=getsubscription&subscriptionRef=";
     const auto record = FastSpringUtilities::subscriptionForStore("acme", "ABC123");
