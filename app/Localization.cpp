@@ -9,7 +9,9 @@
 #include <optional>
 #include <utility>
 
+#include <QLabel>
 #include <QLocale>
+#include <QPushButton>
 
 namespace app {
 namespace {
@@ -31,6 +33,16 @@ std::string entry(std::string_view key) {
     }
     const auto found = table.find(key);
     return found != table.end() ? found->second : std::string(key);
+}
+
+/// Localizes all texts of a kind of widget.
+template <class Widget>
+void localizeTextsOf(const QWidget& window) {
+    for (auto* widget : window.findChildren<Widget*>()) {
+        if (!widget->text().isEmpty()) {
+            widget->setText(localized(widget->text().toStdString()));
+        }
+    }
 }
 
 } // namespace
@@ -55,6 +67,20 @@ Qt::LayoutDirection textDirection() {
     const auto table = tableFile();
     const auto language = table ? table->parent_path().stem().native() : std::string();
     return QLocale(QString::fromStdString(language)).textDirection();
+}
+
+void localizeTexts(const QWidget& window) {
+    localizeTextsOf<QLabel>(window);
+    localizeTextsOf<QPushButton>(window);
+    for (auto* widget : window.findChildren<QWidget*>()) {
+        if (!widget->accessibleName().isEmpty()) {
+            widget->setAccessibleName(localized(widget->accessibleName().toStdString()));
+        }
+        if (!widget->accessibleDescription().isEmpty()) {
+            widget->setAccessibleDescription(
+                localized(widget->accessibleDescription().toStdString()));
+        }
+    }
 }
 
 } // namespace app

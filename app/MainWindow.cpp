@@ -25,29 +25,6 @@ namespace {
 constexpr std::chrono::seconds kGuard{1};
 constexpr int kWidth = 540; // of the window, with about 60 characters per line
 
-/// Localizes all texts of a kind of widget. The window description contains the keys.
-template <class Widget>
-void localizeTexts(const QWidget& window) {
-    for (auto* widget : window.findChildren<Widget*>()) {
-        if (!widget->text().isEmpty()) {
-            widget->setText(localized(widget->text().toStdString()));
-        }
-    }
-}
-
-/// Localizes the texts for assistive technology.
-void localizeAccessibleTexts(const QWidget& window) {
-    for (auto* widget : window.findChildren<QWidget*>()) {
-        if (!widget->accessibleName().isEmpty()) {
-            widget->setAccessibleName(localized(widget->accessibleName().toStdString()));
-        }
-        if (!widget->accessibleDescription().isEmpty()) {
-            widget->setAccessibleDescription(
-                localized(widget->accessibleDescription().toStdString()));
-        }
-    }
-}
-
 bool fits(const QSize& size, const QSize& largest) {
     return size.boundedTo(largest) == size;
 }
@@ -70,9 +47,7 @@ MainWindow::~MainWindow() = default;
 void MainWindow::localize() {
     setLayoutDirection(textDirection());
     ui_->iconLabel->setAccessibleName(QString::fromStdString(productName()));
-    localizeTexts<QLabel>(*this);
-    localizeTexts<QPushButton>(*this);
-    localizeAccessibleTexts(*this);
+    localizeTexts(*this);
     setAccessibleDescription(ui_->headingLabel->text());
     ui_->cancelButton->setShortcut(Qt::Key_Escape); // after its text, which resets the shortcut
 }
@@ -290,7 +265,7 @@ void MainWindow::keyPressEvent(QKeyEvent* event) {
     // The second button has Escape as its shortcut. Without that button the key presses Close, but
     // never while the sheet is modal, when it would close other dialogs.
     if (event->matches(QKeySequence::Cancel)) {
-        if (!ui_->progressSheet->isSessionRunning()) {
+        if (!isInProgress()) {
             ui_->mainButton->click();
         }
         return;

@@ -173,11 +173,12 @@ void SubscriptionHelperAppDelegate::cancelSubscriptionAndLaunchUninstaller() noe
 }
 
 void SubscriptionHelperAppDelegate::finishRemoval(QSessionManager& session) {
-    if (window_->isInProgress()) {
-        session.allowsInteraction(); // some session managers then wait without a limit
+    if (!window_->isInProgress()) {
+        return;
     }
-    if (window_->isInProgress()) {
-        QEventLoop removal; // exit() also ends it
+    session.allowsInteraction();   // some session managers then wait without a limit
+    if (window_->isInProgress()) { // may have ended, because the question handles events
+        QEventLoop removal;        // exit() also ends it
         connect(window_.get(), &MainWindow::progressEnded, &removal, &QEventLoop::quit);
         removal.exec();
     }
