@@ -66,12 +66,12 @@ endfunction()
 
 # Name Qt's libraries, because CMake would find the system's and not those of a lean Qt, which joins four of them.
 if(QT STREQUAL "lean")
-    set(modules ";WaylandClient;XcbQpa")
+    set(qt_libraries Qt6 Qt6WaylandClient Qt6XcbQpa)
 else()
-    set(modules Core DBus Gui WaylandClient Widgets XcbQpa)
+    set(qt_libraries Qt6Core Qt6DBus Qt6Gui Qt6WaylandClient Qt6Widgets Qt6XcbQpa)
 endif()
-foreach(module IN LISTS modules)
-    set(library "libQt6${module}.so.6")
+foreach(name ${qt_libraries})
+    set(library "lib${name}.so.6")
     take("${QT_LIBRARIES}/${library}" "Frameworks/${library}")
     list(APPEND originals "${QT_LIBRARIES}/${library}")
 endforeach()
@@ -84,7 +84,7 @@ foreach(plugin ${plugins})
         COMMAND "${PATCHELF}" --force-rpath --set-rpath $ORIGIN/../../Frameworks "${CONTENTS}/PlugIns/${plugin}")
     list(APPEND originals "${QT_PLUGINS}/${plugin}")
 endforeach()
-if(QT STREQUAL "lean")
+if(QT STREQUAL "lean") # put a smaller library in the place of the one with all names
     execute_process(COMMAND_ERROR_IS_FATAL ANY
         COMMAND ${CMAKE_COMMAND} -E env "CXX=${COMPILER}" "${CMAKE_CURRENT_LIST_DIR}/join-qt"
             "${QT_LIBRARIES}" "${CONTENTS}/Frameworks/libQt6.so.6" "${APPLICATION}" "${DESKTOP}" ${originals})
