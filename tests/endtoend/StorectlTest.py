@@ -198,7 +198,7 @@ class StorectlTest(TestCase):
                 self.assertEqual((result, output), (code, body * 2))
 
     def test_lookups_run_at_the_same_time_and_cancellations_do_not(self) -> None:
-        ahead = 0  # requests during that for the first reference
+        ahead = 0  # the requests that arrive before the first answer
 
         def reply(reference: str, number: int) -> tuple[str, str] | None:
             nonlocal ahead
@@ -323,6 +323,8 @@ class StorectlTest(TestCase):
             self.assertEqual([option for option in options if option not in manual], [])
             candidates = run("complete", "--", *command.split(), "-")[1].splitlines()
             self.assertEqual({line.split("\t")[0] for line in candidates}, set(options))
+        for text in ("119.95", "UTC"):
+            self.assertIn(text, manual)
         self.assertEqual(helps, (PROJECT / "tests/endtoend/storectl-help.txt").read_text())
         self.assertEqual(run("complete", "--", "parse", "order", "A", ""), (RECORD, "", ""))
         self.assertRegex(run("--version")[1], r"^storectl \d+\.\d+\.\d+\n$")
