@@ -2,7 +2,7 @@
 
 RESOURCES/<language>.lproj/Localizable.strings contains this project's texts in a language. OWN is a company's directory
 of files <language>.strings that replace some of them, or empty. A file for a new language contains all keys.
-Exits with one message if a table has an error or an own text does not fit. platform/StringsTable.h has the syntax.
+Exits with one message if a table has an error or a text does not fit. platform/StringsTable.h has the syntax.
 
 With OUTPUT, writes the table of each language to OUTPUT/<language>.lproj. PRODUCT is its "Product Name" if OWN lacks
 one. Prints as JSON the lines that name the helper in a desktop entry and in a metainfo file.
@@ -73,7 +73,7 @@ def mnemonic(text: str) -> str:
 
 
 def check(file: pathlib.Path, own: dict[str, str], known: dict[str, str], ours: dict[str, str] | None) -> None:
-    """Checks a file of a company's texts. `ours` are this project's in the same language, or None."""
+    """Checks a file of texts. `ours` are this project's in the same language, or None if the file contains all."""
     for key, value in own.items():
         if key not in known and key != "Product Name":
             sys.exit(f"{file}: unknown text '{key}'. resources/en.lproj contains all of them")
@@ -129,8 +129,10 @@ def write(tables: dict[str, dict[str, str]], product: str, output: pathlib.Path)
 
 def main() -> None:
     resources, own, *rest = sys.argv[1:]
-    tables = {file.parent.stem: table(file)
-              for file in pathlib.Path(resources).glob("*.lproj/Localizable.strings")}
+    files = {file.parent.stem: file for file in pathlib.Path(resources).glob("*.lproj/Localizable.strings")}
+    tables = {language: table(file) for language, file in files.items()}
+    for language, file in files.items():
+        check(file, tables[language], tables["en"], None)
     if own:
         add_own(pathlib.Path(own), tables)
     if rest:
