@@ -50,26 +50,6 @@ TEST_F(HelperUtilitiesTest, GiveTheStoreIdentifierAsItStands) {
     EXPECT_EQ(HelperUtilities::storeID(), "storeid");
 }
 
-TEST_F(HelperUtilitiesTest, StartACopyOfTheUninstallerInPlaceOfAnEarlierOne) {
-    configure("Remove It");
-    bundle_.withScript("Remove It", leaveNote_);
-    test::writeFile(copies_.parent_path() / "x", "");
-    fs::create_directory(copies_);
-    fs::permissions(copies_, fs::perms::owner_all);
-    for (const bool earlierWasDirectory : {false, true}) {
-        test::writeFile(copies_ / (earlierWasDirectory ? "Remove It/old" : "Remove It"), "old");
-        const auto [result, log] = launch();
-        EXPECT_TRUE(result);
-        EXPECT_EQ(log, "");
-        const std::string started = (copies_ / "Remove It").native() + "\n";
-        ASSERT_TRUE(test::becomesTrue([&] { return test::readFile(ran_) == started; }));
-        EXPECT_EQ(test::readFile(copies_ / "Remove It"),
-                  test::readFile(bundle_.executable("Remove It")));
-        fs::remove_all(copies_ / "Remove It");
-        fs::remove(ran_);
-    }
-}
-
 TEST_F(HelperUtilitiesTest, TellHowALaunchEnded) {
     const std::string notFound = "Uninstaller is not found at path: ";
     fs::copy_file("/bin/true", bundle_.executable("true"));
@@ -106,24 +86,28 @@ TEST_F(HelperUtilitiesTest, TellHowALaunchEnded) {
     EXPECT_THAT(launch().second, HasSubstr(notFound + "(null)\n"));
 }
 
-TEST_F(HelperUtilitiesTest, FollowNothingThatWasPutAtTheCopysPlace) {
+TEST_F(HelperUtilitiesTest, StartACopyInPlaceOfWhateverIsThereAndFollowNothing) {
     configure("Remove It");
-    bundle_.withScript("Remove It", "exit 0");
+    bundle_.withScript("Remove It", leaveNote_);
     const auto victim = TestHome::path() / "victim";
     test::writeFile(victim / "Remove It", "precious");
     const auto copy = copies_ / "Remove It";
     const std::function<void()> plants[] = {
+        [&] { test::writeFile(copy, "old"); },
+        [&] { test::writeFile(copy / "old", "old"); },
         [&] { fs::create_directory_symlink(victim, copy); },
         [&] { fs::create_symlink("/no/such/place", copy); },
         [&] { ASSERT_EQ(mkfifo(copy.c_str(), 0600), 0); },
-        [&] { fs::copy(victim, copy); },
     };
     for (const auto& plant : plants) {
         fs::remove_all(copies_);
-        fs::create_directory(copies_);
+        fs::remove(ran_);
+        fs::create_directories(copies_);
         fs::permissions(copies_, fs::perms::owner_all);
         plant();
         EXPECT_EQ(launch(), std::pair(true, std::string()));
+        const std::string started = copy.native() + "\n";
+        EXPECT_TRUE(test::becomesTrue([&] { return test::readFile(ran_) == started; }));
         EXPECT_EQ(test::readFile(copy), test::readFile(bundle_.executable("Remove It")));
         EXPECT_EQ(test::readFile(victim / "Remove It"), "precious");
     }
