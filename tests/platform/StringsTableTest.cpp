@@ -9,12 +9,6 @@ using testing::Each;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-struct Row {
-    const char* what;
-    std::string bytes;
-    StringsTable table;
-};
-
 /// Returns what the build makes of each document, std::nullopt where it finds an error. All in one
 /// process, because Python starts slowly.
 std::vector<std::optional<StringsTable>> builtTables(const std::vector<std::string>& documents) {
@@ -45,7 +39,7 @@ for file in (folder / "read").iterdir():
 }
 
 TEST(StringsTable, ReadsTheWholeSyntax) {
-    const Row rows[] = {
+    const std::tuple<const char*, std::string, StringsTable> rows[] = {
         {"quoted and bare words",
          "\"a b\" = \"c\"; storeid = acme-1.x;",
          {{"a b", "c"}, {"storeid", "acme-1.x"}}},
@@ -70,16 +64,13 @@ TEST(StringsTable, ReadsTheWholeSyntax) {
         {"UTF-16, big end first", std::string("\xfe\xff\0a\0=\0b\0;", 10), {{"a", "b"}}},
     };
     std::vector<std::string> documents;
-    for (const auto& row : rows) {
-        EXPECT_EQ(parseStringsTable(row.bytes, "x"), row.table) << row.what;
-        documents.push_back(row.bytes);
+    std::vector<std::optional<StringsTable>> tables;
+    for (const auto& [what, bytes, table] : rows) {
+        EXPECT_EQ(parseStringsTable(bytes, "x"), table) << what;
+        documents.push_back(bytes);
+        tables.emplace_back(table)->emplace("Product Name", "Acme");
     }
-    const auto built = builtTables(documents);
-    for (std::size_t i = 0; i < documents.size(); ++i) {
-        auto table = rows[i].table;
-        table.emplace("Product Name", "Acme");
-        EXPECT_EQ(built[i], table) << rows[i].what;
-    }
+    EXPECT_EQ(builtTables(documents), tables);
 }
 
 TEST(StringsTable, IsEmptyWithOneLineAboutTheFirstError) {

@@ -5,7 +5,6 @@
 #include "tests/support/Test.h"
 
 #include <csignal>
-#include <span>
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -25,32 +24,15 @@ class WorkspaceTest : public testing::Test {
     fs::path folder_ = TestHome::path() / "folder";
 };
 
-TEST_F(WorkspaceTest, RecyclesEntriesWithARestorePath) {
-    const std::pair<std::string, std::string> rows[] = {
-        {"plain.txt", "plain.txt"},
-        {"a b'c%d\"e", "a%20b%27c%25d%22e"},
-        {"line\nbreak", "line%0Abreak"},
-        {"latin \xe9", "latin%20%E9"},
-    };
-    for (const auto& [name, encoded] : rows) {
-        test::writeFile(folder_ / name, name);
-        ASSERT_EQ(workspace::moveToTrash(folder_ / name), kDone) << name;
-        EXPECT_FALSE(fs::exists(folder_ / name));
-        EXPECT_EQ(test::readFile(TestHome::trashedFile(name)), name);
-        EXPECT_THAT(TestHome::trashInfo(name), HasSubstr("/folder/" + encoded + "\n"));
-    }
-    // A name too long for its Trash entry fails and leaves the file unchanged.
-    const std::string longest(255, 'n');
-    test::writeFile(folder_ / longest, "x");
-    EXPECT_EQ(workspace::moveToTrash(folder_ / longest), std::errc::filename_too_long);
-    EXPECT_TRUE(fs::exists(folder_ / longest));
-}
-
 TEST_F(WorkspaceTest, RecyclesALinkAsSuchAndNothingButAnEntryOfTheDirectory) {
     test::writeFile(folder_ / "inner" / "file", "x");
     fs::create_symlink(folder_ / "inner", folder_ / "link");
     ASSERT_EQ(workspace::moveToTrash(folder_ / "link"), kDone);
     EXPECT_TRUE(fs::is_symlink(TestHome::trashedFile("link")));
+    const std::string longest(255, 'n'); // too long for its Trash entry
+    test::writeFile(folder_ / longest, "x");
+    EXPECT_EQ(workspace::moveToTrash(folder_ / longest), std::errc::filename_too_long);
+    EXPECT_TRUE(fs::exists(folder_ / longest));
     for (const char* name : {".", "..", "/", "missing", "inner/."}) {
         EXPECT_NE(workspace::moveToTrash(folder_ / name), kDone) << name;
     }
@@ -61,11 +43,9 @@ TEST_F(WorkspaceTest, RecyclesALinkAsSuchAndNothingButAnEntryOfTheDirectory) {
 class OpenedAddress : public WorkspaceTest {
   protected:
     OpenedAddress() {
-        std::string defaults = "[Default Applications]\n";
-        for (const char* scheme : {"http", "https", "file", "javascript"}) {
-            defaults += std::string("x-scheme-handler/") + scheme + "=opener.desktop\n";
-        }
-        test::writeFile(applications_ / "mimeapps.list", defaults);
+        test::writeFile(applications_ / "mimeapps.list",
+                        "[Default Applications]\nx-scheme-handler/http=opener.desktop\n"
+                        "x-scheme-handler/https=opener.desktop\n");
         test::writeFile(applications_ / "opener.desktop",
                         "[Desktop Entry]\nType=Application\nName=Opener\nExec=" + opener_.native() +
                             " %u\n");
@@ -187,70 +167,55 @@ TEST_F(OpenedAddress, StartsAProgramOnItsOwnLikeAFile) {
 }
 
 TEST_F(WorkspaceTest, TakesTheFirstPlaceThatIsTheUsersOwn) {
-    const auto tmp = TestHome::path() / "tmp";
-    const auto runtime = TestHome::path() / "runtime";
-    const auto elsewhere = TestHome::path() / "elsewhere";
+    const fs::path& home = TestHome::path();
+    const auto tmp = (home / "tmp").native();
+    const auto inner = (home / "elsewhere" / "inner").native();
     // Of this process alone, because one row uses /tmp.
     const std::string owner = "com.example.place-" + std::to_string(getpid());
-    const auto own = tmp / (owner + "-" + std::to_string(geteuid()));
-    const auto next = runtime / own.filename();
-    const auto second = own.native() + "-1";
-    setenv("XDG_RUNTIME_DIR", runtime.c_str(), 1);
-    const auto allow = [](const fs::path& path, fs::perms permissions) {
-        return [=] { fs::permissions(path, permissions); };
+    const std::string name = owner + "-" + std::to_string(geteuid());
+    const auto own = tmp + "/" + name;
+    const auto next = (home / "runtime" / name).native();
+    const auto second = own + "-1";
+    setenv("XDG_RUNTIME_DIR", (home / "runtime").c_str(), 1);
+    setenv("own", own.c_str(), 1);
+    fs::current_path(home);
+    // Commands that prepare the home, the user's TMPDIR, and the expected place.
+    const std::tuple<std::string, std::string, std::string> rows[] = {
+        {"true", tmp, own},
+        {"mkdir -m 700 $own", tmp, own},
+        {"mkdir -m 750 $own", tmp, second},
+        {"ln -s $PWD/runtime $own", tmp, second},
+        {"touch $own", tmp, second},
+        {"chmod 770 tmp", tmp, next},
+        {"chmod 777 tmp", tmp, next},
+        {"chmod 1777 tmp", tmp, own},
+        {"chmod 777 .", tmp, "/tmp/" + name},
+        {"rmdir tmp", tmp, next},
+        {"true", "tmp", next},
+        {"mkdir -p " + inner + " && chmod 777 elsewhere && ln -sfn $PWD/tmp elsewhere/inner/tmp",
+         inner + "/tmp", own},
+        {"true", inner, next}, // whose parent others can change
+        {"mkdir -m 700 $own && chown 65534 $own || true", tmp, geteuid() == 0 ? second : own},
     };
-    const auto useLinkIn = [&](const fs::path& directory) {
-        fs::create_directories(directory);
-        fs::create_directory_symlink(tmp, directory / "tmp");
-        fs::permissions(elsewhere, fs::perms::all);
-        setenv("TMPDIR", (directory / "tmp").c_str(), 1);
-    };
-    const std::tuple<const char*, std::function<void()>, fs::path> rows[] = {
-        {"nothing in the way", [] {}, own},
-        {"found again", [&] { fs::create_directory(own), allow(own, fs::perms::owner_all)(); },
-         own},
-        {"open to the group", [&] { fs::create_directory(own); }, second},
-        {"a link", [&] { fs::create_directory_symlink(runtime, own); }, second},
-        {"a file", [&] { test::writeFile(own, "x"); }, second},
-        {"changed by the group", allow(tmp, fs::perms::owner_all | fs::perms::group_all), next},
-        {"changed by all", allow(tmp, fs::perms::all), next},
-        {"sticky", allow(tmp, fs::perms::all | fs::perms::sticky_bit), own},
-        {"moved by all", allow(TestHome::path(), fs::perms::all), "/tmp" / own.filename()},
-        {"missing", [&] { fs::remove_all(tmp); }, next},
-        {"relative", [] { setenv("TMPDIR", "tmp", 1); }, next},
-        {"a link that others could change", [&] { useLinkIn(elsewhere / "inner"); }, own},
-        {"below what others can change",
-         [&] { setenv("TMPDIR", (elsewhere / "inner").c_str(), 1); }, next},
-        {"another user's, which root alone can make",
-         [&] {
-             fs::create_directory(own);
-             allow(own, fs::perms::owner_all)();
-             EXPECT_EQ(chown(own.c_str(), 65534, 65534), 0);
-         },
-         second},
-    };
-    fs::remove_all(elsewhere);
-    for (const auto& [what, arrange, expected] :
-         std::span(rows).first(std::size(rows) - (geteuid() == 0 ? 0 : 1))) {
-        for (const auto& place : {tmp, runtime}) {
-            fs::remove_all(place);
-            fs::create_directory(place);
-            fs::permissions(place, fs::perms::owner_all);
-        }
-        arrange();
-        auto found = replaceableTemporaryFile(owner, "copy", 0);
-        EXPECT_EQ(found.value_or(""), expected / "copy") << what;
-        test::writeFile(found.value_or("lost"), "earlier");
-        EXPECT_EQ(checkedTemporaryFile(owner, "copy", 7), found) << what;
-        EXPECT_EQ(checkedTemporaryFile(owner, "copy", UINTMAX_MAX / 2), std::nullopt) << what;
-        EXPECT_TRUE(fs::exists(*found)) << what;
-        found = found.value_or("").parent_path();
-        EXPECT_EQ(fs::status(*found).permissions(), fs::perms::owner_all) << what;
-        fs::permissions(TestHome::path(), fs::perms::owner_all);
-        setenv("TMPDIR", tmp.c_str(), 1);
+    for (const auto& [commands, variable, expected] : rows) {
+        SCOPED_TRACE(commands + ", TMPDIR=" + variable);
+        fs::remove_all(home / "tmp");
+        fs::remove_all(home / "runtime");
+        const auto arrange = "chmod 700 . && mkdir -m 700 tmp runtime && { " + commands + "; }";
+        ASSERT_EQ(std::system(arrange.c_str()), 0);
+        setenv("TMPDIR", variable.c_str(), 1);
+        const auto found = replaceableTemporaryFile(owner, "copy", 0);
+        ASSERT_EQ(found.value_or(""), expected + "/copy");
+        test::writeFile(*found, "earlier");
+        EXPECT_EQ(checkedTemporaryFile(owner, "copy", 7), found);
+        EXPECT_EQ(checkedTemporaryFile(owner, "copy", UINTMAX_MAX / 2), std::nullopt);
+        EXPECT_TRUE(fs::exists(*found));
+        EXPECT_EQ(fs::status(expected).permissions(), fs::perms::owner_all);
     }
+    fs::permissions(home, fs::perms::owner_all);
+    setenv("TMPDIR", tmp.c_str(), 1);
     unsetenv("XDG_RUNTIME_DIR");
-    fs::remove_all("/tmp" / own.filename());
+    fs::remove_all("/tmp/" + name);
 }
 
 } // namespace
