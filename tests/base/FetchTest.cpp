@@ -40,6 +40,7 @@ using test::LoopbackServer;
 using test::Reply;
 
 constexpr FetchLimits kShort{400ms, 800ms, 1000, 2000, 5};
+const std::string kHead = "HTTP/1.1 200 OK\r\n";
 constexpr auto kPatience = 8s; // above the limits under load, and below a transfer without limits
 
 std::optional<Data> fetchFrom(const LoopbackServer& server, const FetchLimits& limits = kShort) {
@@ -59,22 +60,21 @@ class Fetch : public testing::Test {
 };
 
 TEST_F(Fetch, GivesTheBodyOrNothingWhateverTheServerDoes) {
-    const std::string head = "HTTP/1.1 200 OK\r\n";
     const Row rows[] = {
         {"a body", httpReply("<a/>"), "<a/>"},
         {"an empty body", httpReply(""), ""},
-        {"a body that ends with the connection", {head + "\r\n<a/>"}, "<a/>"},
-        {"a length too long", {head + "Content-Length: 9\r\n\r\n<a/>"}},
-        {"a chunk that is cut", {head + "Transfer-Encoding: chunked\r\n\r\n9\r\n<a/>"}},
+        {"a body that ends with the connection", {kHead + "\r\n<a/>"}, "<a/>"},
+        {"a length too long", {kHead + "Content-Length: 9\r\n\r\n<a/>"}},
+        {"a chunk that is cut", {kHead + "Transfer-Encoding: chunked\r\n\r\n9\r\n<a/>"}},
         {"a body one byte too large", httpReply(std::string(1001, 'x'))},
-        {"and without its length", {head + "\r\n" + std::string(1001, 'x')}},
+        {"and without its length", {kHead + "\r\n" + std::string(1001, 'x')}},
         {"headers too large", httpReply("", "200 OK", "X: " + std::string(2000, 'y') + "\r\n")},
         {"no HTTP", {"<a/>"}},
-        {"a reset after what looks whole", {head + "\r\n<a/>", Reply::End::Reset}},
+        {"a reset after what looks whole", {kHead + "\r\n<a/>", Reply::End::Reset}},
         {"an endless chunk extension",
-         {head + "Transfer-Encoding: chunked\r\n\r\n1;" + std::string(100000, 'x'),
+         {kHead + "Transfer-Encoding: chunked\r\n\r\n1;" + std::string(100000, 'x'),
           Reply::End::Close, true}},
-        {"silence in the body", {head + "Content-Length: 9\r\n\r\n<a/>", Reply::End::Silence}},
+        {"silence in the body", {kHead + "Content-Length: 9\r\n\r\n<a/>", Reply::End::Silence}},
         {"a byte now and then, in the body",
          {httpReply(std::string(64, 'x')).bytes, Reply::End::Close, false, 10}},
         {"a redirect to a file",
@@ -94,11 +94,10 @@ TEST_F(Fetch, GivesTheBodyOrNothingWhateverTheServerDoes) {
 TEST_F(Fetch, NoticesAtOnceWhatIsTooLarge) {
     const FetchLimits limits;
     const auto memory = test::peakMemory();
-    const std::string head = "HTTP/1.1 200 OK\r\n";
     const Reply replies[] = {
-        {head + "\r\n" + std::string(65536, 'x'), Reply::End::Close, true},
-        {head + "X: " + std::string(70000, 'y') + "\r\n", Reply::End::Silence},
-        {head + "Content-Length: 10737418240\r\n\r\n", Reply::End::Silence},
+        {kHead + "\r\n" + std::string(65536, 'x'), Reply::End::Close, true},
+        {kHead + "X: " + std::string(70000, 'y') + "\r\n", Reply::End::Silence},
+        {kHead + "Content-Length: 10737418240\r\n\r\n", Reply::End::Silence},
     };
     for (const auto& reply : replies) {
         const LoopbackServer server(reply);

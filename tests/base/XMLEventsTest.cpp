@@ -7,6 +7,8 @@
 namespace base {
 namespace {
 
+using test::repeated;
+
 /// Records the events as a text: "<a" for a start, "a>" for an end, "!" for the error, and texts.
 class Recorder final : public XMLEventDelegate {
   public:
@@ -32,14 +34,6 @@ std::string eventsOf(std::string_view document) {
     const bool whole = parseXML(document, recorder);
     EXPECT_EQ(whole, recorder.events.find('!') == std::string::npos) << document.substr(0, 200);
     return recorder.events;
-}
-
-std::string repeated(const std::string& text, int count) {
-    std::string result;
-    while (count-- > 0) {
-        result += text;
-    }
-    return result;
 }
 
 TEST(XMLEvents, DeliverWhatADocumentHoldsAndNothingElseThatItNames) {

@@ -4,24 +4,18 @@
 
 #include "tools/RecordJSON.h"
 
+#include <regex>
+
 namespace store {
 namespace {
 
 /// Returns JSON without quotes and without absent or false values.
-std::string shortened(std::string text) {
-    std::erase(text, '"');
-    for (const std::string absent : {":null", ":false"}) {
-        for (auto at = text.find(absent); at != std::string::npos; at = text.find(absent)) {
-            auto start = text.find_last_of("{,", at);
-            auto end = at + absent.size();
-            if (text[start] == '{') {
-                ++start;
-                end += text[end] == ',' ? 1U : 0U;
-            }
-            text.erase(start, end - start);
-        }
-    }
-    return text;
+std::string shortened(const std::string& text) {
+    const std::regex absent(R"(,?"\w+":(null|false))");
+    std::string result = std::regex_replace(text, absent, "");
+    result = std::regex_replace(result, std::regex("\\{,"), "{"); // after an absent first value
+    std::erase(result, '"');
+    return result;
 }
 
 /// Returns all values that the answer sets, "(no record)", or the failure's name.
@@ -36,14 +30,10 @@ std::string outcomeOf(const std::string& answer) {
     }
 }
 
-struct Row {
-    std::string content; ///< of an "order" element
-    std::string outcome;
-};
-
-void expectOutcomes(std::initializer_list<Row> rows) {
-    for (const auto& row : rows) {
-        EXPECT_EQ(outcomeOf("<order>" + row.content + "</order>"), row.outcome) << row.content;
+/// Checks the outcomes of contents of an "order" element.
+void expectOutcomes(std::initializer_list<std::pair<std::string, std::string>> rows) {
+    for (const auto& [content, outcome] : rows) {
+        EXPECT_EQ(outcomeOf("<order>" + content + "</order>"), outcome) << content;
     }
 }
 

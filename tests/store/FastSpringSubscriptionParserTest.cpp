@@ -5,20 +5,11 @@
 namespace store {
 namespace {
 
-std::shared_ptr<FastSpringSubscription> parsed(const std::string& answer) {
-    return FastSpringSubscriptionParser(answer).parseSubscription();
-}
-
-/// An answer and the status of its record. "(none)" stands for an absent status, "(no record)" for
-/// an absent record, "(fails)" for an unreadable date.
-struct Row {
-    const char* answer;
-    const char* status;
-};
-
+/// Returns the status of an answer's record. "(none)" stands for an absent status, "(no record)"
+/// for an absent record, "(fails)" for an unreadable date.
 std::string statusOf(const std::string& answer) {
     try {
-        const auto record = parsed(answer);
+        const auto record = FastSpringSubscriptionParser(answer).parseSubscription();
         return record ? record->status.value_or("(none)") : "(no record)";
     } catch (const std::out_of_range&) {
         return "(fails)";
@@ -26,7 +17,7 @@ std::string statusOf(const std::string& answer) {
 }
 
 TEST(SubscriptionParser, TakesEachFieldByItsNameAlone) {
-    const Row rows[] = {
+    const std::pair<const char*, const char*> rows[] = {
         {"<a><status>x</status></a>", "(no record)"},
         {"<subscription/>", "(none)"},
         {"<SUBSCRIPTION><STATUS>x</STATUS></SUBSCRIPTION>", "x"},
@@ -48,8 +39,8 @@ TEST(SubscriptionParser, TakesEachFieldByItsNameAlone) {
         {"<a><end>never</end></a>", "(fails)"},
         {"<subscription><status>x</status><end>soonZ</end></subscription>", "x"},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(statusOf(row.answer), row.status) << row.answer;
+    for (const auto& [answer, status] : rows) {
+        EXPECT_EQ(statusOf(answer), status) << answer;
     }
 }
 

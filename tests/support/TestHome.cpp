@@ -60,10 +60,6 @@ fs::path TestHome::trashedFile(const std::string& name) {
     return path() / "data" / "Trash" / "files" / name;
 }
 
-std::string TestHome::trashInfo(const std::string& name) {
-    return readFile(path() / "data" / "Trash" / "info" / (name + ".trashinfo"));
-}
-
 fs::path TestHome::temporaryDirectory() {
     return path() / "tmp" / (HELPER_IDENTIFIER "-" + std::to_string(geteuid()));
 }
@@ -101,6 +97,18 @@ void writeFile(const fs::path& path, std::string_view content, bool executable) 
 std::string readFile(const fs::path& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::string repeated(const std::string& text, std::size_t count, std::size_t number) {
+    std::string result;
+    for (const std::size_t end = number + count; number < end; ++number) {
+        for (const char character : text) {
+            result += character == '@'   ? std::to_string(number)
+                      : character == '~' ? std::to_string(number - 1)
+                                         : std::string(1, character);
+        }
+    }
+    return result;
 }
 
 bool becomesTrue(const std::function<bool()>& condition) {

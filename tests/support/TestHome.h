@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -16,7 +17,6 @@ class TestHome {
 
     [[nodiscard]] static const std::filesystem::path& path();
     [[nodiscard]] static std::filesystem::path trashedFile(const std::string& name);
-    [[nodiscard]] static std::string trashInfo(const std::string& name);
     /// Returns the directory for the uninstaller's copy.
     [[nodiscard]] static std::filesystem::path temporaryDirectory();
 };
@@ -50,6 +50,9 @@ void setStorePort(int port);
 void writeFile(const std::filesystem::path& path, std::string_view content,
                bool executable = false);
 [[nodiscard]] std::string readFile(const std::filesystem::path& path);
+/// Returns a text many times, each with "@" replaced by its number, and "~" by the number before.
+[[nodiscard]] std::string repeated(const std::string& text, std::size_t count,
+                                   std::size_t number = 1);
 /// Waits up to ten seconds until the condition holds. Returns whether it does.
 [[nodiscard]] bool becomesTrue(const std::function<bool()>& condition);
 /// Waits up to ten seconds until the file exists. Returns whether it does.
