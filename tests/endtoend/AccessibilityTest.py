@@ -38,8 +38,7 @@ def window(texts: dict[str, str]) -> set[tuple[str, str, str]]:
 
 class AccessibilityTest(TestCase):
     def call(self, *words: str) -> str:
-        return subprocess.run(["gdbus", "call", *words], env=self.environment, text=True,
-                              capture_output=True, check=True).stdout
+        return self.run_command("gdbus", "call", *words, env=self.environment).stdout
 
     def ask(self, place: Place, method: str, *words: str) -> str:
         return self.call("--address", self.address, "--dest", place[0], "--object-path", place[1],

@@ -1,6 +1,7 @@
 """Tests the helper from outside, with the real bundle, store, window and Trash."""
 
 import contextlib
+import fcntl
 import fnmatch
 import json
 import os
@@ -15,7 +16,7 @@ import time
 import unittest
 from typing import Any
 
-from tests.endtoend.support import BUILD, SANITIZE, TestCase, rows
+from tests.endtoend.support import BUILD, SANITIZE, TestCase, put, rows
 from kit.desktop import Environment, Process, desktop, end, start_bus, wait_for, wayland_desktop
 from kit.stage import BUNDLE, HELPER_DOMAIN, Stage, Store, Window
 
@@ -26,16 +27,6 @@ def answering(answer: str | None) -> contextlib.AbstractContextManager[Any]:
     if answer is None:
         return contextlib.nullcontext()
     return Store(BUILD, "--answer", answer)
-
-
-def put(file: pathlib.Path, text: str | None) -> None:
-    """Replaces a file by a text, by a directory if the text is "/", or by nothing if it is None."""
-    file.unlink(missing_ok=True)
-    file.parent.mkdir(parents=True, exist_ok=True)
-    if text == "/":
-        file.mkdir()
-    elif text is not None:
-        file.write_text(text)
 
 
 class StartTest(TestCase):
@@ -295,24 +286,12 @@ class DesktopTest(TestCase):
             self.assertRegex(self.finish(process), r"(?s)needs cannot be loaded: .*: file too short\n.*Could not trash")
 
     def test_a_removal_goes_on_whatever_its_launcher_does(self) -> None:
-        def broken_pipe() -> int:
-            reader, writer = os.pipe()
-            os.close(reader)
-            return writer
-
-        def full_pipe() -> int:
-            reader, writer = os.pipe()
-            self.addCleanup(os.close, reader)
-            os.set_blocking(writer, False)
-            with contextlib.suppress(BlockingIOError):
-                while os.write(writer, b"x"):
-                    pass
-            os.set_blocking(writer, True)
-            return writer
-
+        (broken_reader, broken), (full_reader, full) = os.pipe(), os.pipe()
+        os.close(broken_reader)
+        self.addCleanup(os.close, full_reader)
+        os.write(full, bytes(fcntl.fcntl(full, fcntl.F_GETPIPE_SZ)))
         for number, (stderr, signals) in enumerate((
-                (broken_pipe(), ()), (full_pipe(), ()),
-                (subprocess.DEVNULL, (signal.SIGINT, signal.SIGTERM, signal.SIGHUP)))):
+                (broken, ()), (full, ()), (subprocess.DEVNULL, (signal.SIGINT, signal.SIGTERM, signal.SIGHUP)))):
             stage = self.make_stage(str(number))
             stage.program().with_name("Uninstall Acme Studio").unlink()  # a line before the last step
             with self.subTest(number), Store(BUILD, "--delay", "1500"):
@@ -383,11 +362,10 @@ class DesktopTest(TestCase):
         # With reduced motion the spinner is visible and stands still. Quitting does not wait for an answer.
         stage = self.make_stage()
         settings = stage.config / "glib-2.0/settings/keyfile"
-        settings.parent.mkdir(parents=True)
         still = None
         for animations in ("false", "true"):
             text = f"[org/gnome/desktop/interface]\nenable-animations={animations}\ncolor-scheme='prefer-dark'\n"
-            settings.write_text(text)
+            put(settings, text)
             with Store(BUILD, "--delay", "20000") as store:
                 process = self.begin(stage, GSETTINGS_BACKEND="keyfile", QT_QPA_PLATFORMTHEME="gtk3")
                 for scheme, is_dark in (("default", False), ("prefer-dark", True)):  # changed while it is open
@@ -414,17 +392,15 @@ class DesktopTest(TestCase):
         stage = self.make_stage(reference="DEMO-KEEP")
         kept, opened = self.folder / "kept", self.folder / "opened"
         shutil.copytree(stage.bundle, kept, symlinks=True)
-        browser = self.folder / "browser"
-        browser.write_text(f"#!/bin/sh\nprintf '%s\\n' \"$@\" >'{opened}.new'\n"
-                           f"mv '{opened}.new' '{opened}'\nexec sleep 30\n")
-        browser.chmod(0o755)
+        put(self.folder / "browser", f"#!/bin/sh\nprintf '%s\\n' \"$@\" >'{opened}.new'\n"
+            f"mv '{opened}.new' '{opened}'\nexec sleep 30\n", 0o755)
         bus, address = start_bus(self.desktop)
         self.addCleanup(bus.stdout.close)
         self.addCleanup(end, bus)
         self.addCleanup(bus.send_signal, signal.SIGCONT)
         with Store(BUILD) as store:
             for answers in (True, False):
-                stage.set_browser(f"{browser} %u")
+                stage.set_browser(f"{self.folder / 'browser'} %u")
                 process = self.begin(stage, DBUS_SESSION_BUS_ADDRESS=address)
                 bus.send_signal(signal.SIGCONT if answers else signal.SIGSTOP)
                 self.window.press_remove()

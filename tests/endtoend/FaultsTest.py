@@ -12,7 +12,7 @@ import unittest
 from collections.abc import Callable
 from typing import Any
 
-from tests.endtoend.support import BUILD, LONG, TestCase, as_ordinary_user, content
+from tests.endtoend.support import BUILD, LONG, TestCase, as_ordinary_user, content, put
 from kit.desktop import Environment, wait_for
 from kit.stage import HELPER_DOMAIN
 
@@ -69,15 +69,11 @@ class RemovalCase(TestCase):
         self.bundle = home / "Applications/Own.app"
         self.note = self.folder / "note"
         uninstaller = self.bundle / "Contents/Linux/Remove.app/Contents/Linux"
-        uninstaller.mkdir(parents=True)
-        (self.bundle / "Contents/Info.plist").write_text("<plist/>")
-        (self.bundle / "Contents/Resources").mkdir()
-        (self.bundle / "Contents/Resources/Configuration.strings").write_text(
-            '"Application Uninstaller" = "Remove.app";')
-        (home / "run").mkdir()
-        (uninstaller / "Remove").write_text(f"#!/bin/sh\necho ran >>'{self.note}'\n")
-        (uninstaller / "Remove").chmod(0o755)
-        (uninstaller / "data").write_bytes(bytes(100000))
+        put(home / "run", "/")
+        put(self.bundle / "Contents/Info.plist", "<plist/>")
+        put(self.bundle / "Contents/Resources/Configuration.strings", '"Application Uninstaller" = "Remove.app";')
+        put(uninstaller / "Remove", f"#!/bin/sh\necho ran >>'{self.note}'\n", 0o755)
+        put(uninstaller / "data", "\0" * 100000)
         (uninstaller / "link").symlink_to("data")
         (uninstaller / "dangling").symlink_to("/nowhere")
         self.copy = home / f"tmp/{HELPER_DOMAIN}-{os.geteuid()}/Remove.app"
@@ -100,9 +96,8 @@ class RemovalCase(TestCase):
                        *self.folder.glob(f"home/*/{HELPER_DOMAIN}-*")):
             shutil.rmtree(folder, ignore_errors=True)
         shutil.copytree(self.kept, self.bundle, symlinks=True)
-        (self.copy / "Contents").mkdir(parents=True)
+        put(self.copy / "Contents/old", "old")
         self.copy.parent.chmod(0o700)
-        (self.copy / "Contents/old").write_text("old")
 
     def assert_whole(self, status: int | None = None) -> None:
         """Checks that the bundle is complete, and either unmoved or in the Trash with its restore path. A `status`
@@ -158,14 +153,12 @@ class RemovalFaultsTest(RemovalCase):
         self.prepare()
         locked = self.bundle / "Contents/Linux/Remove.app/Contents/Linux"
         locked.chmod(0o555)
-        self.addCleanup(locked.chmod, 0o755)
-        command = [*as_ordinary_user(self.folder), STEP, "launch", str(self.bundle)]
+        user = as_ordinary_user(self.folder)
         for _ in range(2):
-            subprocess.run(command, env=self.environment, check=True)
+            self.run_command(*user, STEP, "launch", self.bundle, env=self.environment)
             copy = next(self.folder.glob("home/tmp/*/Remove.app/Contents/Linux"))
             self.assertEqual(copy.stat().st_mode & 0o777, 0o755)
             copy.chmod(0o555)  # by the uninstaller
-        copy.chmod(0o755)
 
     def test_the_bundle_is_whole_at_its_place_or_in_the_trash(self) -> None:
         self.with_each_fault("trash", self.assert_whole)
@@ -177,13 +170,11 @@ class MountsTest(RemovalCase):
     OWN_MOUNTS = ["unshare", "--mount", *(["--user", "--map-root-user"] if os.geteuid() else [])]
 
     def step(self, step: str) -> int:
-        return subprocess.run([STEP, step, str(self.bundle)], env=self.environment, cwd=self.folder,
-                              check=False, capture_output=True).returncode
+        return self.run_command(STEP, step, self.bundle, status=None, env=self.environment, cwd=self.folder).returncode
 
     def mount(self, *arguments: object) -> None:
-        subprocess.run(["mount", *map(str, arguments)], check=True)
-        self.addCleanup(subprocess.run, ["umount", "-l", str(arguments[-1])], check=False,
-                        capture_output=True, text=True)
+        self.run_command("mount", *arguments)
+        self.addCleanup(self.run_command, "umount", "-l", arguments[-1], status=None)
 
     def mount_tmpfs(self, folder: pathlib.Path, size: str) -> None:
         """Replaces a directory by a file system with the same content."""
@@ -261,14 +252,11 @@ class MountsTest(RemovalCase):
             subprocess.run([*self.OWN_MOUNTS, sys.executable, "-m", "tests.endtoend.FaultsTest", "MountsTest"],
                            check=True, env=os.environ | {"HELPER_MOUNTS": "1"})
             return
-        for condition in (self.on_a_read_only_one, self.on_another_one_than_home,
-                          self.on_one_with_large_inode_numbers, self.with_a_home_that_is_read_only,
-                          self.on_a_full_one, self.without_execution, self.on_one_with_room_for_one_copy,
-                          self.with_a_relative_data_directory, self.with_a_system_log):
+        for condition in [name for name in dir(self) if name.startswith(("on_", "with_", "without_"))]:
             self.setUp()
-            with self.subTest(condition.__name__):
+            with self.subTest(condition):
                 self.prepare()
-                condition()
+                getattr(self, condition)()
                 self.assert_whole()
 
 

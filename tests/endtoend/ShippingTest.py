@@ -11,7 +11,7 @@ import sys
 import tempfile
 import unittest
 
-from tests.endtoend.support import BUILD, LONG, SANITIZE, TestCase, as_ordinary_user, content, rows
+from tests.endtoend.support import BUILD, LONG, SANITIZE, TestCase, as_ordinary_user, content, put, rows
 from kit.desktop import Process, desktop, wait_for
 from kit.stage import BUNDLE, PROJECT, Store, Window
 
@@ -71,11 +71,9 @@ class InstallerTest(TestCase):
         helper = self.folder / name / BUNDLE
         program = helper / "Contents/Linux/Subscription Helper"
         entry = helper / "Contents/Resources/share/applications/com.globex.leave.desktop"
-        for file, text in ((program, "#!/bin/sh\n"), (entry, "@BUNDLE@"), (helper / "version", version),
-                           (helper / "locked/file", "")):
-            file.parent.mkdir(parents=True, exist_ok=True)
-            file.write_text(text)
-        program.chmod(0o755 if version else 0o644)
+        for file, text in ((entry, "@BUNDLE@"), (helper / "version", version), (helper / "locked/file", "")):
+            put(file, text)
+        put(program, "#!/bin/sh\n", 0o755 if version else 0o644)
         (helper / "locked").chmod(0o555)
         package = self.folder / f"{name}.tar.gz"
         self.run_command("tar", "-czf", package, "-C", helper.parent, BUNDLE)
@@ -122,8 +120,7 @@ class InstallerTest(TestCase):
         self.assertEqual((home / ".local/share/applications/com.globex.leave.desktop").read_text(),
                          str(home / "Applications" / BUNDLE))
         for name in (".config/com.globex.leave.lock", f".cache/com.globex.leave-{65534 if user else os.getuid()}/copy"):
-            (home / name).parent.mkdir(parents=True, exist_ok=True)
-            (home / name).touch()
+            put(home / name, "")
         as_ordinary_user(self.folder)  # who also owns the new files
         self.run_command(*installer, "--remove", *good[1:3], "com.globex.leave", env=environment)
         self.assertEqual([path.name for path in home.rglob("*") if path.is_file()], [settings.name])
@@ -132,8 +129,7 @@ class InstallerTest(TestCase):
     def test_a_debian_package_installs_the_helper_for_a_customer(self) -> None:
         home, root, product = (self.folder / name for name in ("home", "root", "product.deb"))
         home.mkdir()
-        (root / "var/lib/dpkg").mkdir(parents=True)
-        (root / "var/lib/dpkg/status").touch()
+        put(root / "var/lib/dpkg/status", "")
         new = self.package("new", "2")
         user = as_ordinary_user(self.folder)
         for command in rows(
@@ -146,10 +142,8 @@ class InstallerTest(TestCase):
 
 class DemoTest(TestCase):
     def test_it_shows_every_step_where_the_window_manager_is_slow(self) -> None:
-        manager = self.folder / "openbox"
-        manager.write_text('#!/bin/sh\nexec strace -D -o /dev/null -e inject=openat:delay_enter=1000 '
-                           f'{shutil.which("openbox")} "$@"\n')
-        manager.chmod(0o755)
+        put(self.folder / "openbox", '#!/bin/sh\nexec strace -D -o /dev/null -e inject=openat:delay_enter=1000 '
+            f'{shutil.which("openbox")} "$@"\n', 0o755)
         shown = self.run_command(
             "env", "--unset=DISPLAY", "--unset=WAYLAND_DISPLAY", f"PATH={self.folder}:{os.environ['PATH']}",
             sys.executable, "-m", "demo.demo", BUILD, self.folder / "demo", cwd=PROJECT, timeout=120).stdout
@@ -162,8 +156,7 @@ class DemoTest(TestCase):
 class PackagingTest(TestCase):
     def setUp(self) -> None:
         super().setUp()
-        (self.folder / "script").write_text('#!/bin/sh\necho ran >"$HOME/removed"\n')
-        (self.folder / "script").chmod(0o755)
+        put(self.folder / "script", '#!/bin/sh\necho ran >"$HOME/removed"\n', 0o755)
         for name in ("Remove Globex", "It's.sh", "Subscription Helper"):
             (self.folder / name).symlink_to("script")
         (self.folder / "Empty.app").mkdir()

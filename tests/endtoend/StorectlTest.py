@@ -1,12 +1,10 @@
 """The command line of the store client, against the demo store and a store that answers anything."""
 
-import contextlib
 import http.server
 import json
 import os
-import pty
 import re
-import select
+import shlex
 import signal
 import subprocess
 import textwrap
@@ -14,6 +12,8 @@ import threading
 import unittest
 from collections.abc import Callable
 from typing import Any
+
+import pexpect  # type: ignore[import]
 
 from tests.endtoend.support import BUILD, TestCase, rows
 from kit.desktop import wait_for
@@ -31,6 +31,13 @@ def run(*words: str, given: str = "", redirection: str = "", **options: Any) -> 
     result = subprocess.run(["bash", "-c", f'exec "$0" "$@" {redirection}', PROGRAM, *words], text=True, input=given,
                             capture_output=True, check=False, start_new_session=True, **options)
     return result.returncode, result.stdout, result.stderr
+
+
+def in_terminal(*words: str, given: str = "", reply: str = "") -> tuple[str, int]:
+    """Runs the program on a terminal of its own, and types a reply to its question. Returns what the terminal shows and
+    the status."""
+    command = shlex.join(["sh", "-c", 'printf %s "$0" | "$@"', given, PROGRAM, *words])
+    return pexpect.run(command, 60, True, [(r"\[y/N\] ", reply)], encoding="utf-8", codec_errors="replace")
 
 
 def references_of(store: Store) -> list[str]:
@@ -68,37 +75,6 @@ class AnyStore(http.server.ThreadingHTTPServer):
             if reply is not None:
                 self.wfile.write(f"HTTP/1.1 {reply[0]}\r\nContent-Length: {len(reply[1].encode())}\r\n\r\n"
                                  f"{reply[1]}".encode())
-
-
-class Terminal:
-    """A program with its own terminal, and the terminal's content."""
-
-    def __init__(self, *words: str, given: str | None = None, **environment: str) -> None:
-        self.shown = ""
-        self.process, self._screen = pty.fork()
-        if self.process == 0:
-            if given is not None:
-                reading, writing = os.pipe()
-                os.write(writing, given.encode())
-                os.close(writing)
-                os.dup2(reading, 0)
-            os.execve(words[0], words, {**os.environ, "TERM": "dumb", **environment})
-
-    def type(self, text: str) -> None:
-        os.write(self._screen, text.encode())
-
-    def wait(self, text: str | None = None) -> int | None:
-        """Waits until the terminal shows the text or the program exits."""
-        while text is None or text not in self.shown:
-            if not select.select([self._screen], [], [], 60)[0]:
-                raise TimeoutError(f"{text} is not shown: {self.shown}")
-            with contextlib.suppress(OSError):  # the end of the program
-                if read := os.read(self._screen, 1000):
-                    self.shown += read.decode(errors="replace")
-                    continue
-            os.close(self._screen)
-            return os.waitstatus_to_exitcode(os.waitpid(self.process, 0)[1])
-        return None
 
 
 class StorectlTest(TestCase):
@@ -157,13 +133,11 @@ class StorectlTest(TestCase):
                 self.assertIn("1 found. Nothing was canceled" if isDry else "without a terminal", errors)
             for reply, status in (("\n", USAGE), ("no\n", USAGE), ("yet\n", USAGE), ("yes\n", NONE)):
                 self.assertFalse([line for line in store.requests if "delete" in line])
-                terminal = Terminal(PROGRAM, "cancel", "-", given=listed)
-                terminal.wait("[y/N] ")
-                terminal.type(reply)
-                self.assertEqual(terminal.wait(), status)
-                self.assertRegex(terminal.shown, r"left out 2 duplicates\r\nstorectl: cancel 4 subscriptions at "
+                shown, ended = in_terminal("cancel", "-", given=listed, reply=reply)
+                self.assertEqual(ended, status)
+                self.assertRegex(shown, r"left out 2 duplicates\r\nstorectl: cancel 4 subscriptions at "
                                  r"127\.0\.0\.1:\d+: A, DEMO-1001, DEMO-KEEP and 1 more\? \[y/N\] ")
-                self.assertIn("nothing was canceled" if status == USAGE else "2 confirmed, 2 refused", terminal.shown)
+                self.assertIn("nothing was canceled" if status == USAGE else "2 confirmed, 2 refused", shown)
             self.assertEqual(references_of(store)[1:], ["A", "DEMO-1001", "DEMO-KEEP", "DEMO-1002"])
             code, _, errors = run("cancel", "-y", "DEMO-1001", "A", redirection=">/dev/full")
             self.assertEqual(code, FAILURE)
@@ -237,12 +211,11 @@ class StorectlTest(TestCase):
         answer = f"<a><subscription><status>{controls[:-1]}</status></subscription></a>"
         with Store(BUILD, "--answer", answer):
             for words in (("A", "B"), ("A", controls, "--format", "table"), ("A", "--format=table")):
-                terminal = Terminal(PROGRAM, "subscription", *words)
-                terminal.wait()
-                self.assertFalse([each for each in controls if each in terminal.shown], terminal.shown)
-                self.assertIn("\\u009b" if "B" in words else "\\xc2\\x9b", terminal.shown)
-                self.assertEqual("\r      \r" in terminal.shown, "--format=table" not in words)
-            self.assertRegex(terminal.shown, r"isCancelable +false")
+                shown, _ = in_terminal("subscription", *words)
+                self.assertFalse([each for each in controls if each in shown], shown)
+                self.assertIn("\\u009b" if "B" in words else "\\xc2\\x9b", shown)
+                self.assertEqual("\r      \r" in shown, "--format=table" not in words)
+            self.assertRegex(shown, r"isCancelable +false")
             self.assertNotIn(" of ", run("subscription", "A", "B")[2])
 
     def test_tables_are_aligned(self) -> None:
@@ -331,21 +304,20 @@ class StorectlTest(TestCase):
         (self.folder / "answer.xml").write_text("<a/>")
         for shell, *words in (("bash", "--norc", "--noprofile", "-i"), ("zsh", "-f", "-i"),
                               ("fish", "--no-config", "-i")):
-            terminal = Terminal("/usr/bin/env", "-C", str(self.folder), shell, *words, HOME=str(self.folder),
-                                PATH=f"{os.path.dirname(PROGRAM)}:{os.environ['PATH']}")
+            terminal = pexpect.spawn(shell, words, 60, cwd=self.folder, env=os.environ | {
+                "HOME": str(self.folder), "TERM": "dumb", "PATH": f"{os.path.dirname(PROGRAM)}:{os.environ['PATH']}"})
             setup = {"bash": "source <(storectl completion bash)", "fish": "storectl completion fish | source",
                      "zsh": "autoload -U compinit; compinit -u -D; source <(storectl completion zsh)"}[shell]
-            terminal.type(f"{setup}; echo re''ady\n")
-            terminal.wait("ready")
+            terminal.send(f"{setup}; echo re''ady\n")
+            terminal.expect_exact("ready")
             for typed, expected in (("su", "subscription: REF is required"), ("cancel --dr", "cancel: REF is required"),
                                     ("order --format t", "order: REF is required"),
                                     ("order --format=t", "order: REF is required"),
                                     ("parse sub\tans", '"result": "none"')):
-                terminal.shown = ""
-                terminal.type(f"storectl {typed}\t\n")
-                terminal.wait(expected)
-            terminal.type("exit\n")
-            terminal.wait()
+                terminal.send(f"storectl {typed}\t\n")
+                terminal.expect_exact(expected)
+            terminal.send("exit\n")
+            terminal.expect(pexpect.EOF)
 
 
 if __name__ == "__main__":

@@ -35,6 +35,17 @@ def as_ordinary_user(folder: pathlib.Path) -> list[str]:
     return ["setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"]
 
 
+def put(file: pathlib.Path, text: str | None, mode: int = 0o644) -> None:
+    """Replaces a file by a text, by a directory if the text is "/", or by nothing if it is None."""
+    file.unlink(missing_ok=True)
+    file.parent.mkdir(parents=True, exist_ok=True)
+    if text == "/":
+        file.mkdir()
+    elif text is not None:
+        file.write_text(text)
+        file.chmod(mode)
+
+
 def rows(*table: Any) -> tuple[Any, ...]:
     """Returns a table of cases, whose rows may have values of any types."""
     return table
