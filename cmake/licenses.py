@@ -146,8 +146,9 @@ def main() -> None:
         own["licenseDeclared"] = own["licenseConcluded"] = "LicenseRef-company"
         document["hasExtractedLicensingInfos"] = [
             {"licenseId": "LicenseRef-company", "extractedText": pathlib.Path(license_).read_text()}]
+    # The list lacks the resources, and SPDX lets only a package whose files are all listed contain any.
     relations = [("SPDXRef-DOCUMENT", "DESCRIBES", own["SPDXID"]),
-                 *((own["SPDXID"], "CONTAINS", file["SPDXID"]) for file in files.values()), *relations]
+                 *((own["SPDXID"], "DISTRIBUTION_ARTIFACT", file["SPDXID"]) for file in files.values()), *relations]
     document["relationships"] = [
         {"spdxElementId": one, "relationshipType": kind, "relatedSpdxElement": other}
         for one, kind, other in relations]
