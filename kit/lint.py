@@ -17,7 +17,8 @@ import sys
 from kit.stage import PROJECT
 
 TIDY = "clang-tidy-14"
-HAS_NO_COMMAND = "platform/macos/ExecutablePath.cpp"  # and includes headers of macOS
+# These have no command, and include headers of macOS.
+OF_MACOS = [f"platform/macos/{name}.cpp" for name in ("ExecutablePath", "Preferences", "UserDefaults")]
 
 
 def output(*words: str | pathlib.Path) -> str:
@@ -67,7 +68,7 @@ def main() -> None:
             command = re.sub(r" -o .*", "", commands[source]["command"])
             parts = [version, command, *map(digest, [*checks, *included[source]])]
             key = hashlib.sha256("\n".join(parts).encode()).hexdigest()
-        if name != HAS_NO_COMMAND and ("--all" in sys.argv or not key or not (records / key).exists()):
+        if name not in OF_MACOS and ("--all" in sys.argv or not key or not (records / key).exists()):
             work.append((key, source))
     print(f"lint: {len(work)} sources to check", flush=True)
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:

@@ -6,6 +6,7 @@ import plistlib
 import sys
 from pathlib import Path
 
+from PIL import Image  # type: ignore[import]
 from macholib.mach_o import LC_LOAD_DYLIB, LC_RPATH  # type: ignore[import]
 from macholib.MachO import MachO, MachOHeader  # type: ignore[import]
 
@@ -23,10 +24,9 @@ def errors_in(contents: Path) -> list[str]:
     with open(contents / "Info.plist", "rb") as file:
         properties = plistlib.load(file)
     errors = []
-    named = {"CFBundleExecutable": "MacOS", "CFBundleIconFile": "Resources"}
-    for key, directory in named.items():
-        if not (contents / directory / properties[key]).is_file():
-            errors.append(f"Info.plist: {key} names a missing file: {properties[key]}")
+    icon = contents / "Resources" / f"{properties['CFBundleIconFile']}.icns"
+    if not icon.is_file() or max(Image.open(icon).info["sizes"]) < (256, 256, 1):
+        errors.append(f"{icon.name}: not an icon of 256 pixels")
     for path in (contents / "MacOS" / properties["CFBundleExecutable"], contents / "Frameworks" / LIBRARY):
         headers = MachO(str(path)).headers
         processors = sorted(PROCESSORS.get(header.header.cputype, "unknown") for header in headers)

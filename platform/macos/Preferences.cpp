@@ -1,14 +1,12 @@
 #include "platform/Preferences.h"
 
-#include <QDir>
-#include <QSettings>
+#include <CoreFoundation/CoreFoundation.h>
 
 namespace platform {
 
 bool wantsReducedMotion() {
-    const QString file =
-        QDir::homePath() + QStringLiteral("/Library/Preferences/com.apple.universalaccess.plist");
-    return QSettings(file, QSettings::NativeFormat).value(QStringLiteral("reduceMotion")).toBool();
+    return CFPreferencesGetAppBooleanValue(CFSTR("reduceMotion"),
+                                           CFSTR("com.apple.universalaccess"), nullptr) != 0;
 }
 
 bool prefersDark() {

@@ -1,62 +1,93 @@
 #include "platform/UserDefaults.h"
 
-#include <QDateTime>
-#include <QDir>
-#include <QSettings>
-#include <QVariant>
+#include "base/Handle.h"
+#include "platform/LastError.h"
+#include "platform/macos/AbsoluteTime.h"
+
+#include <type_traits>
+
+#include <CoreFoundation/CoreFoundation.h>
+#include <pwd.h>
+#include <unistd.h>
 
 namespace platform {
 namespace {
 
-QSettings settingsIn(const std::filesystem::path& file) {
-    return {QString::fromStdString(file.native()), QSettings::NativeFormat};
+template <class Reference>
+using Owned = base::Handle<std::remove_pointer_t<Reference>, CFRelease>;
+using Text = Owned<CFStringRef>;
+
+Text stringOf(std::string_view text) {
+    return Text(CFStringCreateWithBytes(nullptr, reinterpret_cast<const UInt8*>(text.data()),
+                                        static_cast<CFIndex>(text.size()), kCFStringEncodingUTF8,
+                                        0));
 }
 
-QString nameOf(std::string_view key) {
-    return QString::fromUtf8(key.data(), static_cast<qsizetype>(key.size()));
+Text domainOf(const std::filesystem::path& file) {
+    return stringOf(file.stem().native());
+}
+
+/// Exchanges the changes of this process and of others with the system.
+bool synchronize(const Text& domain) {
+    return CFPreferencesSynchronize(domain.get(), kCFPreferencesCurrentUser,
+                                    kCFPreferencesAnyHost) != 0;
+}
+
+Owned<CFPropertyListRef> valueIn(const std::filesystem::path& file, std::string_view key) {
+    const Text domain = domainOf(file);
+    synchronize(domain);
+    return Owned<CFPropertyListRef>(CFPreferencesCopyValue(
+        stringOf(key).get(), domain.get(), kCFPreferencesCurrentUser, kCFPreferencesAnyHost));
+}
+
+std::string bytesOf(const Text& text) {
+    const CFRange all{0, CFStringGetLength(text.get())};
+    CFIndex size = 0;
+    CFStringGetBytes(text.get(), all, kCFStringEncodingUTF8, 0, 0, nullptr, 0, &size);
+    std::string bytes(static_cast<std::size_t>(size), '\0');
+    CFStringGetBytes(text.get(), all, kCFStringEncodingUTF8, 0, 0,
+                     reinterpret_cast<UInt8*>(bytes.data()), size, nullptr);
+    return bytes;
 }
 
 } // namespace
 
-// Use the property list's path, because Qt derives the native domain from
-// "<organization domain reversed>.<application>".
-UserDefaults::UserDefaults(const std::string& domain)
-    : file_(QDir::homePath().toStdString() + "/Library/Preferences/" + domain + ".plist") {}
+// CoreFoundation, too, takes the home from the list of users, and not from HOME.
+UserDefaults::UserDefaults(const std::string& domain) {
+    if (const passwd* const user = ::getpwuid(::geteuid()); user != nullptr) {
+        file_ = std::filesystem::path(user->pw_dir) / "Library/Preferences" / (domain + ".plist");
+    }
+}
 
 std::optional<std::string> UserDefaults::text(std::string_view key, std::size_t /*limit*/,
                                               std::error_code& error) const {
-    error.clear(); // QSettings does not tell
-    const QVariant value = settingsIn(file_).value(nameOf(key));
-    if (!value.canConvert<QString>()) {
+    error.clear(); // CoreFoundation does not tell
+    const auto value = valueIn(file_, key);
+    const CFTypeID type = value ? CFGetTypeID(value.get()) : 0;
+    if (!value || (type != CFStringGetTypeID() && type != CFNumberGetTypeID())) {
         return std::nullopt;
     }
-    return value.toString().toStdString();
+    return bytesOf(Text(CFStringCreateWithFormat(nullptr, nullptr, CFSTR("%@"), value.get())));
 }
 
 std::optional<base::Timestamp> UserDefaults::date(std::string_view key) const {
-    const QVariant value = settingsIn(file_).value(nameOf(key));
-    const QDateTime date =
-        value.userType() == QMetaType::QDateTime ? value.toDateTime() : QDateTime();
-    if (!date.isValid()) {
+    const auto value = valueIn(file_, key);
+    if (!value || CFGetTypeID(value.get()) != CFDateGetTypeID()) {
         return std::nullopt;
     }
-    return base::Timestamp(std::chrono::milliseconds(date.toMSecsSinceEpoch()));
+    return timestampOf(CFDateGetAbsoluteTime(static_cast<CFDateRef>(value.get())));
 }
 
 std::error_code UserDefaults::setDate(std::string_view key, base::Timestamp moment) const {
-    QSettings settings = settingsIn(file_);
-    const auto milliseconds = std::chrono::floor<std::chrono::milliseconds>(moment);
-    settings.setValue(nameOf(key),
-                      QDateTime::fromMSecsSinceEpoch(milliseconds.time_since_epoch().count()));
-    settings.sync();
-    // It tells no more than that.
-    return settings.status() == QSettings::NoError ? std::error_code()
-                                                   : std::make_error_code(std::errc::io_error);
+    const Owned<CFDateRef> date(CFDateCreate(nullptr, absoluteTime(moment)));
+    const Text domain = domainOf(file_);
+    CFPreferencesSetValue(stringOf(key).get(), date.get(), domain.get(), kCFPreferencesCurrentUser,
+                          kCFPreferencesAnyHost);
+    return synchronize(domain) ? std::error_code() : std::make_error_code(std::errc::io_error);
 }
 
 std::error_code UserDefaults::checkStoring() const {
-    return settingsIn(file_).isWritable() ? std::error_code()
-                                          : std::make_error_code(std::errc::permission_denied);
+    return ::access(file_.parent_path().c_str(), W_OK) == 0 ? std::error_code() : lastError();
 }
 
 FileLock UserDefaults::lock() const {

@@ -1,5 +1,6 @@
 #include "platform/UserDefaults.h"
 #include "platform/File.h"
+#include "platform/macos/AbsoluteTime.h"
 
 #include "tests/support/Test.h"
 
@@ -41,18 +42,13 @@ TEST_F(UserDefaultsTest, KeepADateAndAllOtherLines) {
     EXPECT_FALSE(fs::exists(file_.native() + ".new"));
 }
 
-TEST_F(UserDefaultsTest, GiveBackADateToTheMillisecondBesideAnother) {
-    setenv("HOME", test::TestHome::path().c_str(), 1);
-    const UserDefaults defaults("com.example.test");
-    ASSERT_EQ(defaults.setDate("other", moment_ - std::chrono::hours(1)), std::error_code());
-    ASSERT_EQ(defaults.setDate("key", moment_), std::error_code());
-    const auto date = UserDefaults("com.example.test").date("key");
-    ASSERT_TRUE(date);
-    EXPECT_EQ(std::chrono::floor<std::chrono::milliseconds>(*date),
-              std::chrono::floor<std::chrono::milliseconds>(moment_));
-    EXPECT_TRUE(defaults.date("other"));
-    EXPECT_FALSE(defaults.date("missing"));
-    EXPECT_FALSE(UserDefaults("com.example.test2").date("key"));
+TEST(AbsoluteTime, BeginsIn2001) {
+    const auto moment = base::timestampFromText("2001-01-01T00:00:01.500000Z").value();
+    EXPECT_EQ(absoluteTime(moment), 1.5);
+    EXPECT_EQ(timestampOf(1.5), moment);
+    for (const double outside : {-978307201.0, 252423993600.0, std::nan("")}) {
+        EXPECT_FALSE(timestampOf(outside)) << outside;
+    }
 }
 
 TEST_F(UserDefaultsTest, ReadTextsWithoutBlanksAndWithAByteOrderMark) {
