@@ -21,8 +21,9 @@ namespace platform::desktop {
 
 /// Asks the desktop to hold the session's end back until the returned object is destroyed. Never
 /// waits for the desktop, which may lack the service or not answer. Linux sends one call to GNOME's
-/// session manager, `org.gnome.SessionManager`, on a connection to the session bus of its own.
-/// macOS needs no call, because its logout waits for a window that refuses to close.
+/// session manager, `org.gnome.SessionManager`, after a tenth of a second, on a connection to the
+/// session bus of its own. macOS needs no call, because a window that refuses to close ends its
+/// logout.
 /// @param identifier the name of the application's desktop entry.
 /// @param reason a text that the desktop shows to the user, in the user's language.
 /// @return the hold, or null if the thread for the call cannot be started, and on macOS.

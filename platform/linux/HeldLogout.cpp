@@ -2,12 +2,17 @@
 
 #include "base/Handle.h"
 
+#include <cerrno>
 #include <utility>
 
 #include <gio/gio.h>
 
 namespace platform::desktop {
 namespace {
+
+/// Until the connection, in milliseconds. The window paints the progress sheet first, which takes
+/// half as long again while GIO connects.
+constexpr gint kDelay = 100;
 
 using Cancellable = base::Handle<GCancellable, g_object_unref>;
 using Connection = base::Handle<GDBusConnection, g_object_unref>;
@@ -37,10 +42,13 @@ void sendCall(GDBusConnection* bus, const Hold& hold) {
         nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, nullptr, nullptr, nullptr);
 }
 
-void waitFor(GCancellable* end) {
+/// Waits for the end, at most as many milliseconds, or without a limit if they are -1. A signal
+/// ends a poll.
+void waitFor(GCancellable* end, gint milliseconds) {
     GPollFD descriptor;
     if (g_cancellable_make_pollfd(end, &descriptor) != FALSE) {
-        g_poll(&descriptor, 1, -1);
+        while (g_poll(&descriptor, 1, milliseconds) < 0 && errno == EINTR) {
+        }
         g_cancellable_release_fd(end);
     }
 }
@@ -50,13 +58,14 @@ void waitFor(GCancellable* end) {
 void* keep(void* data) {
     const std::unique_ptr<Hold> hold(static_cast<Hold*>(data));
     GCancellable* const end = hold->end.get();
+    waitFor(end, kDelay);
     constexpr auto kFlags = GDBusConnectionFlags(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
                                                  G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
     const Connection bus(g_dbus_connection_new_for_address_sync(sessionBus().c_str(), kFlags,
                                                                 nullptr, end, nullptr));
     if (bus) {
         sendCall(bus.get(), *hold);
-        waitFor(end);
+        waitFor(end, -1);
         g_dbus_connection_close_sync(bus.get(), nullptr, nullptr);
     }
     return nullptr;
