@@ -46,8 +46,8 @@ MainWindow::~MainWindow() = default;
 
 void MainWindow::localize() {
     setLayoutDirection(textDirection());
-    ui_->iconLabel->setAccessibleName(QString::fromStdString(productName()));
     localizeTexts(*this);
+    ui_->iconLabel->setAccessibleName(QString::fromStdString(productName()));
     setAccessibleDescription(ui_->headingLabel->text());
     ui_->cancelButton->setShortcut(Qt::Key_Escape); // after its text, which resets the shortcut
 }
