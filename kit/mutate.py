@@ -116,7 +116,7 @@ def main() -> None:
     parser.add_argument("--seed", type=int, default=1, help="seed of the selection (default: %(default)s)")
     parser.add_argument("--minutes", type=float, default=60, help="time for all faults (default: %(default)s)")
     parser.add_argument("--seconds", type=int, default=600, help="time of a build or a test run (default: %(default)s)")
-    parser.add_argument("--tests", default="-E ^form|Shipping|bench|Faults",
+    parser.add_argument("--tests", default="-E ^form|Packaging|Shipping|bench|Faults",
                         help="arguments for ctest (default: %(default)s)")
     given = parser.parse_args()
     if os.geteuid() == 0:

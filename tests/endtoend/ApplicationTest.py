@@ -107,6 +107,11 @@ class StartTest(TestCase):
                 if None in files.values():  # missed before there is a window
                     said = stage.run({"PATH": "/usr/bin"})[1]
                     self.assertRegex(said, "^[^\n]*The application cannot be loaded: .*\n$")
+        now = time.time()
+        stored, then = (time.strftime("%FT%T.000000Z", time.gmtime(moment)) for moment in (now, now + 4 * 3600))
+        put(stage.home / f"{settings}.conf", f"lastRunUserDefaultKey={stored}")
+        said = self.run_command(stage.program(), "--check", status=1, env=environment).stdout
+        self.assertIn(f"{stored}, the next start runs at {then}", " ".join(said.split()))
         expected = pathlib.Path(__file__).with_name("check-results.txt").read_text().splitlines()
         self.assertEqual([text for text in texts if not any(fnmatch.fnmatchcase(text, each) for each in expected)], [])
         self.assertEqual([each for each in expected if not fnmatch.filter(texts, each)], [])

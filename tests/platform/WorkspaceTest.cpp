@@ -178,16 +178,18 @@ TEST_F(WorkspaceTest, TakesTheFirstPlaceThatIsTheUsersOwn) {
     const auto second = own + "-1";
     setenv("XDG_RUNTIME_DIR", (home / "runtime").c_str(), 1);
     setenv("own", own.c_str(), 1);
+    const auto before = fs::current_path();
     fs::current_path(home);
     // Commands that prepare the home, the user's TMPDIR, and the expected place.
     const std::tuple<std::string, std::string, std::string> rows[] = {
         {"true", tmp, own},
         {"mkdir -m 700 $own", tmp, own},
         {"mkdir -m 750 $own", tmp, second},
+        {"mkdir -m 705 $own", tmp, second},
         {"ln -s $PWD/runtime $own", tmp, second},
         {"touch $own", tmp, second},
         {"chmod 770 tmp", tmp, next},
-        {"chmod 777 tmp", tmp, next},
+        {"chmod 707 tmp", tmp, next},
         {"chmod 1777 tmp", tmp, own},
         {"chmod 777 .", tmp, "/tmp/" + name},
         {"rmdir tmp", tmp, next},
@@ -214,6 +216,7 @@ TEST_F(WorkspaceTest, TakesTheFirstPlaceThatIsTheUsersOwn) {
     }
     fs::permissions(home, fs::perms::owner_all);
     setenv("TMPDIR", tmp.c_str(), 1);
+    fs::current_path(before);
     unsetenv("XDG_RUNTIME_DIR");
     fs::remove_all("/tmp/" + name);
 }
