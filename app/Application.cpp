@@ -60,11 +60,15 @@ void useOwnPlugins() {
     }
 }
 
-/// Makes Qt's own style dark while GNOME prefers it. Qt 6.4 looks only at the name of the GTK
-/// theme, which GNOME's dark style leaves as it is.
+/// Makes Qt's own style light or dark like the desktop. Qt 6.4 looks only at the name of the GTK
+/// theme, which GNOME's dark style leaves as it is, and keeps the colors for the first name.
 void followDarkStyle() {
     constexpr int kHalf = 128;
     QApplication::setPalette(QPalette()); // the desktop's
+    static const bool isByName = QApplication::palette() == QApplication::style()->standardPalette();
+    if (isByName) {
+        QApplication::setPalette(QApplication::style()->standardPalette());
+    }
     const bool isLight = QApplication::palette().color(QPalette::Window).lightness() > kHalf;
     if (!isLight || QApplication::style()->name() != QLatin1String("fusion") ||
         !platform::prefersDark()) {
@@ -77,6 +81,17 @@ void followDarkStyle() {
     }
     QApplication::setPalette(palette);
 }
+
+/// Follows a theme that changes while the window is open.
+class ThemeObserver final : public QObject {
+  public:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::ThemeChange && watched->isWindowType()) {
+            followDarkStyle();
+        }
+        return false;
+    }
+};
 
 /// Logs Qt's messages, because Qt itself would wait for a full pipe at standard error.
 void logMessage(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& message) {
@@ -138,12 +153,14 @@ int subscriptionHelperApplicationMain(const app::Options& options, int argumentC
     // Wayland and X11 desktops find the window's desktop entry and icon by these names.
     QApplication::setDesktopFileName(QStringLiteral(HELPER_IDENTIFIER));
     QApplication::setApplicationName(QStringLiteral(HELPER_IDENTIFIER));
-    const QApplication application(argumentCount, arguments);
+    QApplication application(argumentCount, arguments);
     if (isCheck) {
         return finish(check, {});
     }
     qInstallMessageHandler(logMessage);
     followDarkStyle();
     platform::observeDarkPreference(followDarkStyle);
+    ThemeObserver themes;
+    application.installEventFilter(&themes);
     return runUntilExit();
 }

@@ -368,14 +368,21 @@ class DesktopTest(TestCase):
         stage = self.make_stage()
         settings = stage.config / "glib-2.0/settings/keyfile"
         still = None
+        put(stage.home / ".xsettingsd", "")
+        themes = subprocess.Popen(["xsettingsd"], env=stage.environment(self.desktop))
+        self.addCleanup(end, themes)
         for animations in ("false", "true"):
             text = f"[org/gnome/desktop/interface]\nenable-animations={animations}\ncolor-scheme='prefer-dark'\n"
             put(settings, text)
             with Store(BUILD, "--delay", "20000") as store:
                 process = self.begin(stage, GSETTINGS_BACKEND="keyfile", QT_QPA_PLATFORMTHEME="gtk3")
-                for scheme, is_dark in (("default", False), ("prefer-dark", True)):  # changed while it is open
+                for scheme, theme, is_dark in rows(  # changed while it is open
+                        ("default", "Adwaita-dark", True), ("default", "Adwaita", False),
+                        ("prefer-dark", "Adwaita", True)):
                     settings.write_text(text.replace("prefer-dark", scheme))
-                    self.assertTrue(wait_for(lambda: (self.window.picture()[-1] < 60) == is_dark, 5), scheme)
+                    put(stage.home / ".xsettingsd", f'Net/ThemeName "{theme}"\n')
+                    themes.send_signal(signal.SIGHUP)
+                    self.assertTrue(wait_for(lambda: (self.window.picture()[-1] < 60) == is_dark, 5), (scheme, theme))
                 self.window.press_remove()
                 # The corner of a dark window in the sheet's shade, which turns 50 to 32.
                 self.assertTrue(wait_for(lambda: self.window.picture()[-1] < 40, 5))
