@@ -65,7 +65,8 @@ void useOwnPlugins() {
 void followDarkStyle() {
     constexpr int kHalf = 128;
     QApplication::setPalette(QPalette()); // the desktop's
-    static const bool isByName = QApplication::palette() == QApplication::style()->standardPalette();
+    static const bool isByName =
+        QApplication::palette() == QApplication::style()->standardPalette();
     if (isByName) {
         QApplication::setPalette(QApplication::style()->standardPalette());
     }

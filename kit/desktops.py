@@ -43,8 +43,8 @@ DESKTOPS = {
     "gnome": Desktop(
         "GNOME", "gnome-shell", [["gnome-shell", "--x11"], ["/usr/libexec/gsd-xsettings"]],
         {"XDG_CURRENT_DESKTOP": "GNOME"},
-        {"light": [*SCHEME, "prefer-light"], "dark": [*SCHEME, "prefer-dark"]}, welcome=
-        ["gdbus", "call", "--session", "--dest", "org.gnome.Shell", "--object-path", "/org/gnome/Shell", "--method",
+        {"light": [*SCHEME, "prefer-light"], "dark": [*SCHEME, "prefer-dark"]},
+        welcome=["gdbus", "call", "--session", "--dest", "org.gnome.Shell", "--object-path", "/org/gnome/Shell", "--method",
          "org.freedesktop.DBus.Properties.Set", "org.gnome.Shell", "OverviewActive", "<false>"]),
     "plasma": Desktop(
         "KDE Plasma", "plasma-workspace", [["startplasma-x11"]],
