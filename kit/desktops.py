@@ -44,8 +44,9 @@ DESKTOPS = {
         "GNOME", "gnome-shell", [["gnome-shell", "--x11"], ["/usr/libexec/gsd-xsettings"]],
         {"XDG_CURRENT_DESKTOP": "GNOME"},
         {"light": [*SCHEME, "prefer-light"], "dark": [*SCHEME, "prefer-dark"]},
-        welcome=["gdbus", "call", "--session", "--dest", "org.gnome.Shell", "--object-path", "/org/gnome/Shell", "--method",
-         "org.freedesktop.DBus.Properties.Set", "org.gnome.Shell", "OverviewActive", "<false>"]),
+        welcome=[
+            "gdbus", "call", "--session", "--dest", "org.gnome.Shell", "--object-path", "/org/gnome/Shell", "--method",
+            "org.freedesktop.DBus.Properties.Set", "org.gnome.Shell", "OverviewActive", "<false>"]),
     "plasma": Desktop(
         "KDE Plasma", "plasma-workspace", [["startplasma-x11"]],
         {"XDG_CURRENT_DESKTOP": "KDE", "KDE_FULL_SESSION": "true", "KDE_SESSION_VERSION": "5"},
