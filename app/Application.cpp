@@ -61,13 +61,14 @@ void useOwnPlugins() {
 }
 
 /// Makes Qt's own style light or dark like the desktop. Qt 6.4 looks only at the name of the GTK
-/// theme, which GNOME's dark style leaves as it is, and keeps the colors for the first name.
+/// theme, which GNOME's dark style leaves as it is. It keeps the colors when this name changes.
 void followDarkStyle() {
     constexpr int kHalf = 128;
     QApplication::setPalette(QPalette()); // the desktop's
-    static const bool isByName =
+    // KDE has colors of its own. For the others Qt takes those of the style.
+    static const bool hasStyleColors =
         QApplication::palette() == QApplication::style()->standardPalette();
-    if (isByName) {
+    if (hasStyleColors) {
         QApplication::setPalette(QApplication::style()->standardPalette());
     }
     const bool isLight = QApplication::palette().color(QPalette::Window).lightness() > kHalf;

@@ -17,9 +17,9 @@ constexpr double kBeginning = 978307200;
 
 /// Returns the point in time of an absolute time, rounded to microseconds, or std::nullopt if the
 /// time is before 1970, after 9999 or no number.
-[[nodiscard]] inline std::optional<base::Timestamp> timestampOf(double absoluteTime) {
+[[nodiscard]] inline std::optional<base::Timestamp> timestampOf(double time) {
     constexpr double kEnd = 253402300800; // the year 10000
-    const double seconds = absoluteTime + kBeginning;
+    const double seconds = time + kBeginning;
     if (!(seconds >= 0 && seconds < kEnd)) {
         return std::nullopt;
     }

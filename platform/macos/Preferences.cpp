@@ -5,8 +5,9 @@
 namespace platform {
 
 bool wantsReducedMotion() {
+    Boolean isValid = 0;
     return CFPreferencesGetAppBooleanValue(CFSTR("reduceMotion"),
-                                           CFSTR("com.apple.universalaccess"), nullptr) != 0;
+                                           CFSTR("com.apple.universalaccess"), &isValid) != 0;
 }
 
 bool prefersDark() {
