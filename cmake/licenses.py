@@ -146,7 +146,7 @@ def main() -> None:
         own["licenseDeclared"] = own["licenseConcluded"] = "LicenseRef-company"
         document["hasExtractedLicensingInfos"] = [
             {"licenseId": "LicenseRef-company", "extractedText": pathlib.Path(license_).read_text()}]
-    # The list lacks the resources, and SPDX lets only a package whose files are all listed contain any.
+    # SPDX lets a package contain files only if all are listed. This list leaves out the resources.
     relations = [("SPDXRef-DOCUMENT", "DESCRIBES", own["SPDXID"]),
                  *((own["SPDXID"], "DISTRIBUTION_ARTIFACT", file["SPDXID"]) for file in files.values()), *relations]
     document["relationships"] = [
